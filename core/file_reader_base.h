@@ -1,0 +1,61 @@
+#pragma once
+
+#include <QFile>
+#include <QHash>
+#include <QImage>
+#include <QString>
+
+#include <functional>
+
+namespace zr
+{
+
+/// One way in which a reader can fail: the log line that tells it and the error key that is thrown.
+/// Readers keep theirs as a table at the top of their file.
+struct ReadFailure {
+    /// Where the source path stands in the logged text.
+    enum class Path { None, OnNextLine, Appended };
+
+    int number;          ///< number of the log line; the " throw " line has the next one
+    const char* message; ///< Latin-1
+    Path path;
+    const char* key; ///< error key, see FileReaderBase
+};
+
+/// The reader of one source file, made by the thumbnail job for a single getImage() call.
+///
+/// Subclasses throw a QString error key for everything that they cannot read. The keys "openFileErr", "fileReadLess"
+/// and "filePrevErr" have handlers here; any other key that reaches getImage() leaves it as std::bad_function_call.
+class FileReaderBase
+{
+public:
+    explicit FileReaderBase(const QString& filePath);
+    virtual ~FileReaderBase();
+    FileReaderBase(const FileReaderBase&) = delete;
+    FileReaderBase& operator=(const FileReaderBase&) = delete;
+
+    /// Opens and parses the source file. Throws an error key.
+    virtual void readFile() = 0;
+
+    /// The picture of the file that readFile() has read; a null image when there is none.
+    virtual QImage previewImage() = 0;
+
+    /// Reads the file and returns its picture; a null image after a failure, which is logged.
+    /// Errors that are no QString pass through.
+    QImage getImage();
+
+protected:
+    /// Logs the failure with its two lines and throws its key.
+    [[noreturn]] void fail(const ReadFailure& failure) const;
+
+    QImage m_image;
+    QFile m_file;
+    QString m_filePath;
+    QHash<QString, std::function<void(QString)>> m_errorHandlers;
+
+private:
+    void onFileOpenError(const QString& key);
+    void onFileError(const QString& key);
+};
+
+} // namespace zr

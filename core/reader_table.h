@@ -1,0 +1,19 @@
+#pragma once
+
+#include "core/file_reader_base.h"
+
+#include <QStringList>
+
+#include <memory>
+
+namespace zr
+{
+
+/// The suffixes that have a reader, in lower case, in the order of the dispatch table.
+QStringList supportedSuffixes();
+
+/// A new reader of `filePath` for `suffix`, compared without regard to case; null when no format has that suffix.
+/// A QString error key that a reader's constructor throws passes through.
+std::unique_ptr<FileReaderBase> makeReader(const QString& suffix, const QString& filePath);
+
+} // namespace zr
