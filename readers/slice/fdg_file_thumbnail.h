@@ -1,0 +1,18 @@
+#pragma once
+
+#include "core/file_reader_base.h"
+
+namespace zr
+{
+
+/// Reads the preview of resin slice files with the suffix "fdg". The picture is 400 x 400, QImage::Format_RGB888.
+class FdgFileThumbnail : public FileReaderBase
+{
+public:
+    using FileReaderBase::FileReaderBase;
+
+    void readFile() override;
+    QImage previewImage() override;
+};
+
+} // namespace zr

@@ -1,0 +1,43 @@
+#pragma once
+
+#include <QFile>
+#include <QtEndian>
+
+#include <array>
+#include <optional>
+
+namespace zr
+{
+
+/// The bytes of one fixed-size header block with little-endian fields at fixed offsets.
+/// A field that would reach past the block does not compile.
+template <int Bytes>
+class LittleEndianBlock
+{
+public:
+    /// Fills the block with one read from the file's current position; false when the read comes up short.
+    bool readFrom(QFile& file) { return file.read(m_bytes.data(), Bytes) == Bytes; }
+
+    template <typename Integer, int Offset>
+    Integer field() const
+    {
+        static_assert(Offset >= 0 && Offset + static_cast<int>(sizeof(Integer)) <= Bytes);
+        return qFromLittleEndian<Integer>(m_bytes.data() + Offset);
+    }
+
+private:
+    std::array<char, Bytes> m_bytes{};
+};
+
+/// Reads a header at the file's current position. `Head` names its block's type as `Head::Block` and is built from one.
+/// Nothing when the file ends too early.
+template <typename Head>
+std::optional<Head> readHead(QFile& file)
+{
+    typename Head::Block block;
+    if (!block.readFrom(file))
+        return std::nullopt;
+    return Head(block);
+}
+
+} // namespace zr

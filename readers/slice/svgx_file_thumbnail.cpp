@@ -1,0 +1,62 @@
+#include "readers/slice/svgx_file_thumbnail.h"
+
+#include "readers/slice/little_endian_block.h"
+#include "readers/slice/thumbnail_canvas.h"
+
+namespace zr
+{
+namespace
+{
+
+using Path = ReadFailure::Path;
+
+constexpr ReadFailure kCannotOpen{18, "file open errr ", Path::None, "openFileErr"};
+constexpr ReadFailure kHeadShort{27, "file head read error", Path::OnNextLine, "fileReadLess"};
+constexpr ReadFailure kNoPreview{33, "There is something wrong with the document", Path::OnNextLine, "filePrevErr"};
+constexpr ReadFailure kPreviewShort{51, "rgbBuf read less", Path::OnNextLine, "fileReadLess"};
+
+// Always this much is read: a 24-bit BMP file of 44 x 44 pixels. Others have to fit into it.
+constexpr int kBmpBytes = 5862;
+
+struct SvgxHead_t {
+    using Block = LittleEndianBlock<28>;
+
+    explicit SvgxHead_t(const Block& block) : previewOffset(block.field<qint32, 16>()) {}
+
+    qint32 previewOffset;
+};
+
+} // namespace
+
+void SvgxFileThumbnail::readFile()
+{
+    m_image = QImage();
+    if (!m_file.isOpen() && !m_file.open(QIODevice::ReadOnly))
+        fail(kCannotOpen);
+
+    const auto head = readHead<SvgxHead_t>(m_file);
+    if (!head)
+        fail(kHeadShort);
+    if (head->previewOffset >= m_file.size() || head->previewOffset == 0)
+        fail(kNoPreview);
+
+    // A negative offset passes, the seek fails, and the bytes behind the header are read.
+    m_file.seek(head->previewOffset);
+    std::array<uchar, kBmpBytes> bmp{};
+    if (m_file.read(reinterpret_cast<char*>(bmp.data()), kBmpBytes) != kBmpBytes)
+        fail(kPreviewShort);
+    m_file.close();
+
+    // Bytes that are no BMP give a null picture, whose pixel(0, 0) is a colour all the same.
+    QImage picture;
+    picture.loadFromData(bmp.data(), kBmpBytes, "bmp");
+    const QImage fitted = fittedToThumbnail(picture);
+    m_image = centredOnThumbnail(fitted, fitted.pixel(0, 0));
+}
+
+QImage SvgxFileThumbnail::previewImage()
+{
+    return m_image;
+}
+
+} // namespace zr

@@ -1,0 +1,19 @@
+#pragma once
+
+#include "core/file_reader_base.h"
+
+namespace zr
+{
+
+/// Reads the preview of slice files with the suffix "svgx", an embedded BMP file. The picture is 400 x 400,
+/// QImage::Format_RGB888, in the preview's own colours.
+class SvgxFileThumbnail : public FileReaderBase
+{
+public:
+    using FileReaderBase::FileReaderBase;
+
+    void readFile() override;
+    QImage previewImage() override;
+};
+
+} // namespace zr

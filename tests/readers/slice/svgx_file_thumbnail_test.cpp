@@ -1,0 +1,247 @@
+#include "readers/slice/svgx_file_thumbnail.h"
+
+#include "tests/readers/slice/preview_oracle.h"
+#include "tests/readers/slice/slice_reader_test.h"
+#include "tools/samples/drawn_solids.h"
+#include "tools/samples/put_bytes.h"
+#include "tools/samples/svgx_bytes.h"
+
+#include <limits>
+
+namespace zr::test
+{
+namespace
+{
+
+using samples::kSvgxBmpBytes;
+using samples::kSvgxHeadBytes;
+using samples::SvgxParts;
+
+constexpr char kHeadShort[] = "file head read error";
+constexpr char kDocumentWrong[] = "There is something wrong with the document";
+constexpr char kPreviewShort[] = "rgbBuf read less";
+
+QImage solid(int width, int height)
+{
+    return samples::drawSolid(samples::Solid::SpinningTop, width, height);
+}
+
+QByteArray fileOf(const QByteArray& bmp)
+{
+    SvgxParts parts;
+    parts.bmp = bmp;
+    return samples::svgxBytes(parts);
+}
+
+QByteArray withPreviewOffset(qint32 offset)
+{
+    SvgxParts parts;
+    parts.bmp = samples::bmpBytes(solid(44, 44));
+    parts.previewOffset = offset;
+    return samples::svgxBytes(parts);
+}
+
+QByteArray valid()
+{
+    return withPreviewOffset(kSvgxHeadBytes);
+}
+
+QImage expectedPicture(const QImage& preview)
+{
+    const QImage fitted = scaledTo400(preview);
+    return centredOnSquare(fitted, fitted.pixel(0, 0));
+}
+
+class SvgxFileThumbnailTest : public SliceReaderTest
+{
+protected:
+    QImage picture(const QByteArray& bytes) { return pictureOf<SvgxFileThumbnail>(bytes); }
+};
+
+TEST_F(SvgxFileThumbnailTest, PictureIsFittedAndCentred)
+{
+    for (const QSize size : {QSize(44, 44), QSize(60, 30), QSize(30, 60), QSize(1, 44), QSize(44, 1), QSize(1, 1),
+                             QSize(43, 41), QSize(1900, 1), QSize(1, 1400), QSize(500, 3)}) {
+        const QImage preview = solid(size.width(), size.height());
+        const QImage result = picture(fileOf(samples::bmpBytes(preview)));
+        EXPECT_EQ(result.size(), QSize(400, 400));
+        EXPECT_EQ(result.format(), QImage::Format_RGB888);
+        EXPECT_EQ(result, expectedPicture(preview)) << size.width() << " x " << size.height();
+    }
+}
+
+TEST_F(SvgxFileThumbnailTest, MarginsHaveTheColourOfTheTopLeftPixel)
+{
+    QImage preview(60, 30, QImage::Format_RGB32);
+    preview.fill(qRgb(1, 2, 3));
+    preview.setPixel(0, 0, qRgb(200, 100, 50));
+    preview.setPixel(1, 1, qRgb(9, 9, 9));
+    const QImage result = picture(fileOf(samples::bmpBytes(preview)));
+    EXPECT_EQ(result.pixel(399, 99), qRgb(200, 100, 50));
+    EXPECT_EQ(result.pixel(399, 100), qRgb(1, 2, 3));
+    EXPECT_EQ(result.pixel(399, 299), qRgb(1, 2, 3));
+    EXPECT_EQ(result.pixel(399, 300), qRgb(200, 100, 50));
+}
+
+TEST_F(SvgxFileThumbnailTest, PreviewMayLieAnywhereInTheFile)
+{
+    const QByteArray bmp = samples::bmpBytes(solid(44, 44));
+    const QImage expected = expectedPicture(solid(44, 44));
+    for (const int offset : {kSvgxHeadBytes, kSvgxHeadBytes + 1, 5000}) {
+        QByteArray bytes(offset, '\x77');
+        samples::putLittleEndian<qint32>(bytes, 16, offset);
+        EXPECT_EQ(picture(bytes + bmp), expected) << offset;
+        EXPECT_EQ(picture(bytes + bmp + "more"), expected) << offset;
+    }
+}
+
+TEST_F(SvgxFileThumbnailTest, NegativeOffsetReadsOnBehindTheHeader)
+{
+    for (const int offset : {-1, -kSvgxHeadBytes, std::numeric_limits<int>::min()})
+        EXPECT_EQ(picture(withPreviewOffset(offset)), expectedPicture(solid(44, 44))) << offset;
+}
+
+TEST_F(SvgxFileThumbnailTest, BytesThatAreNoBmpGiveThePlainColourOfANullPicture)
+{
+    QImage plain(400, 400, QImage::Format_RGB888);
+    plain.fill(QImage().pixel(0, 0));
+    EXPECT_EQ(plain.pixel(0, 0), qRgb(0x00, 0x30, 0x39));
+
+    const QByteArray bmp = samples::bmpBytes(solid(44, 44));
+    QByteArray pixelsMissing = bmp.left(54);
+    samples::putLittleEndian<qint32>(pixelsMissing, 18, 0);
+    for (const QByteArray& bytes : {QByteArray(), QByteArray(kSvgxBmpBytes, '\xff'), QByteArray("\x89PNG\r\n\x1a\n"),
+                                    bmp.mid(1), bmp.left(20), pixelsMissing}) {
+        EXPECT_EQ(picture(fileOf(bytes)), plain);
+    }
+}
+
+// A BMP file in pieces.
+struct BmpKind {
+    const char* name;
+    int infoBytes;
+    int width, height; // negative height: top row first
+    int bitsPerPixel;
+    int compression;
+    QByteArray masksAndPalette;
+    QByteArray pixels;
+};
+
+QByteArray bmpOf(const BmpKind& kind)
+{
+    constexpr int kFileHeadBytes = 14;
+    const int pixelOffset = kFileHeadBytes + kind.infoBytes + kind.masksAndPalette.size();
+    QByteArray bytes;
+    samples::putBytes(bytes, 0, "BM");
+    samples::putLittleEndian<qint32>(bytes, 2, pixelOffset + kind.pixels.size());
+    samples::putLittleEndian<qint32>(bytes, 10, pixelOffset);
+    samples::putLittleEndian<qint32>(bytes, 14, kind.infoBytes);
+    if (kind.infoBytes == 12) { // the oldest header has 16-bit sizes
+        samples::putLittleEndian(bytes, 18, static_cast<qint16>(kind.width));
+        samples::putLittleEndian(bytes, 20, static_cast<qint16>(kind.height));
+        samples::putLittleEndian<qint16>(bytes, 22, 1);
+        samples::putLittleEndian(bytes, 24, static_cast<qint16>(kind.bitsPerPixel));
+    } else {
+        samples::putLittleEndian<qint32>(bytes, 18, kind.width);
+        samples::putLittleEndian<qint32>(bytes, 22, kind.height);
+        samples::putLittleEndian<qint16>(bytes, 26, 1);
+        samples::putLittleEndian(bytes, 28, static_cast<qint16>(kind.bitsPerPixel));
+        samples::putLittleEndian<qint32>(bytes, 30, kind.compression);
+        samples::putBytes(bytes, 14 + 40, QByteArray(kind.infoBytes - 40, '\0'));
+    }
+    samples::putBytes(bytes, kFileHeadBytes + kind.infoBytes, kind.masksAndPalette);
+    samples::putBytes(bytes, pixelOffset, kind.pixels);
+    return bytes;
+}
+
+QByteArray hex(const char* digits)
+{
+    return QByteArray::fromHex(digits);
+}
+
+// Blue, green, red, 0 for each colour.
+const QByteArray kTwoColours = hex("30201000 90a0b000");
+const QByteArray kSixteenColours = hex("30201000 90a0b000 00ff0000") + QByteArray(13 * 4, '\x42');
+const QByteArray kManyColours = hex("30201000 90a0b000 00ff0000") + QByteArray(253 * 4, '\x42');
+
+class SvgxBmpKindTest : public SvgxFileThumbnailTest, public ::testing::WithParamInterface<BmpKind>
+{
+};
+
+TEST_P(SvgxBmpKindTest, IsShownAsQtReadsIt)
+{
+    const QByteArray bmp = bmpOf(GetParam());
+    const QImage preview = QImage::fromData(bmp.leftJustified(kSvgxBmpBytes, '\0'), "bmp");
+    ASSERT_EQ(preview.size(), QSize(4, 2));
+    const QImage result = picture(fileOf(bmp));
+    EXPECT_EQ(result, expectedPicture(preview));
+    // The top row starts with the first colour, and the bottom row ends with another one.
+    EXPECT_EQ(result.pixel(0, 100), qRgb(0x10, 0x20, 0x30));
+    EXPECT_NE(result.pixel(399, 299), qRgb(0x10, 0x20, 0x30));
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Kinds, SvgxBmpKindTest,
+    ::testing::Values(
+        BmpKind{"Bits1", 40, 4, 2, 1, 0, kTwoColours, hex("10000000 60000000")},
+        BmpKind{"Bits4", 40, 4, 2, 4, 0, kSixteenColours, hex("01210000 01200000")},
+        BmpKind{"Bits8", 40, 4, 2, 8, 0, kManyColours, hex("00010201 00010200")},
+        BmpKind{"Rle8", 40, 4, 2, 8, 1, kManyColours, hex("0300 0101 0000 0400 0000 0001")},
+        BmpKind{"Rle4", 40, 4, 2, 4, 2, kSixteenColours, hex("0401 0000 0400 0000 0001")},
+        BmpKind{"Bits16", 40, 4, 2, 16, 0, {}, hex("0000ff7f1f00ff7f 8608000000000000")},
+        BmpKind{"Bits24", 40, 4, 2, 24, 0, {}, hex("302010 90a0b0 302010 90a0b0") + hex("302010").repeated(4)},
+        BmpKind{"Bits24TopFirst", 40, 4, -2, 24, 0, {}, hex("302010").repeated(4) + hex("302010 90a0b0 302010 90a0b0")},
+        BmpKind{"Bits24Oldest", 12, 4, 2, 24, 0, {}, hex("302010 90a0b0 302010 90a0b0") + hex("302010").repeated(4)},
+        BmpKind{"Bits32", 40, 4, 2, 32, 0, {}, hex("90a0b000").repeated(4) + hex("30201000").repeated(4)},
+        BmpKind{"Bits32Masks", 40, 4, 2, 32, 3, hex("000000ff 0000ff00 00ff0000"),
+                hex("0090a0b0").repeated(4) + hex("00302010").repeated(4)}),
+    [](const auto& test) { return std::string(test.param.name); });
+
+TEST_F(SvgxFileThumbnailTest, AlphaIsDropped)
+{
+    // 32 bits with masks for four channels, in the second last header version.
+    constexpr int kInfoBytes = 108;
+    QByteArray bmp =
+        bmpOf({"", kInfoBytes, 4, 2, 32, 3, {}, hex("90a0b080").repeated(4) + hex("30201040").repeated(4)});
+    samples::putBytes(bmp, 14 + 40, hex("0000ff00 00ff0000 ff000000 000000ff"));
+    const QImage preview = QImage::fromData(bmp.leftJustified(kSvgxBmpBytes, '\0'), "bmp");
+    ASSERT_TRUE(preview.hasAlphaChannel());
+    ASSERT_EQ(preview.pixel(0, 0), qRgba(0x10, 0x20, 0x30, 0x40));
+    const QImage result = picture(fileOf(bmp));
+    EXPECT_EQ(result, expectedPicture(preview));
+    EXPECT_EQ(result.pixel(200, 0), qRgb(0x10, 0x20, 0x30));
+    EXPECT_EQ(result.pixel(200, 299), qRgb(0xb0, 0xa0, 0x90));
+}
+
+TEST_F(SvgxFileThumbnailTest, FileThatCannotBeOpened)
+{
+    expectOpenFailures<SvgxFileThumbnail>(18);
+}
+
+class SvgxFailureTest : public SvgxFileThumbnailTest, public ::testing::WithParamInterface<FailureCase>
+{
+};
+
+TEST_P(SvgxFailureTest, IsLoggedAndGivesNoPicture)
+{
+    expectFailure<SvgxFileThumbnail>(GetParam());
+}
+
+constexpr int kValidSize = kSvgxHeadBytes + kSvgxBmpBytes;
+const FailureCase kFailures[] = {
+    {"Empty", [] { return QByteArray(); }, kHeadShort, "fileReadLess", 27},
+    {"Head27", [] { return valid().left(kSvgxHeadBytes - 1); }, kHeadShort, "fileReadLess", 27},
+    {"OffsetZero", [] { return withPreviewOffset(0); }, kDocumentWrong, "filePrevErr", 33},
+    {"OffsetAtEnd", [] { return withPreviewOffset(kValidSize); }, kDocumentWrong, "filePrevErr", 33},
+    {"OffsetFarAway", [] { return withPreviewOffset(0x7FFFFFFF); }, kDocumentWrong, "filePrevErr", 33},
+    {"HeadOnly", [] { return valid().left(kSvgxHeadBytes); }, kDocumentWrong, "filePrevErr", 33},
+    {"LastByte", [] { return withPreviewOffset(kValidSize - 1); }, kPreviewShort, "fileReadLess", 51},
+    {"OneByteMissing", [] { return valid().chopped(1); }, kPreviewShort, "fileReadLess", 51},
+    {"OneByteTooLate", [] { return withPreviewOffset(kSvgxHeadBytes + 1); }, kPreviewShort, "fileReadLess", 51},
+    {"NegativeOffsetShort", [] { return withPreviewOffset(-1).chopped(1); }, kPreviewShort, "fileReadLess", 51},
+};
+
+INSTANTIATE_TEST_SUITE_P(Rows, SvgxFailureTest, ::testing::ValuesIn(kFailures), caseName);
+
+} // namespace
+} // namespace zr::test
