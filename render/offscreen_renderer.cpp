@@ -1,0 +1,199 @@
+#include "render/offscreen_renderer.h"
+
+#include "core/log_file.h"
+
+#include <QOffscreenSurface>
+#include <QOpenGLContext>
+#include <QOpenGLFramebufferObject>
+#include <QOpenGLShaderProgram>
+
+#include <mutex>
+
+namespace zr
+{
+namespace
+{
+
+constexpr int kLineProbeWithoutContext = 46;
+constexpr int kLineConstructionFailed = 115;
+constexpr int kLineContextNotValid = 200;
+constexpr int kLineSurfaceNotValid = 208;
+constexpr int kLineNoFunctions = 238;
+constexpr int kLineContextFailed = 241;
+constexpr int kLineContextFailedThrow = 242;
+
+/// Held while contexts and surfaces are made or destroyed. Where Qt has no other offscreen surface it takes a hidden
+/// window, and its platform plug-in for Windows keeps the window that is being made in one variable for all threads.
+/// Never destroyed, and made at its first use: loading the DLL runs no code.
+std::mutex& windowSystemMutex()
+{
+    static auto* const mutex = new std::mutex;
+    return *mutex;
+}
+
+/// The first OpenGL version whose GLSL has "in" and "out", and which knows core profiles.
+constexpr int kFirstModernVersion = 0x30;
+
+struct GlslVersionRow {
+    int versionCode; ///< as GlslInfo::versionCode
+    const char* glsl;
+    bool compiled;
+};
+
+struct GlslVersionTable {
+    GlslVersionRow rows[13] = {
+        {0x20, "110", false}, {0x21, "120", false}, {0x30, "130", false}, {0x31, "140", false}, {0x32, "150", false},
+        {0x33, "330", false}, {0x40, "400", false}, {0x41, "410", false}, {0x42, "420", false}, {0x43, "430", false},
+        {0x44, "440", false}, {0x45, "450", false}, {0x46, "460", false},
+    };
+};
+
+int versionCodeOf(const QSurfaceFormat& format)
+{
+    return format.majorVersion() * 16 + format.minorVersion();
+}
+
+} // namespace
+
+OffscreenRenderer::OffscreenRenderer(bool perspective)
+    : OffscreenRenderer(perspective, Pipeline::Plain, builtInShaderTexts())
+{
+}
+
+OffscreenRenderer::OffscreenRenderer(bool perspective, Pipeline pipeline, const ShaderTexts& texts)
+    : m_perspective(perspective), m_useGeometryShader(pipeline == Pipeline::GeometryShader)
+{
+    try {
+        createContext();
+        setupShaders(texts);
+        setupCamera(kPictureSidePx, kPictureSidePx, m_perspective);
+    } catch (const QString& key) {
+        logLine(kLineConstructionFailed, QStringLiteral("Builder function failed\t") + key);
+        m_valid = false;
+    }
+}
+
+OffscreenRenderer::~OffscreenRenderer()
+{
+    // What was never bound has nothing to release, and a program that no context has initialised cannot be released.
+    const bool isContextCurrent = canCallGl();
+    if (m_fbo && isContextCurrent)
+        m_fbo->release();
+    m_fbo.reset();
+    if (m_program && m_program->isLinked() && isContextCurrent)
+        m_program->release();
+    m_program.reset();
+    const std::lock_guard<std::mutex> guard(windowSystemMutex());
+    if (m_surface)
+        m_surface->destroy();
+    m_surface.reset();
+    // The buffer and the vertex array outlive the context: Qt detaches them from it as it goes.
+    m_context.reset();
+}
+
+bool OffscreenRenderer::usesGeometryShader() const
+{
+    return m_useGeometryShader;
+}
+
+/// A render context that never became current leaves m_functions with the table of the probe's context, which is gone.
+/// Such a context has no surface.
+bool OffscreenRenderer::canCallGl() const
+{
+    return m_functions && m_context->surface() && QOpenGLContext::currentContext();
+}
+
+void OffscreenRenderer::createContext()
+{
+    const std::lock_guard<std::mutex> guard(windowSystemMutex());
+    auto probeContext = std::make_unique<QOpenGLContext>();
+    probeContext->create();
+    if (!probeContext->isValid()) {
+        logLine(kLineContextNotValid, QStringLiteral("opengl version is not valid"));
+        return;
+    }
+    auto probeSurface = std::make_unique<QOffscreenSurface>();
+    probeSurface->create();
+    if (!probeSurface->isValid()) {
+        logLine(kLineSurfaceNotValid, QStringLiteral("opengl surface is not valid"));
+        return;
+    }
+    probeContext->makeCurrent(probeSurface.get());
+    m_context = std::make_unique<QOpenGLContext>();
+    m_surface = std::make_unique<QOffscreenSurface>();
+    try {
+        createRenderContext();
+    } catch (const QString& key) {
+        // The probe stays for good: it may be current, and an OpenGL in this state is best not touched again.
+        static_cast<void>(probeContext.release());
+        static_cast<void>(probeSurface.release());
+        logLine(kLineContextFailed, key);
+        throwKey(kLineContextFailedThrow, "openGLContextErr");
+    }
+    probeContext.reset();
+    probeSurface.reset();
+}
+
+/// Expects the probe's context to be current and leaves the render context current.
+void OffscreenRenderer::createRenderContext()
+{
+    probeGlsl();
+    // A step that fails here shows as a vertex shader that does not compile.
+    m_context->setFormat(renderFormat(m_glsl));
+    m_context->create();
+    m_surface->create();
+    m_context->makeCurrent(m_surface.get());
+    m_functions = requireFunctions(m_context->functions());
+    if (QOpenGLContext::currentContext())
+        m_functions->initializeOpenGLFunctions();
+}
+
+QSurfaceFormat OffscreenRenderer::renderFormat(const GlslInfo& glsl)
+{
+    QSurfaceFormat format;
+    format.setMajorVersion(glsl.versionCode / 16);
+    format.setMinorVersion(glsl.versionCode % 16);
+    format.setProfile(glsl.modernSyntax ? QSurfaceFormat::CoreProfile : QSurfaceFormat::CompatibilityProfile);
+    return format;
+}
+
+QOpenGLFunctions* OffscreenRenderer::requireFunctions(QOpenGLFunctions* functions)
+{
+    if (!functions)
+        throwKey(kLineNoFunctions, "openFunNotVaild");
+    return functions;
+}
+
+/// Finds the highest GLSL level of the current context that compiles a trivial vertex shader.
+void OffscreenRenderer::probeGlsl()
+{
+    const QOpenGLContext* context = QOpenGLContext::currentContext();
+    if (!context)
+        throwKey(kLineProbeWithoutContext, "not has opengl context");
+    const int contextCode = versionCodeOf(context->format());
+    m_glsl.versionCode = contextCode;
+    m_glsl.modernSyntax = false;
+    m_glsl.gpuShader4 = false;
+    m_glsl.glslVersion = QString();
+
+    QOpenGLShader shader(QOpenGLShader::Vertex);
+    GlslVersionTable table;
+    for (auto row = std::rbegin(table.rows); row != std::rend(table.rows); ++row) {
+        if (row->versionCode > contextCode)
+            continue;
+        const QString glsl = QString::fromLatin1(row->glsl);
+        row->compiled = shader.compileSourceCode(QStringLiteral("#version %1\nvoid main(){}").arg(glsl));
+        if (row->compiled) {
+            m_glsl.modernSyntax = row->versionCode >= kFirstModernVersion;
+            m_glsl.versionCode = row->versionCode;
+            m_glsl.glslVersion = glsl;
+            break;
+        }
+    }
+    if (!m_glsl.modernSyntax && !m_glsl.glslVersion.isEmpty())
+        m_glsl.gpuShader4 =
+            shader.compileSourceCode(QStringLiteral("#version %1\n#extension GL_EXT_gpu_shader4:require\nvoid main(){}")
+                                         .arg(m_glsl.glslVersion));
+}
+
+} // namespace zr

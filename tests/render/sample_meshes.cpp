@@ -1,0 +1,125 @@
+#include "tests/render/sample_meshes.h"
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+
+namespace zr::test
+{
+namespace
+{
+
+constexpr double kPi = 3.14159265358979323846;
+
+// In double precision, since QVector3D::normalized() takes short vectors for null ones.
+QVector3D flatNormal(const QVector3D& a, const QVector3D& b, const QVector3D& c)
+{
+    const std::array<double, 3> u = {double(b.x()) - a.x(), double(b.y()) - a.y(), double(b.z()) - a.z()};
+    const std::array<double, 3> v = {double(c.x()) - b.x(), double(c.y()) - b.y(), double(c.z()) - b.z()};
+    const std::array<double, 3> n = {u[1] * v[2] - u[2] * v[1], u[2] * v[0] - u[0] * v[2], u[0] * v[1] - u[1] * v[0]};
+    const double length = std::sqrt(n[0] * n[0] + n[1] * n[1] + n[2] * n[2]);
+    if (length == 0.0)
+        return {};
+    return {static_cast<float>(n[0] / length), static_cast<float>(n[1] / length), static_cast<float>(n[2] / length)};
+}
+
+} // namespace
+
+SampleMesh::SampleMesh(VertexRecord record) : m_record(record)
+{
+    m_min.fill(std::numeric_limits<float>::max());
+    m_max.fill(std::numeric_limits<float>::lowest());
+    startChunk();
+}
+
+void SampleMesh::addTriangle(const QVector3D& a, const QVector3D& b, const QVector3D& c)
+{
+    const QVector3D& second = m_isInward ? c : b;
+    const QVector3D& third = m_isInward ? b : c;
+    const QVector3D normal = flatNormal(a, second, third);
+    addVertex(a, normal);
+    addVertex(second, normal);
+    addVertex(third, normal);
+}
+
+void SampleMesh::startChunk()
+{
+    m_chunks.push_back(std::make_unique<QVector<float>>());
+}
+
+void SampleMesh::turnInward()
+{
+    m_isInward = true;
+}
+
+void SampleMesh::addBox(const QVector3D& low, const QVector3D& high)
+{
+    const auto corner = [&](int bits) {
+        return QVector3D((bits & 1) ? high.x() : low.x(), (bits & 2) ? high.y() : low.y(),
+                         (bits & 4) ? high.z() : low.z());
+    };
+    // Each face anticlockwise seen from outside: bottom, top, front, back, left, right.
+    const int faces[6][4] = {{0, 2, 3, 1}, {4, 5, 7, 6}, {0, 1, 5, 4}, {2, 6, 7, 3}, {0, 4, 6, 2}, {1, 3, 7, 5}};
+    for (const auto& face : faces) {
+        addTriangle(corner(face[0]), corner(face[1]), corner(face[2]));
+        addTriangle(corner(face[0]), corner(face[2]), corner(face[3]));
+    }
+}
+
+void SampleMesh::addSphere(const QVector3D& centre, float radius, int steps)
+{
+    const auto point = [&](int ring, int sector) {
+        const double polar = kPi * ring / steps;
+        const double azimuth = 2.0 * kPi * (sector % (2 * steps)) / (2 * steps);
+        return centre + radius * QVector3D(static_cast<float>(std::sin(polar) * std::cos(azimuth)),
+                                           static_cast<float>(std::sin(polar) * std::sin(azimuth)),
+                                           static_cast<float>(std::cos(polar)));
+    };
+    for (int ring = 0; ring < steps; ++ring) {
+        for (int sector = 0; sector < 2 * steps; ++sector) {
+            if (ring + 1 < steps)
+                addTriangle(point(ring, sector), point(ring + 1, sector), point(ring + 1, sector + 1));
+            if (ring > 0)
+                addTriangle(point(ring, sector), point(ring + 1, sector + 1), point(ring, sector + 1));
+        }
+    }
+}
+
+TriangleChunks SampleMesh::chunks() const
+{
+    TriangleChunks list;
+    for (const auto& chunk : m_chunks)
+        list.append(chunk.get());
+    return list;
+}
+
+QVector<float>& SampleMesh::lastChunk()
+{
+    return *m_chunks.back();
+}
+
+const float* SampleMesh::min() const
+{
+    return m_min.data();
+}
+
+const float* SampleMesh::max() const
+{
+    return m_max.data();
+}
+
+void SampleMesh::addVertex(const QVector3D& position, const QVector3D& normal)
+{
+    QVector<float>& chunk = lastChunk();
+    chunk << position.x() << position.y() << position.z();
+    if (m_record == VertexRecord::PositionAndNormal)
+        chunk << normal.x() << normal.y() << normal.z();
+    for (int axis = 0; axis < 3; ++axis) {
+        auto& low = m_min[static_cast<std::size_t>(axis)];
+        auto& high = m_max[static_cast<std::size_t>(axis)];
+        low = std::min(low, position[axis]);
+        high = std::max(high, position[axis]);
+    }
+}
+
+} // namespace zr::test

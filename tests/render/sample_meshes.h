@@ -1,0 +1,46 @@
+#pragma once
+
+#include "render/triangle_chunks.h"
+#include "tests/support/software_rasteriser.h"
+
+#include <QVector3D>
+
+#include <array>
+#include <memory>
+#include <vector>
+
+namespace zr::test
+{
+
+/// A mesh in the making: triangles with their flat normals, cut into chunks where a test wants it.
+class SampleMesh
+{
+public:
+    explicit SampleMesh(VertexRecord record = VertexRecord::PositionAndNormal);
+
+    /// Anticlockwise seen from outside.
+    void addTriangle(const QVector3D& a, const QVector3D& b, const QVector3D& c);
+    void startChunk();
+
+    /// Later triangles are turned inside out.
+    void turnInward();
+
+    void addBox(const QVector3D& low, const QVector3D& high);
+    void addSphere(const QVector3D& centre, float radius, int steps);
+
+    TriangleChunks chunks() const;
+    QVector<float>& lastChunk();
+    const float* min() const;
+    const float* max() const;
+
+private:
+    void addVertex(const QVector3D& position, const QVector3D& normal);
+
+    VertexRecord m_record;
+    bool m_isInward = false;
+    std::vector<std::unique_ptr<QVector<float>>> m_chunks;
+    std::array<float, 3> m_min;
+    std::array<float, 3> m_max;
+};
+
+} // namespace zr::test
