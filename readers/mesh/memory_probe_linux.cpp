@@ -1,0 +1,82 @@
+#include "readers/mesh/memory_probe.h"
+
+#include "readers/mesh/meminfo_text.h"
+
+#include <array>
+#include <cstdint>
+#include <ctime>
+
+#include <fcntl.h>
+#include <sys/mman.h>
+#include <sys/sysinfo.h>
+#include <unistd.h>
+
+namespace zr
+{
+namespace
+{
+
+// The lines that matter stand at the top of /proc/meminfo.
+constexpr std::size_t kMeminfoBytes = 512;
+constexpr std::size_t kLargePageBytes = std::size_t{2} << 20U;
+
+// What is left to a system without /proc; counts the page cache as used.
+MemoryFigures figuresWithoutProc()
+{
+    struct sysinfo info {
+    };
+    if (sysinfo(&info) != 0 || info.totalram == 0)
+        return {0, 100};
+    const quint64 available = quint64{info.freeram} + info.bufferram;
+    const quint64 used = info.totalram - qMin<quint64>(available, info.totalram);
+    return {available * info.mem_unit, static_cast<quint32>(used * 100 / info.totalram)};
+}
+
+MemoryFigures readFigures()
+{
+    std::array<char, kMeminfoBytes + 1> text{};
+    const int file = open("/proc/meminfo", O_RDONLY | O_CLOEXEC);
+    if (file < 0)
+        return figuresWithoutProc();
+    const ssize_t bytes = read(file, text.data(), kMeminfoBytes);
+    close(file);
+    const auto figures = bytes > 0 ? memoryFiguresFromMeminfo(text.data()) : std::nullopt;
+    return figures ? *figures : figuresWithoutProc();
+}
+
+// The kernel's tick, which advances every 1 to 10 milliseconds. Reading it is no system call.
+qint64 kernelTick()
+{
+    timespec time{};
+    clock_gettime(CLOCK_MONOTONIC_COARSE, &time);
+    return qint64{time.tv_sec} * 1'000'000'000 + time.tv_nsec;
+}
+
+} // namespace
+
+// The kernel gathers these figures from its processors less often than once a tick, so that a second query within
+// one tick tells nothing new; it would make a loader that asks for every triangle ten times slower.
+MemoryFigures systemMemory()
+{
+    thread_local qint64 tickOfFigures = -1;
+    thread_local MemoryFigures figures{};
+    const qint64 tick = kernelTick();
+    if (tick != tickOfFigures) {
+        figures = readFigures();
+        tickOfFigures = tick;
+    }
+    return figures;
+}
+
+void expectSequentialFill(void* begin, std::size_t bytes)
+{
+    const auto address = reinterpret_cast<std::uintptr_t>(begin);
+    const std::size_t toBoundary = (kLargePageBytes - address % kLargePageBytes) % kLargePageBytes;
+    if (bytes < toBoundary + kLargePageBytes)
+        return;
+    const std::size_t wholePages = (bytes - toBoundary) / kLargePageBytes * kLargePageBytes;
+    // A refusal costs speed only.
+    madvise(static_cast<char*>(begin) + toBoundary, wholePages, MADV_HUGEPAGE);
+}
+
+} // namespace zr

@@ -1,0 +1,25 @@
+#include "readers/mesh/memory_probe.h"
+
+#include <windows.h>
+
+namespace zr
+{
+
+MemoryFigures systemMemory()
+{
+    MEMORYSTATUSEX status{};
+    status.dwLength = sizeof(status);
+    // A machine that does not tell its memory counts as one that has none left.
+    if (!GlobalMemoryStatusEx(&status))
+        return {0, 100};
+    return {status.ullAvailPhys, static_cast<quint32>(status.dwMemoryLoad)};
+}
+
+// The heap commits a chunk's pages as they are; there is nothing to advise.
+void expectSequentialFill(void* begin, std::size_t bytes)
+{
+    Q_UNUSED(begin)
+    Q_UNUSED(bytes)
+}
+
+} // namespace zr

@@ -1,0 +1,61 @@
+#include "readers/mesh/mesh.h"
+
+#include "readers/mesh/triangle.h"
+
+namespace zr
+{
+namespace
+{
+
+constexpr quint32 kShortMemoryPercent = 90;
+constexpr double kLargestModel = 10000.0;
+
+} // namespace
+
+Mesh::Mesh(bool positionsOnly, MemoryProbe probe) : m_positionsOnly(positionsOnly), m_probe(probe)
+{
+    setBounds(Bounds());
+}
+
+Mesh::~Mesh()
+{
+    clear();
+}
+
+void Mesh::clear()
+{
+    qDeleteAll(m_chunks);
+    m_chunks.clear();
+}
+
+void Mesh::setBounds(const Bounds& bounds)
+{
+    storeVec3(m_max.data(), bounds.max);
+    storeVec3(m_min.data(), bounds.min);
+}
+
+bool Mesh::exceedsFreeMemory(quint64 bytes) const
+{
+    return bytes >= m_probe().availableBytes * 2 / 3;
+}
+
+bool Mesh::memoryIsShort() const
+{
+    return m_probe().loadPercent >= kShortMemoryPercent;
+}
+
+float Mesh::largestExtent() const
+{
+    const float dx = m_max[0] - m_min[0];
+    const float dy = m_max[1] - m_min[1];
+    const float dz = m_max[2] - m_min[2];
+    const float side = dz > dy ? dz : dy;
+    return side > dx ? side : dx;
+}
+
+bool Mesh::extentIsUsable(float extent)
+{
+    return !(extent == 0.0F || double{extent} > kLargestModel);
+}
+
+} // namespace zr

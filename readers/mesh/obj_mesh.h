@@ -1,0 +1,28 @@
+#pragma once
+
+#include "readers/mesh/mesh.h"
+
+namespace zr
+{
+
+/// The triangles of an OBJ file: its "v" and "f" lines.
+class ObjMesh : public Mesh
+{
+public:
+    /// `positionsOnly` is what the renderer reported; without it each vertex record has a normal.
+    explicit ObjMesh(bool positionsOnly, MemoryProbe probe = systemMemory);
+    ~ObjMesh();
+    ObjMesh(const ObjMesh&) = delete;
+    ObjMesh& operator=(const ObjMesh&) = delete;
+
+    /// Replaces the mesh by that of `file`, which is open and gets closed. Throws an error key, which leaves the
+    /// chunks that were complete.
+    void parse(QFile& file);
+
+    void clear();
+
+private:
+    TriangleChunks m_spareChunks; ///< a second list that no parse fills
+};
+
+} // namespace zr

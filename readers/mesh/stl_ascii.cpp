@@ -1,0 +1,138 @@
+// The text form of STL: only its "vertex" lines matter, every third one completes a triangle.
+
+#include "core/log_file.h"
+#include "readers/mesh/chunk_writer.h"
+#include "readers/mesh/number_text.h"
+#include "readers/mesh/stl_mesh.h"
+#include "readers/mesh/text_blocks.h"
+#include "readers/mesh/triangle.h"
+
+#include <cstring>
+
+namespace zr
+{
+namespace
+{
+
+constexpr int kLineFileTooLarge = 190;
+constexpr int kLineMemOut = 290;
+constexpr int kLineSizeErr = 320;
+
+const char* lineAfter(const char* text, const char* end)
+{
+    return static_cast<const char*>(std::memchr(text, '\n', static_cast<std::size_t>(end - text))) + 1;
+}
+
+constexpr quint64 wordOf(const char (&text)[9])
+{
+    quint64 bytes = 0;
+    for (unsigned i = 0; i < 8; ++i)
+        bytes |= quint64{static_cast<unsigned char>(text[i])} << (8 * i);
+    return bytes;
+}
+
+// The line after that at `text`, known at once for the three lines of which every file is full.
+const char* lineAfterKeyword(const char* text, const char* end)
+{
+    const quint64 first = plain::word(text);
+    const char* behind = text;
+    if (first == wordOf("endloop\n"))
+        return text + 8;
+    if (first == wordOf("endfacet"))
+        behind += 8;
+    else if (first == wordOf("outer lo") && text[8] == 'o' && text[9] == 'p')
+        behind += 10;
+    return *behind == '\n' ? behind + 1 : lineAfter(behind, end);
+}
+
+// "vertex" in any case at `text`, with a blank behind it.
+bool startsWithVertex(const char* text)
+{
+    constexpr quint64 lowerCase = plain::kEveryByte * 0x20;
+    constexpr quint64 sixBytes = 0x0000FFFFFFFFFFFF;
+    return ((plain::word(text) | lowerCase) & sixBytes) == 0x786574726576 && plain::isBlank(text[6]);
+}
+
+// The vertex in a line of any form; false when the line has none.
+bool readVertexLine(const char* begin, const char* end, Point& vertex)
+{
+    const LineTokens line = splitLine(begin, end);
+    if (line.count < kMostTokens || !isKeyword(line.tokens[0], "vertex"))
+        return false;
+    vertex = {toFloat(line.tokens[1]), toFloat(line.tokens[2]), toFloat(line.tokens[3])};
+    return true;
+}
+
+Vec4 toVec4(const Point& point)
+{
+    return Vec4{point[0], point[1], point[2], 0.0F};
+}
+
+// Takes the line at `line` and moves on to the next one. Whether the line was a vertex.
+bool takeLine(const char*& line, const char* end, Point& vertex)
+{
+    const char* const begin = line;
+    const char* text = begin;
+    while (plain::isBlank(*text))
+        ++text;
+    // A byte order mark may stand before a keyword; any other first byte of a vertex line is a V.
+    const bool mayBeVertex = *text == 'v' || *text == 'V' || *text == '\xEF';
+    if (mayBeVertex && startsWithVertex(text)) {
+        if (const char* const behind = readPlainPoint(text + 7, vertex.data())) {
+            line = *behind == '\n' ? behind + 1 : lineAfter(behind, end);
+            return true;
+        }
+    }
+    if (!mayBeVertex) {
+        line = lineAfterKeyword(text, end);
+        return false;
+    }
+    line = lineAfter(text, end);
+    return readVertexLine(begin, line, vertex);
+}
+
+} // namespace
+
+void StlMesh::parseAscii(QFile& file)
+{
+    startParse();
+    const qint64 fileBytes = file.size();
+    if (exceedsFreeMemory(static_cast<quint64>(fileBytes)))
+        throwKey(kLineFileTooLarge, "fileIsCanNoRender");
+    file.seek(0);
+
+    ChunkWriter writer(m_chunks, floatsPerTriangle(), kTrianglesPerChunkWithNormals, fileBytes);
+    Bounds bounds;
+    std::array<Point, 3> corners{};
+    std::size_t corner = 0;
+    TextBlocks blocks(file);
+    bool firstLine = true;
+    while (blocks.next()) {
+        const char* line = blocks.begin();
+        const char* const end = blocks.end();
+        if (firstLine)
+            line = lineAfter(line, end);
+        firstLine = false;
+        while (line != end) {
+            if (!takeLine(line, end, corners[corner]))
+                continue;
+            if (++corner < 3)
+                continue;
+            corner = 0;
+            const Vec4 a = toVec4(corners[0]), b = toVec4(corners[1]), c = toVec4(corners[2]);
+            bounds.include(a);
+            bounds.include(b);
+            bounds.include(c);
+            writeTriangle(writer.next(blocks.position() + (line - blocks.begin())), a, b, c);
+            if (memoryIsShort())
+                throwKey(kLineMemOut, "memOut");
+        }
+    }
+    setBounds(bounds);
+    if (!extentIsUsable(largestExtent()))
+        throwKey(kLineSizeErr, "modelSizeIsErr");
+    writer.finish();
+    file.close();
+}
+
+} // namespace zr

@@ -1,0 +1,28 @@
+#pragma once
+
+#include "readers/mesh/mesh_file_thumbnail.h"
+#include "readers/mesh/stl_mesh.h"
+
+namespace zr
+{
+
+/// Draws models in files with the suffix "stl", text or binary, in perspective. The picture is 400 x 400 with a
+/// transparent background.
+///
+/// A file that cannot be parsed gives a null image, too, but by way of the renderer, which gets an empty mesh.
+class StlFileThumbnail : public MeshFileThumbnail<StlMesh>
+{
+public:
+    /// A QString error key of the renderer passes through; of standard exceptions only the log tells.
+    explicit StlFileThumbnail(const QString& filePath);
+
+    /// Keeps the mesh and the renderer for the life of the process.
+    ~StlFileThumbnail() override;
+
+    StlFileThumbnail(const StlFileThumbnail&) = delete;
+    StlFileThumbnail& operator=(const StlFileThumbnail&) = delete;
+
+    QImage previewImage() override;
+};
+
+} // namespace zr

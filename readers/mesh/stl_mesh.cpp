@@ -1,0 +1,178 @@
+#include "readers/mesh/stl_mesh.h"
+
+#include "core/log_file.h"
+#include "readers/mesh/triangle.h"
+
+#include <QLocale>
+#include <QtEndian>
+
+#include <algorithm>
+#include <array>
+#include <cstring>
+#include <memory>
+#include <vector>
+
+namespace zr
+{
+namespace
+{
+
+constexpr int kLineOpenErr = 15;
+constexpr int kLineCountTooLarge = 61;
+constexpr int kLineShortBatch = 97;
+constexpr int kLineBatchRead = 100;
+constexpr int kLineBatchMemOut = 156;
+constexpr int kLineBinarySizeErr = 170;
+
+constexpr qint64 kCountOffset = 80;
+constexpr qint64 kRecordsOffset = 84;
+constexpr qint64 kRecordBytes = 50;
+constexpr std::size_t kFirstVertexOffset = 12; ///< behind the record's own normal
+constexpr std::size_t kVertexBytes = 12;
+
+/// The size of a triangle without normals, by which a file is taken to be too large or to need several batches.
+constexpr quint64 kCountedBytes = 36;
+
+/// Records that are read and turned into triangles at a time, so that they stay in the processor's cache.
+constexpr int kRecordsPerPiece = 1024;
+
+/// Longer first lines are looked at only up to here.
+constexpr int kDetectedLineBytes = 1024;
+
+bool nextLineContains(QFile& file, const char* word)
+{
+    std::array<char, kDetectedLineBytes> line{};
+    return file.readLine(line.data(), kDetectedLineBytes) > 0 && std::strstr(line.data(), word);
+}
+
+static_assert(Q_BYTE_ORDER == Q_LITTLE_ENDIAN, "vertices are taken from the file as they are");
+
+void appendRecords(float* out, const char* record, int count, Bounds& bounds)
+{
+    Bounds box = bounds;
+    for (; count > 0; --count, record += kRecordBytes, out += kFloatsPerTriangle) {
+        const char* const vertices = record + kFirstVertexOffset;
+        const Vec4 a = loadVec4(vertices);
+        const Vec4 b = loadVec4(vertices + kVertexBytes);
+        const Vec4 c = loadLastVec3(vertices + 2 * kVertexBytes);
+        box.include(a);
+        box.include(b);
+        box.include(c);
+        writeTriangle(out, a, b, c);
+    }
+    bounds = box;
+}
+
+} // namespace
+
+StlMesh::StlMesh(bool positionsOnly, MemoryProbe probe) : Mesh(positionsOnly, probe) {}
+
+StlMesh::~StlMesh()
+{
+    clear();
+}
+
+void StlMesh::clear()
+{
+    Mesh::clear();
+    qDeleteAll(m_spareChunks);
+    m_spareChunks.clear();
+}
+
+bool StlMesh::parse(QFile& file)
+{
+    try {
+        clear();
+        detectAscii(file);
+        if (m_isAscii)
+            parseAscii(file);
+        else
+            parseBinary(file);
+        return true;
+    } catch (const QString&) {
+        // The key stays here: an unreadable STL file is a mesh without triangles to the reader.
+        file.close();
+        clear();
+        return false;
+    }
+}
+
+void StlMesh::detectAscii(QFile& file)
+{
+    if (!file.isOpen() && !file.open(QIODevice::ReadOnly))
+        throwKey(kLineOpenErr, "fileOpenErr");
+    // The header of many binary files begins with "solid" too, so the second line decides.
+    if (nextLineContains(file, "solid"))
+        m_isAscii = nextLineContains(file, "facet");
+}
+
+void StlMesh::startParse()
+{
+    m_isAscii = false;
+    m_triangleCount = 0;
+    m_positionsOnly = false;
+    setBounds(Bounds());
+}
+
+void StlMesh::parseBinary(QFile& file)
+{
+    startParse();
+    // The count is still 0 here, so only a machine without any free memory fails.
+    if (exceedsFreeMemory(m_triangleCount * kCountedBytes))
+        throwKey(kLineCountTooLarge, "fileIsCanNoRender");
+    std::array<char, sizeof(quint32)> count{};
+    file.seek(kCountOffset);
+    // A file that ends here has what it has of the count, the rest is zero.
+    file.read(count.data(), count.size());
+    m_triangleCount = qFromLittleEndian<quint32>(count.data());
+
+    file.seek(kRecordsOffset);
+    readBatches(file);
+    const float extent = largestExtent();
+    if (!extentIsUsable(extent)) {
+        logLine(kLineBinarySizeErr,
+                QStringLiteral(" throw size  %1").arg(double{extent}, 0, 'g', QLocale::FloatingPointShortest));
+        throw QStringLiteral("modelSizeIsErr");
+    }
+    file.close();
+}
+
+void StlMesh::readBatches(QFile& file)
+{
+    Bounds bounds;
+    const quint64 most = m_triangleCount * kCountedBytes > kChunkBytes ? kTrianglesPerChunk : m_triangleCount;
+    for (quint64 done = 0; done < m_triangleCount;) {
+        const quint64 batch = std::min(most, m_triangleCount - done);
+        readBatch(file, static_cast<int>(batch), bounds);
+        setBounds(bounds);
+        if (memoryIsShort())
+            throwKey(kLineBatchMemOut, "memOut");
+        done += batch;
+    }
+}
+
+// One batch makes one chunk. It is logged when all of it has been read.
+void StlMesh::readBatch(QFile& file, int triangles, Bounds& bounds)
+{
+    // Do not make a chunk for triangles that cannot be there: any count can stand in a broken file.
+    if (file.size() - file.pos() < triangles * kRecordBytes)
+        throwKey(kLineShortBatch, "fileReadLess");
+    auto chunk = std::make_unique<MeshChunk>();
+    chunk->reserve(triangles * kFloatsPerTriangle);
+    expectSequentialFill(chunk->data(), static_cast<std::size_t>(chunk->capacity()) * sizeof(float));
+    std::vector<char> records(static_cast<std::size_t>(std::min(triangles, kRecordsPerPiece) * kRecordBytes));
+    for (int done = 0; done < triangles;) {
+        const int piece = std::min(triangles - done, kRecordsPerPiece);
+        if (file.read(records.data(), piece * kRecordBytes) != piece * kRecordBytes)
+            throwKey(kLineShortBatch, "fileReadLess");
+        const int used = chunk->size();
+        chunk->resize(used + piece * kFloatsPerTriangle);
+        appendRecords(chunk->data() + used, records.data(), piece, bounds);
+        done += piece;
+    }
+    logLine(kLineBatchRead, QString());
+    m_chunks.append(chunk.get());
+    chunk.release(); // NOLINT(bugprone-unused-return-value): the list owns it now
+}
+
+} // namespace zr

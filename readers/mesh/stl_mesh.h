@@ -1,0 +1,47 @@
+#pragma once
+
+#include "readers/mesh/mesh.h"
+
+namespace zr
+{
+
+/// The triangles of an STL file, text or binary.
+class StlMesh : public Mesh
+{
+public:
+    /// `positionsOnly` is what the renderer reported; every parse sets it back, so that STL always has normals.
+    explicit StlMesh(bool positionsOnly, MemoryProbe probe = systemMemory);
+    ~StlMesh();
+    StlMesh(const StlMesh&) = delete;
+    StlMesh& operator=(const StlMesh&) = delete;
+
+    /// Replaces the mesh by that of `file`, which is opened when it is not open and closed afterwards. A failure is
+    /// logged and leaves a mesh without chunks; the result then is false.
+    bool parse(QFile& file);
+
+    bool isAscii() const { return m_isAscii; }
+
+    /// The count that a binary file announces.
+    quint64 triangleCount() const { return m_triangleCount; }
+
+    void clear();
+
+private:
+    /// Sets m_isAscii when the first line of the file contains "solid" and the second one "facet".
+    /// Throws "fileOpenErr".
+    void detectAscii(QFile& file);
+
+    /// Both throw an error key.
+    void parseAscii(QFile& file);
+    void parseBinary(QFile& file);
+
+    void startParse();
+    void readBatches(QFile& file);
+    void readBatch(QFile& file, int triangles, Bounds& bounds);
+
+    TriangleChunks m_spareChunks; ///< a second list that no parse fills
+    bool m_isAscii = false;
+    quint64 m_triangleCount = 0;
+};
+
+} // namespace zr

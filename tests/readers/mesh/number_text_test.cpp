@@ -1,0 +1,193 @@
+#include "readers/mesh/number_text.h"
+
+#include "readers/mesh/plain_number.h"
+#include "tests/readers/mesh/odd_lines.h"
+#include "tests/readers/mesh/plain_text_model.h"
+
+#include <QString>
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <cstring>
+
+namespace zr::test
+{
+namespace
+{
+
+quint32 bitsOf(float value)
+{
+    quint32 bits = 0;
+    std::memcpy(&bits, &value, sizeof(bits));
+    return bits;
+}
+
+Token tokenOf(const QByteArray& text)
+{
+    return {text.constData(), text.constData() + text.size()};
+}
+
+// What the quick way makes of `token` with a line end behind it.
+struct QuickNumber {
+    bool accepted;
+    float value;
+};
+
+QuickNumber quickly(const QByteArray& token, const char* behind)
+{
+    const QByteArray text = QByteArray(kTextPadding, '9') + token + behind + QByteArray(kTextPadding, '9');
+    QuickNumber number{};
+    const char* const end = readPlainFloat(text.constData() + kTextPadding, number.value);
+    number.accepted = end != nullptr;
+    if (end) {
+        // A carriage return belongs to the line's end.
+        const int size = token.endsWith('\r') ? token.size() - 1 : token.size();
+        EXPECT_EQ(end - text.constData() - kTextPadding, size) << token.constData();
+    }
+    return number;
+}
+
+void expectAsQt(const QByteArray& token)
+{
+    // Within a line; at its beginning a byte order mark would vanish.
+    const float expected = QString::fromUtf8(' ' + token).toFloat();
+    for (const char* behind : {"\n", " ", "\t", "\r\n"}) {
+        const QuickNumber number = quickly(token, behind);
+        if (number.accepted) {
+            EXPECT_EQ(bitsOf(number.value), bitsOf(expected)) << token.constData();
+        }
+    }
+    EXPECT_EQ(bitsOf(toFloat(tokenOf(token))), bitsOf(expected)) << token.constData();
+}
+
+struct KnownNumber {
+    const char* text;
+    float value;
+};
+
+class KnownNumberTest : public ::testing::TestWithParam<KnownNumber>
+{
+};
+
+TEST_P(KnownNumberTest, ReadsSoInBothWays)
+{
+    const QByteArray text(GetParam().text);
+    const QuickNumber number = quickly(text, "\n");
+    EXPECT_TRUE(number.accepted);
+    EXPECT_EQ(bitsOf(number.value), bitsOf(GetParam().value));
+    EXPECT_EQ(bitsOf(toFloat(tokenOf(text))), bitsOf(GetParam().value));
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Usual, KnownNumberTest,
+    ::testing::Values(KnownNumber{"0", 0.0F}, KnownNumber{"-0", -0.0F}, KnownNumber{"+5", 5.0F},
+                      KnownNumber{"-12.345678", -12.345678F}, KnownNumber{"5.", 5.0F}, KnownNumber{".5", 0.5F},
+                      KnownNumber{"1.234567e+01", 12.34567F}, KnownNumber{"-1.234567E-10", -1.234567e-10F},
+                      KnownNumber{"1.5e+001", 15.0F}, KnownNumber{"2e3", 2000.0F},
+                      KnownNumber{"0.10000000149011612", 0.1F}, KnownNumber{"00000000000000012", 12.0F},
+                      KnownNumber{"123456789012345678", 123456789012345678.0F}, KnownNumber{"1e39", INFINITY},
+                      KnownNumber{"-1e39", -INFINITY}, KnownNumber{"1e-45", 1e-45F}, KnownNumber{"-1e-46", 0.0F},
+                      KnownNumber{"3.4028235e38", INFINITY}, KnownNumber{"3.40282346e38", 3.40282346e38F}));
+
+TEST(NumberTextTest, UnusualTokensAreLeftToQt)
+{
+    for (const char* text : {"", "nan", "inf", "0x10", "1,5", "--5", "1e", "1e+", "e5", ".", "-", "1.2.3", "1f", "1\v",
+                             "\302\2401", "1e10000", "12345678901234567890"})
+        EXPECT_FALSE(quickly(text, "\n").accepted) << text;
+    // A number that ends with the text, not with the line.
+    EXPECT_FALSE(quickly("1", "").accepted);
+    EXPECT_FALSE(quickly("1", "\r").accepted);
+}
+
+TEST(NumberTextTest, OddNumbersAreWhatQtMakesOfThem)
+{
+    OddLines odd(1);
+    for (int i = 0; i < 200000; ++i)
+        expectAsQt(odd.number());
+}
+
+TEST(NumberTextTest, EachFloatIsReadFromItsShortestAndItsLongTexts)
+{
+    std::mt19937 random(2);
+    for (int i = 0; i < 100000; ++i) {
+        const auto bits = static_cast<quint32>(random());
+        float value = 0;
+        std::memcpy(&value, &bits, sizeof(value));
+        if (!std::isfinite(value))
+            continue;
+        for (const char format : {'e', 'g', 'f'}) {
+            for (const int digits : {6, 9, 17})
+                expectAsQt(QByteArray::number(double{value}, format, digits));
+        }
+    }
+}
+
+TEST(NumberTextTest, TerminatorBelongsToTheNumber)
+{
+    EXPECT_EQ(toFloat(tokenOf("2.5\n")), 2.5F);
+    EXPECT_EQ(toFloat(tokenOf("2.5\r\n")), 2.5F);
+    EXPECT_EQ(toFloat(tokenOf("\n")), 0.0F);
+}
+
+TEST(NumberTextTest, TokenThatIsTooLongIsNoNumber)
+{
+    const QByteArray longest(kLongestNumber, '1');
+    EXPECT_EQ(toFloat(tokenOf(longest)), INFINITY);
+    EXPECT_EQ(toFloat(tokenOf(longest + '1')), 0.0F);
+}
+
+TEST(NumberTextTest, IndexIsTheNumberCutTo32Bits)
+{
+    const std::pair<const char*, qint32> cases[] = {{"7", 7},
+                                                    {"+7", 7},
+                                                    {"007\r\n", 7},
+                                                    {"1/2/3", 0},
+                                                    {"-1", 0},
+                                                    {"1.0", 0},
+                                                    {"1e2", 0},
+                                                    {"4294967296", 0},
+                                                    {"4294967298", 2},
+                                                    {"4294967295", -1},
+                                                    {"2147483648", -2147483647 - 1},
+                                                    {"18446744073709551615", -1},
+                                                    {"18446744073709551616", 0},
+                                                    {"x", 0}};
+    for (const auto& [text, index] : cases)
+        EXPECT_EQ(toIndex(tokenOf(text)), index) << text;
+}
+
+// The tokens as text, so that they compare with Qt's.
+QStringList textsOf(const LineTokens& line)
+{
+    QStringList texts;
+    for (int i = 0; i < line.count; ++i) {
+        const Token& token = line.tokens[static_cast<std::size_t>(i)];
+        const QByteArray bytes(token.begin, static_cast<int>(token.end - token.begin));
+        // A blank in front keeps a byte order mark that is not at the line's beginning.
+        texts += QString::fromUtf8(' ' + bytes).mid(1);
+    }
+    return texts;
+}
+
+TEST(NumberTextTest, LinesAreSplitAsQtSplitsThem)
+{
+    OddLines odd(3);
+    for (int i = 0; i < 50000; ++i) {
+        const QByteArray line = odd.line({"vertex", "v"});
+        const QStringList expected = plainTokens(line).mid(0, kMostTokens);
+        EXPECT_EQ(textsOf(splitLine(line.constData(), line.constData() + line.size())), expected)
+            << line.toPercentEncoding().constData();
+    }
+}
+
+TEST(NumberTextTest, KeywordMatchesInAnyCaseButWhole)
+{
+    for (const char* text : {"vertex", "VERTEX", "VeRtEx"})
+        EXPECT_TRUE(isKeyword(tokenOf(text), "vertex")) << text;
+    for (const char* text : {"verte", "vertexx", "vertex\n", "vertey", "\026ertex", ""})
+        EXPECT_FALSE(isKeyword(tokenOf(text), "vertex")) << text;
+}
+
+} // namespace
+} // namespace zr::test

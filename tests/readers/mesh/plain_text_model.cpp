@@ -1,0 +1,89 @@
+#include "tests/readers/mesh/plain_text_model.h"
+
+#include <QBuffer>
+#include <QRegularExpression>
+
+#include <cstring>
+
+namespace zr::test
+{
+namespace
+{
+
+// Calls use(line) for each line, without the memory of a list.
+template <typename Use>
+void forEachLine(const QByteArray& file, bool withFirst, Use use)
+{
+    QBuffer buffer;
+    buffer.setData(file);
+    buffer.open(QIODevice::ReadOnly);
+    if (!withFirst)
+        buffer.readLine();
+    for (QByteArray line = buffer.readLine(); !line.isEmpty(); line = buffer.readLine())
+        use(plainTokens(line));
+}
+
+bool isLine(const QStringList& tokens, const char* keyword)
+{
+    return tokens.size() >= 4 && tokens[0].compare(QLatin1String(keyword), Qt::CaseInsensitive) == 0;
+}
+
+std::array<float, 3> pointOf(const QStringList& tokens)
+{
+    return {tokens[1].toFloat(), tokens[2].toFloat(), tokens[3].toFloat()};
+}
+
+} // namespace
+
+QStringList plainTokens(const QByteArray& line)
+{
+    static const QRegularExpression blanks(QStringLiteral("\t* +|\t+ *|\t+ +"));
+    return QString(line).split(blanks, Qt::SkipEmptyParts);
+}
+
+PlainModel plainAsciiStl(const QByteArray& file)
+{
+    PlainModel model;
+    forEachLine(file, false, [&model](const QStringList& tokens) {
+        if (isLine(tokens, "vertex"))
+            model.corners.push_back(pointOf(tokens));
+    });
+    model.corners.resize(model.corners.size() / 3 * 3);
+    model.points = model.corners;
+    return model;
+}
+
+PlainModel plainObj(const QByteArray& file)
+{
+    PlainModel model;
+    forEachLine(file, true, [&model](const QStringList& tokens) {
+        if (isLine(tokens, "v"))
+            model.points.push_back(pointOf(tokens));
+        if (!isLine(tokens, "f"))
+            return;
+        for (int i = 1; i <= 3; ++i) {
+            const auto index = static_cast<qint32>(static_cast<quint32>(tokens[i].toULongLong()));
+            const bool known = index >= 0 && static_cast<std::size_t>(index) < model.points.size();
+            model.corners.push_back(known ? model.points[static_cast<std::size_t>(index)] : std::array<float, 3>{});
+        }
+    });
+    return model;
+}
+
+std::vector<std::array<float, 3>> cornersOf(const QList<QVector<float>*>& chunks)
+{
+    std::vector<std::array<float, 3>> corners;
+    for (const QVector<float>* chunk : chunks) {
+        for (int i = 0; i + 6 <= chunk->size(); i += 6)
+            corners.push_back({chunk->at(i), chunk->at(i + 1), chunk->at(i + 2)});
+    }
+    return corners;
+}
+
+bool sameBits(const std::vector<std::array<float, 3>>& a, const std::vector<std::array<float, 3>>& b)
+{
+    static_assert(sizeof(a[0]) == 3 * sizeof(float));
+    return a.size() == b.size() && (a.empty() || std::memcmp(a.data(), b.data(), a.size() * sizeof(a[0])) == 0);
+}
+
+} // namespace zr::test
