@@ -1,0 +1,54 @@
+#include "shell/qt_bootstrap.h"
+
+#include "core/log_file.h"
+#include "shell/module_folder.h"
+#include "shell/platform_plugin.h"
+
+#include <QApplication>
+
+#include <mutex>
+
+namespace zr
+{
+namespace
+{
+
+constexpr int kLineApplicationStarted = 61;
+constexpr int kLineApplicationReady = 63;
+
+// The application object is never destroyed: its destructor would run while the process unloads its modules, where
+// it hangs or crashes the host.
+void makeApplication()
+{
+    static int argc = 1;
+    static char name[] = "platformplugin";
+    static char* argv[] = {name, nullptr};
+    static auto* const application = new QApplication(argc, argv);
+    Q_UNUSED(application)
+}
+
+void addModuleLibraryPath()
+{
+    const QString folder = moduleFolder() + QLatin1Char('/');
+    if (!QCoreApplication::libraryPaths().contains(folder))
+        QCoreApplication::addLibraryPath(folder);
+}
+
+} // namespace
+
+bool startQt()
+{
+    static auto* const mutex = new std::mutex;
+    const std::lock_guard<std::mutex> guard(*mutex);
+    addModuleLibraryPath();
+    if (QCoreApplication::startingUp()) {
+        if (!platformPluginExists())
+            return false;
+        makeApplication();
+        logLine(kLineApplicationStarted, QStringLiteral("app start"));
+    }
+    logLine(kLineApplicationReady, QStringLiteral("app after"));
+    return true;
+}
+
+} // namespace zr

@@ -1,0 +1,54 @@
+// The start of Qt happens once per process, so this program has one test.
+
+#include "tests/support/qt_printers.h"
+#include "tests/windows/server_test.h"
+
+#include <QApplication>
+#include <QDir>
+#include <QFileInfo>
+
+#include <objbase.h>
+
+namespace zr::test
+{
+namespace
+{
+
+class FirstRequestTest : public ServerTest
+{
+};
+
+TEST_F(FirstRequestTest, StartsQtOnceAndKeepsTheServerLoaded)
+{
+    const QString source = writeSource("a.vrx", sampleBytes("rook.vrx"));
+    auto object = m_server.make<IPersistFile>();
+    ASSERT_TRUE(QCoreApplication::startingUp());
+
+    EXPECT_EQ(load(object, source), S_OK);
+    auto* const application = qobject_cast<QApplication*>(QCoreApplication::instance());
+    ASSERT_NE(application, nullptr);
+    EXPECT_EQ(QCoreApplication::arguments(), QStringList("platformplugin"));
+    const QString serverFolder = QFileInfo(QString::fromStdWString(ServerDll::path())).canonicalPath();
+    EXPECT_TRUE(QCoreApplication::libraryPaths().contains(serverFolder, Qt::CaseInsensitive));
+    EXPECT_FALSE(extract(object).isNull());
+    EXPECT_EQ(logMessages(), QStringList({"37 in 2 " + source, "61 app start", "63 app after", "84  throw "}));
+
+    restartLog();
+    EXPECT_EQ(load(object, source), S_OK);
+    EXPECT_FALSE(request(source).isNull());
+    const QStringList hit = {"37 in 2 " + source, "63 app after"};
+    EXPECT_EQ(logMessages(), hit + hit);
+    EXPECT_EQ(QCoreApplication::instance(), application);
+
+    // The application object calls into Qt's libraries, which the server keeps in memory.
+    object.Reset();
+    EXPECT_EQ(m_server.canUnloadNow(), S_OK);
+    FreeLibrary(GetModuleHandleW(L"ZRThumbnail.dll"));
+    CoFreeUnusedLibraries();
+    ASSERT_TRUE(ServerDll::isLoaded());
+    QCoreApplication::processEvents();
+    EXPECT_FALSE(request(source).isNull());
+}
+
+} // namespace
+} // namespace zr::test
