@@ -1,0 +1,53 @@
+#include "host/log_tail.h"
+
+#include "core/data_location.h"
+
+#include <QFile>
+#include <QFileInfo>
+#include <QRegularExpression>
+
+namespace zr
+{
+namespace
+{
+
+// A request logs some dozen lines; other processes may add theirs.
+constexpr qint64 kMaxTailBytes = 1 << 20;
+
+QString readFrom(qint64 start)
+{
+    QFile log(defaultLogPath());
+    if (!log.open(QIODevice::ReadOnly))
+        return {};
+    // A log that has shrunk was deleted for its size and begun anew.
+    log.seek(start <= log.size() ? start : 0);
+    return QString::fromLocal8Bit(log.read(kMaxTailBytes));
+}
+
+QStringList splitMessages(const QString& text)
+{
+    static const QRegularExpression stamp(QStringLiteral("^\\d\\d\\.\\d\\d\\.\\d{4} - \\d\\d:\\d\\d:\\d\\d "));
+    QStringList messages;
+    const auto lines = text.split(QLatin1Char('\n'), Qt::SkipEmptyParts);
+    for (const QString& line : lines) {
+        const auto match = stamp.match(line);
+        if (match.hasMatch())
+            messages.append(line.mid(match.capturedLength()));
+        else if (!messages.isEmpty())
+            messages.last() += QLatin1Char('\n') + line;
+    }
+    return messages;
+}
+
+} // namespace
+
+LogTail::LogTail() : m_start(QFileInfo(defaultLogPath()).size()) {}
+
+QStringList LogTail::messagesOf(const QString& path) const
+{
+    const QStringList messages = splitMessages(readFrom(m_start));
+    const auto begin = messages.lastIndexOf(QStringLiteral("37 in 2 ") + path);
+    return messages.mid(begin + 1);
+}
+
+} // namespace zr

@@ -1,0 +1,24 @@
+#pragma once
+
+#include <QString>
+#include <QStringList>
+
+namespace zr
+{
+
+/// What is appended to the log while the object lives. The log is read back from its file, since on Windows it is
+/// written by the server's DLL.
+class LogTail
+{
+public:
+    LogTail();
+
+    /// The messages that the request for `path` has logged so far, without time stamps, a message that spans lines
+    /// as one entry. Other processes' lines may stand between them.
+    QStringList messagesOf(const QString& path) const;
+
+private:
+    qint64 m_start;
+};
+
+} // namespace zr

@@ -1,0 +1,108 @@
+#include "host/options.h"
+
+#include <QCommandLineParser>
+#include <QCoreApplication>
+
+namespace zr
+{
+namespace
+{
+
+constexpr int kMaxSizePx = 16384;
+
+struct CommandLine {
+    CommandLine()
+    {
+        parser.setApplicationDescription(
+            QStringLiteral("Makes thumbnails of 3D-printing files and prints the path of each cached PNG."));
+        parser.addPositionalArgument(QStringLiteral("FILE"), QStringLiteral("Files to make thumbnails of."),
+                                     QStringLiteral("FILE..."));
+        parser.addOptions({output, size, sheet, recursive, quiet});
+#ifdef Q_OS_WIN
+        parser.addOption(server);
+#endif
+        parser.addOptions({help, version});
+    }
+
+    // The parser takes the program's name from the application object, which does not exist at this point.
+    QString helpText() const
+    {
+        int argc = 1;
+        char name[] = "zrthumb";
+        char* argv[] = {name, nullptr};
+        const QCoreApplication application(argc, argv);
+        return parser.helpText();
+    }
+
+    QCommandLineParser parser;
+    const QCommandLineOption output{{"o", "output"}, "With a single FILE, also save its picture as <PNG>.", "PNG"};
+    const QCommandLineOption size{{"s", "size"}, "With -o, fit the picture into <N> x <N> pixels.", "N"};
+    const QCommandLineOption sheet{"sheet", "Save a contact sheet of all pictures, with their names, as <PNG>.", "PNG"};
+    const QCommandLineOption recursive{{"r", "recursive"}, "A FILE that is a folder stands for all files below it."};
+    const QCommandLineOption quiet{{"q", "quiet"}, "Print nothing but failures."};
+    const QCommandLineOption server{"dll", "Use the server in the DLL <PATH> without registration.", "PATH"};
+    const QCommandLineOption help{{"h", "help"}, "Show this help."};
+    const QCommandLineOption version{{"v", "version"}, "Show the version."};
+};
+
+Options show(const QString& text)
+{
+    Options options;
+    options.action = Options::Action::ShowText;
+    options.text = text;
+    return options;
+}
+
+Options reject(const QString& reason)
+{
+    Options options;
+    options.action = Options::Action::RejectUsage;
+    options.text = QStringLiteral("zrthumb: %1\nTry 'zrthumb --help'.\n").arg(reason);
+    return options;
+}
+
+// What is wrong with the options together; empty when nothing is.
+QString usageError(const CommandLine& line, const Options& options)
+{
+    if (options.files.isEmpty())
+        return QStringLiteral("no FILE given");
+    if (line.parser.isSet(line.output) && (options.files.size() != 1 || options.recursive))
+        return QStringLiteral("--output needs a single FILE");
+    if (line.parser.isSet(line.output) && options.output.isEmpty())
+        return QStringLiteral("--output needs a file name");
+    if (line.parser.isSet(line.sheet) && options.sheet.isEmpty())
+        return QStringLiteral("--sheet needs a file name");
+    if (line.parser.isSet(line.size) && !line.parser.isSet(line.output))
+        return QStringLiteral("--size needs --output");
+    if (line.parser.isSet(line.size) && (options.sizePx < 1 || options.sizePx > kMaxSizePx))
+        return QStringLiteral("--size needs a number from 1 to %1").arg(kMaxSizePx);
+    return {};
+}
+
+} // namespace
+
+Options parseOptions(const QStringList& arguments)
+{
+    CommandLine line;
+    if (!line.parser.parse(arguments))
+        return reject(line.parser.errorText());
+    if (line.parser.isSet(line.help))
+        return show(line.helpText());
+    if (line.parser.isSet(line.version))
+        return show(QStringLiteral("zrthumb " ZRTHUMB_VERSION "\n"));
+
+    Options options;
+    options.files = line.parser.positionalArguments();
+    options.output = line.parser.value(line.output);
+    options.sizePx = line.parser.value(line.size).toInt();
+    options.sheet = line.parser.value(line.sheet);
+    options.recursive = line.parser.isSet(line.recursive);
+    options.quiet = line.parser.isSet(line.quiet);
+#ifdef Q_OS_WIN
+    options.server = line.parser.value(line.server);
+#endif
+    const QString error = usageError(line, options);
+    return error.isEmpty() ? options : reject(error);
+}
+
+} // namespace zr

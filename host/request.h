@@ -1,0 +1,22 @@
+#pragma once
+
+#include <QImage>
+#include <QString>
+
+namespace zr
+{
+
+/// What came of one file.
+struct RequestResult {
+    QImage picture;  ///< what extract handed back; null when there is no thumbnail
+    QString pngPath; ///< absolute path of the cached PNG
+    QString reason;  ///< why there is no thumbnail, one line; empty when there is one
+
+    bool succeeded() const { return reason.isEmpty(); }
+};
+
+/// Runs one request for the file at the absolute `path`, with the server `serverPath` (see makeThumbnailClient).
+/// In a fresh profile, where the first request fails since it has yet to make the data folder, it is repeated once.
+RequestResult requestThumbnail(const QString& path, const QString& serverPath);
+
+} // namespace zr

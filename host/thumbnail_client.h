@@ -1,0 +1,29 @@
+#pragma once
+
+#include <QImage>
+#include <QString>
+
+#include <memory>
+
+namespace zr
+{
+
+/// What the host asks for thumbnails: one object per file, as the file browser does it.
+/// The Linux host calls the extractor directly, the Windows host goes through COM.
+class ThumbnailClient
+{
+public:
+    virtual ~ThumbnailClient() = default;
+
+    /// True when the file's thumbnail is ready. May throw standard exceptions.
+    virtual bool load(const QString& path) = 0;
+
+    /// The thumbnail of the loaded file, or a null image.
+    virtual QImage extract() = 0;
+};
+
+/// A new client. `serverPath` names the DLL to use without registration (Windows only), empty for the registered one.
+/// Throws std::runtime_error with a sentence for the user when there is no server to talk to.
+std::unique_ptr<ThumbnailClient> makeThumbnailClient(const QString& serverPath);
+
+} // namespace zr

@@ -1,0 +1,95 @@
+#include "host/options.h"
+
+#include "tests/support/qt_printers.h"
+
+#include <gtest/gtest.h>
+
+namespace zr::test
+{
+namespace
+{
+
+Options parse(const QStringList& arguments)
+{
+    return parseOptions(QStringList{"zrthumb"} + arguments);
+}
+
+TEST(OptionsTest, FilesAloneHaveTheDefaults)
+{
+    const Options options = parse({"a.stl", "b.stl"});
+    EXPECT_EQ(options.action, Options::Action::MakeThumbnails);
+    EXPECT_EQ(options.files, QStringList({"a.stl", "b.stl"}));
+    EXPECT_EQ(options.output, "");
+    EXPECT_EQ(options.sheet, "");
+    EXPECT_EQ(options.sizePx, 0);
+    EXPECT_FALSE(options.recursive);
+    EXPECT_FALSE(options.quiet);
+}
+
+TEST(OptionsTest, LongAndShortFormsMeanTheSame)
+{
+    for (const QStringList& form : {QStringList{"-o", "x.png", "-s", "64", "-q", "a.stl"},
+                                    QStringList{"--output", "x.png", "--size=64", "--quiet", "a.stl"},
+                                    QStringList{"a.stl", "-q", "--output=x.png", "-s64"}}) {
+        const Options options = parse(form);
+        EXPECT_EQ(options.action, Options::Action::MakeThumbnails) << options.text.toStdString();
+        EXPECT_EQ(options.files, QStringList({"a.stl"}));
+        EXPECT_EQ(options.output, "x.png");
+        EXPECT_EQ(options.sizePx, 64);
+        EXPECT_TRUE(options.quiet);
+    }
+    EXPECT_TRUE(parse({"-r", "--sheet", "s.png", "a"}).recursive);
+    EXPECT_TRUE(parse({"--recursive", "a"}).recursive);
+    EXPECT_EQ(parse({"--sheet", "s.png", "a"}).sheet, "s.png");
+}
+
+TEST(OptionsTest, NamesThatLookLikeOptionsComeAfterTwoDashes)
+{
+    EXPECT_EQ(parse({"--", "-q"}).files, QStringList({"-q"}));
+}
+
+TEST(OptionsTest, WrongUsageIsRejectedWithAReason)
+{
+    const std::pair<QStringList, const char*> cases[] = {
+        {{}, "no FILE given"},
+        {{"-q"}, "no FILE given"},
+        {{"--nonsense", "a"}, "nonsense"},
+        {{"-o", "x.png", "a", "b"}, "--output needs a single FILE"},
+        {{"-r", "-o", "x.png", "a"}, "--output needs a single FILE"},
+        {{"a", "-o"}, "Missing value"},
+        {{"-o", "", "a"}, "--output needs a file name"},
+        {{"--sheet", "", "a"}, "--sheet needs a file name"},
+        {{"-s", "64", "a"}, "--size needs --output"},
+        {{"-o", "x.png", "-s", "0", "a"}, "--size needs a number"},
+        {{"-o", "x.png", "-s", "-5", "a"}, "--size needs a number"},
+        {{"-o", "x.png", "-s", "many", "a"}, "--size needs a number"},
+        {{"-o", "x.png", "-s", "16385", "a"}, "--size needs a number"},
+        {{"-o", "x.png", "-s", "99999999999", "a"}, "--size needs a number"},
+    };
+    for (const auto& [arguments, reason] : cases) {
+        const Options options = parse(arguments);
+        EXPECT_EQ(options.action, Options::Action::RejectUsage) << arguments.join(' ').toStdString();
+        EXPECT_TRUE(options.text.startsWith("zrthumb: ")) << options.text.toStdString();
+        EXPECT_TRUE(options.text.contains(reason)) << options.text.toStdString();
+    }
+}
+
+TEST(OptionsTest, HelpNamesEveryOption)
+{
+    for (const char* form : {"-h", "--help"}) {
+        const Options options = parse({form});
+        EXPECT_EQ(options.action, Options::Action::ShowText);
+        for (const char* part : {"Usage: zrthumb", "FILE...", "--output", "--size", "--sheet", "--recursive", "--quiet",
+                                 "--version", "--help"})
+            EXPECT_TRUE(options.text.contains(part)) << part;
+    }
+}
+
+TEST(OptionsTest, VersionIsOneLine)
+{
+    EXPECT_EQ(parse({"--version"}).action, Options::Action::ShowText);
+    EXPECT_EQ(parse({"--version"}).text, "zrthumb " ZRTHUMB_VERSION "\n");
+}
+
+} // namespace
+} // namespace zr::test

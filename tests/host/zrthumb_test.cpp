@@ -1,0 +1,304 @@
+// The program as a user runs it.
+
+#include "core/data_location.h"
+#include "tests/support/data_folder_fixture.h"
+#include "tests/support/files.h"
+#include "tests/support/qt_printers.h"
+#include "tools/samples/sample_files.h"
+#include "tools/samples/vrx_bytes.h"
+
+#include <QDateTime>
+#include <QDir>
+#include <QFileInfo>
+#include <QImage>
+#include <QProcess>
+#include <QTemporaryDir>
+
+namespace zr::test
+{
+namespace
+{
+
+constexpr int kTimeoutMs = 60000;
+
+struct Outcome {
+    int status = -1;
+    QStringList out;
+    QStringList err;
+};
+
+QStringList linesOf(const QByteArray& bytes)
+{
+    return QString::fromLocal8Bit(bytes).remove('\r').split('\n', Qt::SkipEmptyParts);
+}
+
+class ZrthumbTest : public DataFolderTest
+{
+protected:
+    void SetUp() override
+    {
+        DataFolderTest::SetUp();
+        m_environment = QProcessEnvironment::systemEnvironment();
+    }
+
+    QString source(const QString& name, quint16 word = 0xF800) const
+    {
+        samples::VrxParts parts;
+        parts.preview.width = 2;
+        parts.preview.height = 2;
+        parts.preview.data = samples::wordBytes({0, word, word, word});
+        return sourceOf(name, samples::vrxBytes(parts));
+    }
+
+    QString sourceOf(const QString& name, const QByteArray& bytes) const
+    {
+        const QString path = m_folder.filePath(name);
+        QDir().mkpath(QFileInfo(path).path());
+        return writeFile(path, bytes);
+    }
+
+    Outcome run(const QStringList& arguments) const
+    {
+        QProcess process;
+        process.setProcessEnvironment(m_environment);
+        process.setWorkingDirectory(m_folder.path());
+        process.start(QStringLiteral(ZRTHUMB_PROGRAM), arguments);
+        EXPECT_TRUE(process.waitForFinished(kTimeoutMs));
+        EXPECT_EQ(process.exitStatus(), QProcess::NormalExit);
+        return {process.exitCode(), linesOf(process.readAllStandardOutput()), linesOf(process.readAllStandardError())};
+    }
+
+    static QString png(const QString& name) { return thumbnailImageFolder() + name; }
+
+    QTemporaryDir m_folder;
+    QProcessEnvironment m_environment;
+};
+
+TEST_F(ZrthumbTest, PrintsTheCachedPngOfEachFileInAFreshProfile)
+{
+    const Outcome outcome = run({source("b.vrx"), source("a.vrxdlp")});
+    EXPECT_EQ(outcome.status, 0);
+    EXPECT_EQ(outcome.out, QStringList({png("b.vrxvrx.png"), png("a.vrxdlpvrxdlp.png")}));
+    EXPECT_EQ(outcome.err, QStringList());
+    for (const QString& path : outcome.out)
+        EXPECT_EQ(QImage(path).size(), QSize(400, 400));
+}
+
+TEST_F(ZrthumbTest, FirstRequestOfAFreshProfileIsRepeatedOnce)
+{
+    const QString path = source("a.vrx");
+    EXPECT_EQ(run({path}).status, 0);
+    // The first attempt's lines were lost until its job made the folder.
+    EXPECT_EQ(logMessages(), QStringList({"84  throw ", "69  throw ", "73 getImage False", "37 in 2 " + path,
+                                          "63 app after", "84  throw "}));
+}
+
+TEST_F(ZrthumbTest, SecondRunIsACacheHit)
+{
+    const QString path = source("a.vrx");
+    ASSERT_EQ(run({path}).status, 0);
+    ASSERT_TRUE(QFile::remove(defaultLogPath()));
+    moveTimeStamp(png("a.vrxvrx.png"), -1000);
+    const auto before = QFileInfo(png("a.vrxvrx.png")).lastModified();
+
+    const Outcome outcome = run({path});
+    EXPECT_EQ(outcome.status, 0);
+    EXPECT_EQ(outcome.out, QStringList({png("a.vrxvrx.png")}));
+    EXPECT_EQ(logMessages(), QStringList({"37 in 2 " + path, "61 app start", "63 app after"}));
+    EXPECT_EQ(QFileInfo(png("a.vrxvrx.png")).lastModified(), before);
+}
+
+TEST_F(ZrthumbTest, RelativePathsAreMadeAbsolute)
+{
+    const QString path = source("sub/a.vrx");
+    ASSERT_EQ(run({path}).status, 0);
+    ASSERT_TRUE(QFile::remove(defaultLogPath()));
+    EXPECT_EQ(run({"sub/a.vrx"}).status, 0);
+    EXPECT_EQ(logMessages().first(), "37 in 2 " + path);
+}
+
+TEST_F(ZrthumbTest, FailuresAreToldAndDoNotStopTheRun)
+{
+    const QString good = source("good.vrx");
+    const QString shortFile = sourceOf("short.vrx", "x");
+    const QString empty = sourceOf("empty.vrx", "");
+    const QString other = sourceOf("other.txt", "x");
+    samples::VrxParts hostile;
+    hostile.preview.width = 1;
+    hostile.preview.height = 1;
+    hostile.preview.dataSize = -1;
+    const QString outOfMemory = sourceOf("memory.vrx", samples::vrxBytes(hostile));
+#ifdef Q_OS_WIN
+    const QString outOfMemoryReason = "no picture came back; see " + defaultLogPath(); // the DLL keeps errors inside
+#else
+    const QString outOfMemoryReason = "unexpected error: std::bad_alloc";
+#endif
+
+    const Outcome outcome = run({"missing.vrx", shortFile, empty, other, outOfMemory, m_folder.path(), good});
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_EQ(outcome.out, QStringList({png("good.vrxvrx.png")}));
+    EXPECT_EQ(outcome.err,
+              QStringList({
+                  "zrthumb: missing.vrx: no thumbnail: no such file",
+                  "zrthumb: " + shortFile + ": no thumbnail: DlpHead_t read less",
+                  "zrthumb: " + empty + ": no thumbnail: DlpHead_t read less",
+                  "zrthumb: " + other + ": no thumbnail: this kind of file is not supported",
+                  "zrthumb: " + outOfMemory + ": no thumbnail: " + outOfMemoryReason,
+                  "zrthumb: " + m_folder.path() +
+                      ": no thumbnail: it is a folder (--recursive makes thumbnails of the files below it)",
+              }));
+    EXPECT_EQ(QDir(thumbnailImageFolder()).entryList(QDir::Files), QStringList({"good.vrxvrx.png"}));
+}
+
+TEST_F(ZrthumbTest, OutputIsThePictureThatWasHandedBack)
+{
+    const QString path = source("a.vrx");
+    EXPECT_EQ(run({"-o", "out.png", path}).status, 0);
+    // A bitmap handed back by the DLL has an alpha channel, also when the cached picture has none.
+    const auto inFull = [](const QString& file) { return QImage(file).convertToFormat(QImage::Format_ARGB32); };
+    EXPECT_EQ(inFull(m_folder.filePath("out.png")), inFull(png("a.vrxvrx.png")));
+
+    EXPECT_EQ(run({"-o", "small.png", "-s", "64", path}).status, 0);
+    EXPECT_EQ(QImage(m_folder.filePath("small.png")).size(), QSize(64, 64));
+}
+
+TEST_F(ZrthumbTest, OutputThatCannotBeWrittenFails)
+{
+    const Outcome outcome = run({"-o", "no/such/folder/out.png", source("a.vrx")});
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_EQ(outcome.err, QStringList({"zrthumb: no/such/folder/out.png: cannot be written"}));
+}
+
+TEST_F(ZrthumbTest, SheetShowsThePicturesOfTheRun)
+{
+    const Outcome outcome = run({"--sheet", "sheet.png", source("a.vrx"), source("b.vrx"), "missing"});
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_FALSE(QImage(m_folder.filePath("sheet.png")).isNull());
+}
+
+TEST_F(ZrthumbTest, FolderStandsForTheSupportedFilesBelowIt)
+{
+    for (const char* name : {"m/b.vrx", "m/a/z.VRXDLP", "m/a/c.vrx", "m/ignored.txt", "m/ignored.photon"})
+        source(name);
+    const Outcome outcome = run({"-r", "m"});
+    EXPECT_EQ(outcome.status, 0);
+    EXPECT_EQ(outcome.out, QStringList({png("c.vrxvrx.png"), png("z.VRXDLPVRXDLP.png"), png("b.vrxvrx.png")}));
+    EXPECT_EQ(outcome.err, QStringList());
+}
+
+TEST_F(ZrthumbTest, QuietPrintsFailuresOnly)
+{
+    const Outcome outcome = run({"-q", source("a.vrx"), "missing"});
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_EQ(outcome.out, QStringList());
+    EXPECT_EQ(outcome.err, QStringList({"zrthumb: missing: no thumbnail: no such file"}));
+}
+
+TEST_F(ZrthumbTest, ControlCharactersOfNamesStayOffTheTerminal)
+{
+    const Outcome outcome = run({"bad\x1b[31m\nname"});
+    EXPECT_EQ(outcome.err, QStringList({"zrthumb: bad?[31m?name: no thumbnail: no such file"}));
+}
+
+TEST_F(ZrthumbTest, WrongUsageEndsWithTwo)
+{
+    const Outcome outcome = run({"--nonsense"});
+    EXPECT_EQ(outcome.status, 2);
+    EXPECT_EQ(outcome.out, QStringList());
+    EXPECT_FALSE(outcome.err.isEmpty());
+    EXPECT_EQ(run({}).status, 2);
+}
+
+TEST_F(ZrthumbTest, HelpAndVersionGoToStdout)
+{
+    EXPECT_EQ(run({"--version"}).out, QStringList({"zrthumb " ZRTHUMB_VERSION}));
+    EXPECT_EQ(run({"--help"}).status, 0);
+    EXPECT_FALSE(run({"--help"}).out.isEmpty());
+}
+
+TEST_F(ZrthumbTest, GarbageInPlaceOfTheCachedPngIsTold)
+{
+    const QString path = source("a.vrx");
+    ASSERT_EQ(run({path}).status, 0);
+    writeFile(png("a.vrxvrx.png"), "garbage");
+    const Outcome outcome = run({path});
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_EQ(outcome.err,
+              QStringList({"zrthumb: " + path + ": no thumbnail: no picture came back; see " + defaultLogPath()}));
+}
+
+TEST_F(ZrthumbTest, UnusableDataFolderFailsEachFile)
+{
+    writeFile(dataFolder(), "a file where the folder should be");
+    const Outcome outcome = run({source("a.vrx")});
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_EQ(outcome.out, QStringList());
+    EXPECT_EQ(outcome.err.size(), 1);
+    ASSERT_TRUE(QFile::remove(dataFolder()));
+}
+
+#ifdef Q_OS_LINUX
+TEST_F(ZrthumbTest, SliceFilesNeedNoDisplay)
+{
+    m_environment.remove("QT_QPA_PLATFORM");
+    m_environment.remove("WAYLAND_DISPLAY");
+    for (const char* display : {"", ":97531"}) {
+        m_environment.insert("DISPLAY", display);
+        const Outcome outcome = run({source("a.vrx")});
+        EXPECT_EQ(outcome.status, 0) << display;
+        EXPECT_EQ(outcome.err, QStringList()) << display;
+    }
+}
+
+TEST_F(ZrthumbTest, ModelsWithoutADisplaySayWhatTheyNeed)
+{
+    m_environment.remove("QT_QPA_PLATFORM");
+    m_environment.remove("WAYLAND_DISPLAY");
+    m_environment.insert("DISPLAY", "");
+    for (const samples::SampleFile& sample : samples::sampleFiles()) {
+        const QString suffix = QFileInfo(sample.name).suffix();
+        if (suffix != "stl" && suffix != "obj" && suffix != "slc")
+            continue;
+        const QString path = sourceOf(sample.name, sample.make());
+        const Outcome outcome = run({path});
+        EXPECT_EQ(outcome.status, 1) << sample.name;
+        EXPECT_EQ(outcome.err,
+                  QStringList({"zrthumb: " + path +
+                               ": no thumbnail: OpenGL needs a display: run it in a graphical session, or as "
+                               "'xvfb-run zrthumb ...' (package xvfb)"}))
+            << sample.name;
+    }
+}
+
+TEST_F(ZrthumbTest, ProgressIsShownOnATerminalForMoreThanAFewFiles)
+{
+    for (const char* name : {"a.vrx", "b.vrx", "c.vrx", "d.vrx"})
+        source(name);
+    const auto onTerminal = [this](const QString& arguments) {
+        QProcess process;
+        process.setProcessEnvironment(m_environment);
+        process.setWorkingDirectory(m_folder.path());
+        process.start("script", {"-qec", QStringLiteral(ZRTHUMB_PROGRAM " ") + arguments, "/dev/null"});
+        EXPECT_TRUE(process.waitForFinished(kTimeoutMs));
+        return process.readAllStandardOutput();
+    };
+    const QByteArray shown = onTerminal("a.vrx missing b.vrx c.vrx d.vrx");
+    EXPECT_TRUE(shown.contains("[0/5] a.vrx\x1b[K")) << shown.toStdString();
+    EXPECT_TRUE(shown.contains("[4/5] d.vrx (1 failed)\x1b[K")) << shown.toStdString();
+    EXPECT_TRUE(shown.contains("\r\x1b[K" + png("d.vrxvrx.png").toLocal8Bit())) << shown.toStdString();
+
+    EXPECT_FALSE(onTerminal("a.vrx b.vrx c.vrx").contains("/3]"));
+    EXPECT_FALSE(onTerminal("-q a.vrx b.vrx c.vrx d.vrx").contains("/4]"));
+    EXPECT_EQ(run({"a.vrx", "b.vrx", "c.vrx", "d.vrx"}).err, QStringList());
+}
+
+TEST_F(ZrthumbTest, LogAndPathsFollowTheLocale)
+{
+    const QString path = source(QString::fromUtf8("t\xc3\xbcr.vrx"));
+    EXPECT_EQ(run({path}).status, 0);
+    EXPECT_TRUE(readFile(defaultLogPath()).contains("in 2 " + path.toUtf8()));
+}
+#endif
+
+} // namespace
+} // namespace zr::test
