@@ -1,0 +1,19 @@
+#pragma once
+
+#include "tools/samples/preview_bytes.h"
+
+namespace zr::samples
+{
+
+/// What a gf file is made of. What is not set gets the value of a valid file.
+struct GfParts {
+    PreviewParts preview;
+    std::optional<qint32> previewHeadOffset;
+};
+
+QByteArray gfBytes(const GfParts& parts);
+
+/// The preview of a picture with its channels as 16-bit words.
+PreviewParts channelWordPreview(const QImage& picture);
+
+} // namespace zr::samples

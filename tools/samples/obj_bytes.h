@@ -1,0 +1,13 @@
+#pragma once
+
+#include "tools/samples/model_shapes.h"
+
+#include <QByteArray>
+
+namespace zr::samples
+{
+
+/// The model with its triangles counted from 1, as the format's usual readers do.
+QByteArray objBytes(const IndexedModel& model);
+
+} // namespace zr::samples

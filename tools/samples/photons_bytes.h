@@ -1,0 +1,28 @@
+#pragma once
+
+#include <QByteArray>
+#include <QImage>
+
+#include <optional>
+
+namespace zr::samples
+{
+
+/// What a photons file is made of. What is not set gets the value of a valid file.
+struct PhotonsParts {
+    QByteArray version = "2.1";
+    std::optional<quint32> versionLength;
+    qint32 width = 0;
+    qint32 height = 0;
+    QByteArray pixels;
+};
+
+QByteArray photonsBytes(const PhotonsParts& parts);
+
+/// Bytes of the values between the version text and the pixels.
+constexpr int kPhotonsHeadBytes = 92;
+
+/// The parts of a file that shows the picture.
+PhotonsParts photonsPicture(const QImage& picture);
+
+} // namespace zr::samples

@@ -1,0 +1,26 @@
+#pragma once
+
+#include <QByteArray>
+#include <QImage>
+
+#include <optional>
+
+namespace zr::samples
+{
+
+/// What an svgx file is made of. What is not set gets the value of a valid file.
+struct SvgxParts {
+    QByteArray bmp; ///< filled up with zeroes to the length that every preview has
+    std::optional<qint32> previewOffset;
+};
+
+QByteArray svgxBytes(const SvgxParts& parts);
+
+/// Bytes of every preview, and of the header before it.
+constexpr int kSvgxBmpBytes = 5862;
+constexpr int kSvgxHeadBytes = 28;
+
+/// The picture as a 24-bit BMP file.
+QByteArray bmpBytes(const QImage& picture);
+
+} // namespace zr::samples

@@ -1,0 +1,23 @@
+#pragma once
+
+#include "tools/samples/preview_bytes.h"
+
+namespace zr::samples
+{
+
+/// What a vrx file is made of. What is not set gets the value of a valid file.
+struct VrxParts {
+    /// Dlp has offsets in its header; the others have the preview at a fixed place.
+    enum class Layout { Dlp, PreviewAt328, PreviewAt336 };
+
+    Layout layout = Layout::Dlp;
+    PreviewParts preview;
+    quint32 dlpMagic = 0;                    ///< first word in the Dlp layout
+    std::optional<qint32> previewHeadOffset; ///< Dlp layout only
+    std::optional<qint32> secondHeadOffset;  ///< Dlp layout only
+    int headBytes = 112;                     ///< place of the preview header in the Dlp layout
+};
+
+QByteArray vrxBytes(const VrxParts& parts);
+
+} // namespace zr::samples
