@@ -1,0 +1,54 @@
+#pragma once
+
+#include "fuzz/input_file.h"
+#include "readers/mesh/mesh.h"
+
+#include <cstdint>
+#include <cstdlib>
+
+namespace zr::fuzz
+{
+
+/// The input as bytes, not copied.
+inline QByteArray rawInput(const std::uint8_t* data, std::size_t size)
+{
+    return QByteArray::fromRawData(reinterpret_cast<const char*>(data), static_cast<int>(size));
+}
+
+/// A machine whose memory never runs out, so that an input does the same everywhere.
+inline MemoryFigures endlessMemory()
+{
+    return {quint64{1} << 40U, 10};
+}
+
+/// Parses the file with the mesh; false when an error key ended that.
+template <typename MeshType>
+bool parses(MeshType& mesh, QFile& file)
+{
+    try {
+        mesh.parse(file);
+        return true;
+    } catch (const QString&) {
+        return false;
+    }
+}
+
+/// Parses the input in a file, and checks that the chunks hold whole records. `recordFloats`: what a chunk may end
+/// after.
+template <typename MeshType>
+bool parses(MeshType& mesh, const QByteArray& input, int recordFloats)
+{
+    QFile file(inputFile(input));
+    if (!file.open(QIODevice::ReadOnly))
+        std::abort();
+    const bool parsed = parses(mesh, file);
+    for (const MeshChunk* chunk : mesh.chunks()) {
+        if (chunk->isEmpty() || chunk->size() % recordFloats != 0)
+            std::abort();
+    }
+    if (parsed && file.isOpen())
+        std::abort();
+    return parsed;
+}
+
+} // namespace zr::fuzz

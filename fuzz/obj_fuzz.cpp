@@ -1,0 +1,12 @@
+#include "fuzz/mesh_fuzz.h"
+#include "readers/mesh/obj_mesh.h"
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
+{
+    using namespace zr;
+    ObjMesh mesh(false, fuzz::endlessMemory);
+    fuzz::parses(mesh, fuzz::rawInput(data, size), kFloatsPerTriangle);
+    ObjMesh bareMesh(true, fuzz::endlessMemory);
+    fuzz::parses(bareMesh, fuzz::rawInput(data, size), kFloatsPerBareTriangle);
+    return 0;
+}

@@ -1,0 +1,10 @@
+#include "fuzz/mesh_fuzz.h"
+#include "readers/mesh/stl_mesh.h"
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
+{
+    using namespace zr;
+    StlMesh mesh(false, fuzz::endlessMemory);
+    fuzz::parses(mesh, fuzz::rawInput(data, size), kFloatsPerTriangle);
+    return 0;
+}
