@@ -1,6 +1,7 @@
 // How long the model loaders take from a file in the page cache to finished chunks, as multiples of reading the same
-// file with read(2) into one reused buffer, and how much memory they need beyond their chunks. The table at the end
-// holds the ratios; the exit status tells whether all are within their limits.
+// file with read(2) into one reused buffer, and how much memory they need beyond their chunks. For OBJ files the
+// reference is tinyobjloader, since how fast a processor copies a file tells little of how fast it reads numbers. The
+// table at the end holds the ratios; the exit status tells whether all are within their limits.
 
 #include "bench/best_time_reporter.h"
 #include "bench/mesh_models.h"
@@ -36,6 +37,7 @@ struct Case {
     std::string name;
 
     std::string baseline() const { return name + "/read"; }
+    std::string peer() const { return name + "/tinyobjloader"; }
     std::string load() const { return name + "/load"; }
 };
 
@@ -81,6 +83,10 @@ void registerCase(const Case& test)
     };
     configure(benchmark::RegisterBenchmark(test.baseline().c_str(), [&test](benchmark::State& state) {
         for ([[maybe_unused]] const auto _ : state) {
+            // Leaves the processor's caches as the loader finds them: after other work, not after the same read.
+            state.PauseTiming();
+            test.format->load(test.path);
+            state.ResumeTiming();
             readWhole(test.path);
             if (test.format->countsMemset)
                 fillChunks(test.chunkBytes);
@@ -90,24 +96,33 @@ void registerCase(const Case& test)
         for ([[maybe_unused]] const auto _ : state)
             benchmark::DoNotOptimize(test.format->load(test.path));
     }));
+    if (test.format->loadWithPeer) {
+        configure(benchmark::RegisterBenchmark(test.peer().c_str(), [&test](benchmark::State& state) {
+            for ([[maybe_unused]] const auto _ : state)
+                test.format->loadWithPeer(test.path);
+        }));
+    }
 }
 
 bool printTable(const std::deque<Case>& cases, const BestTimeReporter& reporter)
 {
     constexpr double kMiB = 1 << 20;
     bool allWithin = true;
-    std::printf("\n%-20s %10s %10s %7s %6s %12s %8s\n", "model", "read ms", "load ms", "ratio", "limit", "extra MiB",
-                "limit");
+    std::printf("\n%-20s %9s %9s %7s %6s %9s %7s %6s %10s %6s\n", "model", "read ms", "load ms", "ratio", "limit",
+                "peer ms", "ratio", "least", "extra MiB", "limit");
     for (const Case& test : cases) {
         const double base = reporter.bestSeconds(test.baseline());
         const double load = reporter.bestSeconds(test.load());
         if (base == 0.0 || load == 0.0)
             continue;
-        const bool within = load / base <= test.format->allowedRatio &&
-                            static_cast<double>(test.extraBytes) <= test.format->allowedExtraMiB * kMiB;
-        std::printf("%-20s %10.2f %10.2f %7.2f %6.1f %12.1f %8.1f%s\n", test.name.c_str(), base * 1e3, load * 1e3,
-                    load / base, test.format->allowedRatio, static_cast<double>(test.extraBytes) / kMiB,
-                    test.format->allowedExtraMiB, within ? "" : "  MISSED");
+        const double peer = reporter.bestSeconds(test.peer());
+        const ModelFormat& format = *test.format;
+        const bool within = (format.allowedRatio == 0.0 || load / base <= format.allowedRatio) &&
+                            (!format.loadWithPeer || peer / load >= format.leastPeerRatio) &&
+                            static_cast<double>(test.extraBytes) <= format.allowedExtraMiB * kMiB;
+        std::printf("%-20s %9.2f %9.2f %7.2f %6.1f %9.1f %7.1f %6.1f %10.1f %6.1f%s\n", test.name.c_str(), base * 1e3,
+                    load * 1e3, load / base, format.allowedRatio, peer * 1e3, peer / load, format.leastPeerRatio,
+                    static_cast<double>(test.extraBytes) / kMiB, format.allowedExtraMiB, within ? "" : "  MISSED");
         allWithin = allWithin && within;
     }
     return allWithin;

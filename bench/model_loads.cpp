@@ -7,6 +7,8 @@
 
 #include <QFile>
 
+#include <tiny_obj_loader.h>
+
 #include <cstdio>
 #include <cstdlib>
 
@@ -33,12 +35,21 @@ qint64 load(const QString& path)
     return bytes;
 }
 
+void loadWithTinyObj(const QString& path)
+{
+    tinyobj::ObjReader reader;
+    if (!reader.ParseFromFile(path.toStdString()))
+        std::abort();
+}
+
 qint64 peakResidentBytes()
 {
     rusage usage = {};
     getrusage(RUSAGE_SELF, &usage);
     return usage.ru_maxrss * 1024;
 }
+
+constexpr double kObjPeerRatio = 6.0;
 
 // 8 MiB and the positions, 12 bytes each: half a million for the largest model.
 constexpr double kObjExtraMiB = 8.0 + 500000 * 12.0 / (1 << 20);
@@ -58,11 +69,11 @@ int writeSlashedObj(const QString& path, int triangles)
 const std::vector<ModelFormat>& modelFormats()
 {
     static const std::vector<ModelFormat> formats = {
-        {"binary stl", writeBinaryStl, load<StlMesh>, true, 3.0, 150.0},
-        {"ascii stl", writeAsciiStl, load<StlMesh>, false, 8.0, 8.0},
-        {"obj", writePlainObj, load<ObjMesh>, false, 8.0, kObjExtraMiB},
-        {"obj v-vt-vn", writeSlashedObj, load<ObjMesh>, false, 8.0, kObjExtraMiB},
-        {"slc", writeSlc, load<SlcMesh>, true, 3.0, 8.0},
+        {"binary stl", writeBinaryStl, load<StlMesh>, true, 3.0, 150.0, nullptr, 0.0},
+        {"ascii stl", writeAsciiStl, load<StlMesh>, false, 8.0, 8.0, nullptr, 0.0},
+        {"obj", writePlainObj, load<ObjMesh>, false, 0.0, kObjExtraMiB, loadWithTinyObj, kObjPeerRatio},
+        {"obj v-vt-vn", writeSlashedObj, load<ObjMesh>, false, 0.0, kObjExtraMiB, loadWithTinyObj, kObjPeerRatio},
+        {"slc", writeSlc, load<SlcMesh>, true, 3.0, 8.0, nullptr, 0.0},
     };
     return formats;
 }
