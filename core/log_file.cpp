@@ -3,6 +3,7 @@
 #include "core/data_location.h"
 
 #include <QDateTime>
+#include <QFile>
 #include <QFileInfo>
 
 namespace zr
@@ -20,13 +21,6 @@ ProcessInstance& processInstance()
 {
     static auto* const slot = new ProcessInstance;
     return *slot;
-}
-
-// Instances of several threads may have the file open, and on Windows each writes where its own last line ended.
-std::mutex& appendMutex()
-{
-    static auto* const mutex = new std::mutex;
-    return *mutex;
 }
 
 // What init() was last called on by this thread, kept so that end() on another thread cannot put an instance without
@@ -66,18 +60,10 @@ void LogFile::init(const QString& path)
 void LogFile::write(const QString& message)
 {
     const std::lock_guard<std::mutex> guard(m_mutex);
-    if (!m_file.isOpen()) {
-        if (m_path.isEmpty())
-            return;
-        m_file.setFileName(m_path);
-        if (!m_file.open(QIODevice::Append))
-            return;
-    }
+    if (!m_file.isOpen() && (m_path.isEmpty() || !m_file.open(m_path)))
+        return;
     const QString stamp = QDateTime::currentDateTime().toString(QStringLiteral("dd.MM.yyyy - hh:mm:ss "));
-    const std::lock_guard<std::mutex> turn(appendMutex());
-    m_file.seek(m_file.size());
-    m_file.write((stamp + message + QLatin1Char('\n')).toLocal8Bit());
-    m_file.flush();
+    m_file.append((stamp + message + QLatin1Char('\n')).toLocal8Bit());
 }
 
 void logLine(int number, const QString& text)

@@ -1,6 +1,7 @@
 #pragma once
 
-#include <QFile>
+#include "core/append_file.h"
+
 #include <QString>
 
 #include <memory>
@@ -11,8 +12,9 @@ namespace zr
 
 /// The process-wide text log beside the cache database.
 ///
-/// Each line is a local time stamp, the message and a line feed, in the process's 8-bit code page, and is flushed
-/// at once. Nothing here reports a failure: a line that cannot be written is lost.
+/// Each line is a local time stamp, the message and a line feed, in the process's 8-bit code page. It is appended at
+/// once and in one piece, also when other processes write theirs. Nothing here reports a failure: a line that cannot
+/// be written is lost.
 ///
 /// All functions may be called from any thread. A thread that has called init() keeps the instance it initialised
 /// until that thread ends the instance itself, so another thread's end() never takes the path away from a request
@@ -48,7 +50,7 @@ private:
 
     std::mutex m_mutex;
     QString m_path;
-    QFile m_file;
+    AppendFile m_file;
 };
 
 /// Writes the line "number text", the form of every line of the log.

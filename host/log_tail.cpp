@@ -17,7 +17,8 @@ constexpr qint64 kMaxTailBytes = 1 << 20;
 QString readFrom(qint64 start)
 {
     QFile log(defaultLogPath());
-    if (!log.open(QIODevice::ReadOnly))
+    // Nobody may be at the other end of a pipe.
+    if (!QFileInfo(log).isFile() || !log.open(QIODevice::ReadOnly))
         return {};
     // A log that has shrunk was deleted for its size and begun anew.
     log.seek(start <= log.size() ? start : 0);
