@@ -2,6 +2,7 @@
 
 #include "core/data_location.h"
 #include "core/log_file.h"
+#include "core/picture_file.h"
 #include "core/reader_table.h"
 
 #include <QDateTime>
@@ -99,7 +100,7 @@ bool ThumbnailJob::saveImage()
     record.filePath = m_sourcePath;
     record.fileTime = modificationSeconds(source);
     record.fileSize = static_cast<quint64>(source.size());
-    return m_image.save(record.thumPath) && m_database.saveRecord(m_sourcePath, record);
+    return savePicture(m_image, record.thumPath) && m_database.saveRecord(m_sourcePath, record);
 }
 
 // The suffix is doubled, as in every cache that users already have.
