@@ -84,8 +84,14 @@ QVariant ThumbnailDatabase::queryValue(const QString& filePath, const QString& c
 
 bool ThumbnailDatabase::saveRecord(const QString& filePath, const ThumbnailRecord& record)
 {
-    if (queryValue(filePath, QStringLiteral("thumPath")).isNull())
-        return insertRecord(record);
+    const auto hasRow = [&] { return !queryValue(filePath, QStringLiteral("thumPath")).isNull(); };
+    if (!hasRow()) {
+        if (insertRecord(record))
+            return true;
+        // Another process that shows the same folder may have been faster with its row.
+        if (!hasRow())
+            return false;
+    }
     return updateRecord(filePath, record);
 }
 
