@@ -1,0 +1,137 @@
+// Files and folders that the user may not write.
+
+#include "core/data_location.h"
+#include "tests/reliability/request_test.h"
+#include "tests/support/files.h"
+#include "tests/support/qt_printers.h"
+
+#include <QDir>
+#include <QDirIterator>
+#include <QFileInfo>
+
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace zr::test
+{
+namespace
+{
+
+constexpr uid_t kNobody = 65534;
+
+// Nothing is protected from root, so root's test is somebody else's while it lasts.
+class PermissionsTest : public RequestTest
+{
+protected:
+    void SetUp() override
+    {
+        RequestTest::SetUp();
+        if (geteuid() != 0)
+            return;
+        for (const QString& folder : {QFileInfo(dataFolder()).path(), m_folder.path()})
+            giveAway(folder);
+        ASSERT_EQ(setresuid(kNobody, kNobody, 0), 0);
+        m_wasRoot = true;
+    }
+
+    void TearDown() override
+    {
+        if (m_wasRoot) {
+            EXPECT_EQ(setresuid(0, 0, 0), 0);
+        }
+        setMode(thumbnailImageFolder(), 0755);
+        setMode(dataFolder(), 0755);
+        RequestTest::TearDown();
+    }
+
+    static void setMode(const QString& path, mode_t mode)
+    {
+        EXPECT_EQ(chmod(QFile::encodeName(path).constData(), mode), 0) << path.toStdString();
+    }
+
+private:
+    static void giveAway(const QString& folder)
+    {
+        QStringList paths{folder};
+        QDirIterator walk(folder, QDir::AllEntries | QDir::NoDotAndDotDot, QDirIterator::Subdirectories);
+        while (walk.hasNext())
+            paths.append(walk.next());
+        for (const QString& path : qAsConst(paths))
+            ASSERT_EQ(chown(QFile::encodeName(path).constData(), kNobody, kNobody), 0) << path.toStdString();
+    }
+
+    bool m_wasRoot = false;
+};
+
+TEST_F(PermissionsTest, WriteProtectedPngIsKept)
+{
+    const QString path = source("a.vrx");
+    expectRequestWorks(path);
+    const QByteArray before = readFile(pngOf(path));
+    source("a.vrx", 0x001F, 1);
+    setMode(pngOf(path), 0444);
+    const RequestOutcome outcome = request(path);
+    EXPECT_FALSE(outcome.loaded);
+    EXPECT_EQ(outcome.log, kStaleEntry + kNotSaved);
+    EXPECT_EQ(readFile(pngOf(path)), before);
+
+    setMode(pngOf(path), 0644);
+    expectRequestWorks(path);
+}
+
+TEST_F(PermissionsTest, PngFolderWithoutWritePermissionStillTakesChangesOfItsFiles)
+{
+    const QString path = source("a.vrx");
+    expectRequestWorks(path);
+    setMode(thumbnailImageFolder(), 0555);
+    source("a.vrx", 0x001F, 1);
+    expectRequestWorks(path);
+
+    const QString other = source("b.vrx");
+    EXPECT_EQ(request(other).log, kNewEntry + kNotSaved);
+    setMode(thumbnailImageFolder(), 0755);
+    expectRequestWorks(other);
+}
+
+// SQLite needs its journal beside the database.
+TEST_F(PermissionsTest, DataFolderWithoutWritePermissionAnswersFromTheCacheOnly)
+{
+    const QString cached = source("a.vrx");
+    expectRequestWorks(cached);
+    setMode(dataFolder(), 0555);
+    expectRequestWorks(cached);
+    const QString other = source("b.vrx");
+    EXPECT_FALSE(request(other).loaded);
+
+    setMode(dataFolder(), 0755);
+    expectRequestWorks(other);
+}
+
+TEST_F(PermissionsTest, WriteProtectedDatabaseAnswersFromTheCacheOnly)
+{
+    const QString cached = source("a.vrx");
+    expectRequestWorks(cached);
+    setMode(defaultDatabasePath(), 0444);
+    expectRequestWorks(cached);
+    const QString other = source("b.vrx");
+    EXPECT_EQ(request(other).log, kNewEntry + kNotSaved);
+
+    setMode(defaultDatabasePath(), 0644);
+    expectRequestWorks(other);
+}
+
+TEST_F(PermissionsTest, UnreadableSourceIsTold)
+{
+    const QString path = source("a.vrx");
+    setMode(path, 0);
+    const RequestOutcome outcome = request(path);
+    EXPECT_FALSE(outcome.loaded);
+    EXPECT_EQ(outcome.log, kNewEntry + failureLines(20, "file open errr ") +
+                               QStringList({"29 openFileErr", "65  throw ", "73 getImage False"}));
+
+    setMode(path, 0644);
+    expectRequestWorks(path);
+}
+
+} // namespace
+} // namespace zr::test
