@@ -1,0 +1,103 @@
+// Several processes that make the thumbnails of the same files at the same time.
+
+#include "core/data_location.h"
+#include "tests/reliability/host_processes.h"
+#include "tests/reliability/setting.h"
+#include "tests/support/files.h"
+#include "tests/support/qt_printers.h"
+
+#include <QDir>
+#include <QRegularExpression>
+
+#include <algorithm>
+#include <cstdio>
+#include <memory>
+#include <set>
+#include <vector>
+
+namespace zr::test
+{
+namespace
+{
+
+class SideBySideTest : public HostProcessesTest
+{
+protected:
+    void SetUp() override
+    {
+        HostProcessesTest::SetUp();
+        makeSources(setting("ZRTHUMB_SIDE_BY_SIDE_FILES", 40));
+    }
+
+    // Every file's request by every process, while this process looks at the pictures all the time.
+    void runAll()
+    {
+        std::vector<std::unique_ptr<QProcess>> programs;
+        for (int i = 0; i < m_processes; ++i) {
+            programs.push_back(std::make_unique<QProcess>());
+            start(*programs.back(), i % 2 == 0 ? Order::AsMade : Order::Random);
+        }
+        const auto isRunning = [](const auto& program) { return program->state() != QProcess::NotRunning; };
+        while (std::any_of(programs.begin(), programs.end(), isRunning)) {
+            lookAtPictures();
+            for (const auto& program : programs)
+                program->waitForFinished(1);
+        }
+        for (const auto& program : programs) {
+            EXPECT_EQ(program->exitStatus(), QProcess::NormalExit);
+            EXPECT_EQ(program->exitCode(), 0);
+            EXPECT_EQ(program->readAllStandardOutput().count('\n'), sources().size());
+            EXPECT_EQ(program->readAllStandardError(), QByteArray());
+        }
+    }
+
+    const int m_processes = setting("ZRTHUMB_SIDE_BY_SIDE_PROCESSES", 8);
+    int m_looks = 0; ///< at whole pictures
+
+private:
+    void lookAtPictures()
+    {
+        const QDir folder(thumbnailImageFolder());
+        const QStringList names = folder.entryList(QDir::Files);
+        for (const QString& name : names) {
+            EXPECT_FALSE(QImage(folder.filePath(name)).isNull()) << name.toStdString();
+            ++m_looks;
+        }
+    }
+};
+
+// How often each of the requests' messages is in the log; a line that is not whole gives a message that no request has.
+std::map<QString, int> countMessages()
+{
+    std::map<QString, int> counts;
+    for (const QString& message : logMessages())
+        ++counts[message];
+    return counts;
+}
+
+TEST_F(SideBySideTest, EveryRequestSucceedsAndNothingIsLostOrTorn)
+{
+    runAll(); // in a fresh profile
+    expectCompleteCache();
+    touchSources();
+    ASSERT_TRUE(QFile::remove(defaultLogPath()));
+    runAll();
+    expectCompleteCache();
+    EXPECT_EQ(unfinishedPictures(), QStringList());
+    EXPECT_GT(m_looks, 0);
+
+    auto counts = countMessages();
+    for (const QString& path : sources()) {
+        EXPECT_EQ(counts["37 in 2 " + path], m_processes) << path.toStdString();
+        counts.erase("37 in 2 " + path);
+    }
+    EXPECT_EQ(counts["61 app start"], m_processes);
+    EXPECT_EQ(counts["63 app after"], m_processes * sources().size());
+    EXPECT_GE(counts["106  throw "], sources().size());
+    EXPECT_EQ(counts.size(), 3U);
+    std::printf("%d processes, %d files, twice: %d looks at whole pictures meanwhile, %d pictures made anew\n",
+                m_processes, sources().size(), m_looks, counts["106  throw "]);
+}
+
+} // namespace
+} // namespace zr::test
