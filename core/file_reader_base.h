@@ -42,7 +42,7 @@ public:
 
     /// Reads the file and returns its picture; a null image after a failure, which is logged.
     /// Errors that are no QString pass through.
-    QImage getImage();
+    virtual QImage getImage();
 
 protected:
     /// Logs the failure with its two lines and throws its key.

@@ -7,6 +7,7 @@
 #include <QDir>
 #include <QTemporaryFile>
 
+#include <memory>
 #include <new>
 
 namespace zr::test
@@ -23,6 +24,7 @@ public:
     void readFile() override
     {
         ASSERT_TRUE(m_file.open(QIODevice::ReadOnly));
+        m_image = partial;
         if (!key.isEmpty())
             throw key;
         if (failure.key)
@@ -35,11 +37,13 @@ public:
         return picture;
     }
     bool fileIsOpen() const { return m_file.isOpen(); }
+    const QImage& image() const { return m_image; }
 
     QString key;
     QString previewKey;
     ReadFailure failure{0, "", ReadFailure::Path::None, nullptr};
     QImage picture;
+    QImage partial; // what there is of a picture when readFile() fails
 };
 
 class FileReaderBaseTest : public DataFolderTest
@@ -61,6 +65,7 @@ TEST_F(FileReaderBaseTest, PictureOfPreviewImageIsReturned)
     reader.picture = QImage(3, 2, QImage::Format_RGB888);
     reader.picture.fill(Qt::red);
     EXPECT_EQ(reader.getImage(), reader.picture);
+    EXPECT_EQ(reader.image(), reader.picture);
     EXPECT_EQ(logMessages(), QStringList());
 }
 
@@ -94,6 +99,31 @@ INSTANTIATE_TEST_SUITE_P(Keys, HandledKeyTest,
                          ::testing::Values(HandledKey{"openFileErr", true}, HandledKey{"fileReadLess", false},
                                            HandledKey{"filePrevErr", false}),
                          [](const auto& test) { return std::string(test.param.key); });
+
+TEST_F(FileReaderBaseTest, FailureLeavesTheReadersPictureAlone)
+{
+    ProbeReader reader(m_source.fileName());
+    reader.key = "fileReadLess";
+    reader.partial = QImage(2, 1, QImage::Format_RGB888);
+    reader.partial.fill(Qt::red);
+    reader.picture = QImage(1, 1, QImage::Format_RGB888);
+    EXPECT_TRUE(reader.getImage().isNull());
+    EXPECT_EQ(reader.image(), reader.partial);
+}
+
+TEST_F(FileReaderBaseTest, GetImageIsPartOfTheContract)
+{
+    class Ready final : public FileReaderBase
+    {
+    public:
+        using FileReaderBase::FileReaderBase;
+        void readFile() override {}
+        QImage previewImage() override { return {}; }
+        QImage getImage() override { return QImage(5, 4, QImage::Format_RGB888); }
+    };
+    const std::unique_ptr<FileReaderBase> reader = std::make_unique<Ready>(m_source.fileName());
+    EXPECT_EQ(reader->getImage().size(), QSize(5, 4));
+}
 
 TEST_F(FileReaderBaseTest, KeyOfPreviewImageIsHandledToo)
 {
