@@ -13,6 +13,8 @@ namespace zr::test
 namespace
 {
 
+constexpr qint64 kMostBytes = 104857600; // 100 MiB
+
 class LogFileTest : public DataFolderTest
 {
 };
@@ -24,9 +26,9 @@ QByteArray logBytes()
 }
 
 // A sparse file: only its length matters.
-void makeLogOfSize(qint64 bytes)
+void makeLogOfSize(qint64 bytes, const QString& path = defaultLogPath())
 {
-    QFile log(defaultLogPath());
+    QFile log(path);
     ASSERT_TRUE(log.open(QIODevice::WriteOnly));
     ASSERT_TRUE(log.resize(bytes));
 }
@@ -87,15 +89,15 @@ TEST_F(LogFileTest, InitCreatesNothing)
 TEST_F(LogFileTest, LogOfExactlyTheLimitIsKept)
 {
     createDataFolder();
-    makeLogOfSize(LogFile::kMaxBytes);
+    makeLogOfSize(kMostBytes);
     LogFile::instance()->init(QString());
-    EXPECT_EQ(QFileInfo(defaultLogPath()).size(), LogFile::kMaxBytes);
+    EXPECT_EQ(QFileInfo(defaultLogPath()).size(), kMostBytes);
 }
 
 TEST_F(LogFileTest, LogPastTheLimitIsDeletedAndStartedAnew)
 {
     createDataFolder();
-    makeLogOfSize(LogFile::kMaxBytes + 1);
+    makeLogOfSize(kMostBytes + 1);
     LogFile::instance()->init(QString());
     EXPECT_FALSE(QFileInfo::exists(defaultLogPath()));
     LogFile::instance()->write(QStringLiteral("first"));
@@ -156,6 +158,23 @@ TEST_F(LogFileTest, PathIsTakenOnlyWhenItNamesARegularFile)
     }
     EXPECT_EQ(logMessages(), QStringList({"default", "default"}));
     EXPECT_FALSE(QFileInfo::exists(elsewhere.filePath("missing.log")));
+}
+
+TEST_F(LogFileTest, RegularFileThatIsNamedIsTheLog)
+{
+    createDataFolder();
+    const QTemporaryDir elsewhere;
+    const QString other = elsewhere.filePath("other.log");
+    makeLogOfSize(0, other);
+    LogFile::instance()->init(other);
+    LogFile::instance()->write(QStringLiteral("there"));
+    LogFile::end();
+    EXPECT_GT(QFileInfo(other).size(), 0);
+    EXPECT_FALSE(QFileInfo::exists(defaultLogPath()));
+
+    makeLogOfSize(kMostBytes + 1, other);
+    LogFile::instance()->init(other);
+    EXPECT_FALSE(QFileInfo::exists(other));
 }
 
 TEST_F(LogFileTest, NonAsciiIsWrittenInTheLocalCodePage)
