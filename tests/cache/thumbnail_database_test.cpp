@@ -226,14 +226,16 @@ TEST_F(ThumbnailDatabaseTest, PathIsTakenOnlyForAnExistingDbFile)
     const QTemporaryDir elsewhere;
     const QString given = elsewhere.filePath("other.db");
     makeDatabase(given, {"create table other (x int)"});
-    const QString upper = elsewhere.filePath("other.DB2");
+    const QString upper = elsewhere.filePath("upper.DB");
+    const QString longer = elsewhere.filePath("longer.db2");
     ASSERT_TRUE(QFile::copy(given, upper));
+    ASSERT_TRUE(QFile::copy(given, longer));
     {
         ThumbnailDatabase database(given);
         EXPECT_TRUE(database.saveRecord("/a", recordOf("/a")));
     }
     EXPECT_FALSE(QFileInfo::exists(defaultDatabasePath()));
-    for (const QString& path : {upper, elsewhere.filePath("missing.db"), elsewhere.path()}) {
+    for (const QString& path : {upper, longer, elsewhere.filePath("missing.db"), elsewhere.path()}) {
         {
             const ThumbnailDatabase database(path);
             EXPECT_TRUE(database.queryValue("/a", "thumPath").isNull()) << path.toStdString();
