@@ -3,6 +3,15 @@
 #include "core/data_location.h"
 #include "core/log_file.h"
 #include "core/reader_table.h"
+#include "readers/mesh/obj_file_thumbnail.h"
+#include "readers/mesh/slc_file_thumbnail.h"
+#include "readers/mesh/stl_file_thumbnail.h"
+#include "readers/slice/fdg_file_thumbnail.h"
+#include "readers/slice/gf_file_thumbnail.h"
+#include "readers/slice/kestravo_file_thumbnail.h"
+#include "readers/slice/photons_file_thumbnail.h"
+#include "readers/slice/svgx_file_thumbnail.h"
+#include "readers/slice/vrx_file_thumbnail.h"
 #include "tests/support/data_folder_fixture.h"
 #include "tests/support/files.h"
 #include "tests/support/qt_printers.h"
@@ -276,14 +285,34 @@ TEST_F(ThumbnailJobTest, ErrorsThatAreNoKeysLeaveTheJob)
     EXPECT_EQ(logMessages(), kNewEntry);
 }
 
-TEST_F(ThumbnailJobTest, SupportedSuffixesEachHaveAReader)
+struct SuffixReader {
+    const char* suffix;
+    bool (*isOfType)(const FileReaderBase* reader);
+};
+
+template <typename Reader>
+bool isA(const FileReaderBase* reader)
 {
-    const QStringList suffixes = supportedSuffixes();
-    EXPECT_FALSE(suffixes.isEmpty());
-    for (const QString& suffix : suffixes) {
-        EXPECT_NE(makeReader(suffix, "x"), nullptr) << suffix.toStdString();
-        EXPECT_NE(makeReader(suffix.toUpper(), "x"), nullptr) << suffix.toStdString();
+    return dynamic_cast<const Reader*>(reader) != nullptr;
+}
+
+TEST_F(ThumbnailJobTest, EachSuffixHasItsReader)
+{
+    const SuffixReader rows[] = {
+        {"stl", isA<StlFileThumbnail>},    {"obj", isA<ObjFileThumbnail>},
+        {"slc", isA<SlcFileThumbnail>},    {"vrx", isA<VrxFileThumbnail>},
+        {"vrxdlp", isA<VrxFileThumbnail>}, {"gf", isA<GfFileThumbnail>},
+        {"fdg", isA<FdgFileThumbnail>},    {"photons", isA<PhotonsFileThumbnail>},
+        {"svgx", isA<SvgxFileThumbnail>},  {"kestravo", isA<KestravoFileThumbnail>},
+    };
+    QStringList suffixes;
+    for (const SuffixReader& row : rows) {
+        const QString suffix = row.suffix;
+        EXPECT_TRUE(row.isOfType(makeReader(suffix, "x").get())) << row.suffix;
+        EXPECT_TRUE(row.isOfType(makeReader(suffix.toUpper(), "x").get())) << row.suffix;
+        suffixes.append(suffix);
     }
+    EXPECT_EQ(supportedSuffixes(), suffixes);
     for (const char* suffix : {"", "photon", "txt", "vrx "})
         EXPECT_EQ(makeReader(suffix, "x"), nullptr) << suffix;
 }
