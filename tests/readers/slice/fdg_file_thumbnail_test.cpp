@@ -5,6 +5,7 @@
 #include "tests/readers/slice/slice_reader_test.h"
 #include "tests/readers/slice/test_previews.h"
 #include "tools/samples/fdg_bytes.h"
+#include "tools/samples/put_bytes.h"
 #include "tools/samples/vrx_bytes.h"
 
 #include <limits>
@@ -91,6 +92,17 @@ TEST_F(FdgFileThumbnailTest, NegativeDataOffsetReadsOnBehindThePreviewHeader)
     EXPECT_EQ(pictureOf<FdgFileThumbnail>(bytes), expectedPicture(smallPreview()));
 }
 
+TEST_F(FdgFileThumbnailTest, DataOffsetZeroIsTheStartOfTheFile)
+{
+    QByteArray bytes = withPreview([](PreviewParts& preview) {
+        preview.dataOffset = 0;
+        preview.dataSize = preview.data.size();
+        preview.data.clear();
+    });
+    samples::putBytes(bytes, 0, smallPreview().data);
+    EXPECT_EQ(pictureOf<FdgFileThumbnail>(bytes), expectedPicture(smallPreview()));
+}
+
 TEST_F(FdgFileThumbnailTest, BytesBehindTheDataAreNotRead)
 {
     const QByteArray longer = withPreview([](PreviewParts& preview) {
@@ -106,6 +118,11 @@ TEST_F(FdgFileThumbnailTest, NegativeDataSizeIsAnAllocationFailure)
         preview.dataSize = -1;
         preview.dataOffset = 0x7FFFFFFF;
     }));
+}
+
+TEST_F(FdgFileThumbnailTest, OpenFileIsNotOpenedAgain)
+{
+    expectOpenFileIsRead<FdgFileThumbnail>(valid());
 }
 
 TEST_F(FdgFileThumbnailTest, FileThatCannotBeOpened)

@@ -4,6 +4,7 @@
 #include "tests/readers/slice/slice_reader_test.h"
 #include "tests/readers/slice/test_previews.h"
 #include "tools/samples/gf_bytes.h"
+#include "tools/samples/put_bytes.h"
 
 #include <limits>
 #include <random>
@@ -162,6 +163,16 @@ TEST_F(GfFileThumbnailTest, OnePixelWidePreviewKeepsTheHeightAsKey)
     EXPECT_EQ(result.pixel(200, 350), grey(127));
 }
 
+TEST_F(GfFileThumbnailTest, HeightAbove255IsAKeyOf16Bits)
+{
+    const PreviewParts tall = preview(
+        1, 300, pixel(300, 300, 300).repeated(2) + pixel(44, 44, 44).repeated(2) + pixel(9, 9, 9).repeated(296));
+    const QImage result = picture(tall);
+    EXPECT_EQ(result, expectedPicture(tall));
+    EXPECT_EQ(result.pixel(199, 0), kBackground);
+    EXPECT_EQ(result.pixel(199, 4), grey(149)); // luminance 44
+}
+
 TEST_F(GfFileThumbnailTest, ChannelsAbove255WrapAround)
 {
     const QByteArray first = pixel(256, 256, 256) + pixel(511, 511, 511) + pixel(0xFFFF, 0xFFFF, 0xFFFF);
@@ -213,9 +224,30 @@ TEST_F(GfFileThumbnailTest, NegativeOffsetsReadOnWhereTheFileStands)
     }
 }
 
+TEST_F(GfFileThumbnailTest, DataOffsetZeroIsTheStartOfTheFile)
+{
+    QByteArray bytes = withPreview([](PreviewParts& p) {
+        p.dataOffset = 0;
+        p.dataSize = p.data.size();
+        p.data.clear();
+    });
+    samples::putBytes(bytes, 0, smallGfPreview().data);
+    EXPECT_EQ(pictureOf<GfFileThumbnail>(bytes), expectedPicture(smallGfPreview()));
+}
+
 TEST_F(GfFileThumbnailTest, NegativeDataSizeIsAnAllocationFailure)
 {
+    // The allocation comes before the look at the data's place.
+    expectBadAlloc<GfFileThumbnail>(withPreview([](PreviewParts& p) {
+        p.dataSize = -1;
+        p.dataOffset = 0x7FFFFFFF;
+    }));
     expectBadAlloc<GfFileThumbnail>(withPreview([](PreviewParts& p) { p.dataSize = -1; }));
+}
+
+TEST_F(GfFileThumbnailTest, OpenFileIsNotOpenedAgain)
+{
+    expectOpenFileIsRead<GfFileThumbnail>(valid());
 }
 
 TEST_F(GfFileThumbnailTest, FileThatCannotBeOpened)

@@ -148,6 +148,11 @@ TEST_F(KestravoFileThumbnailTest, NegativeDataSizeIsAnAllocationFailure)
     expectBadAlloc<KestravoFileThumbnail>(withPreview([](PreviewParts& preview) { preview.dataSize = -1; }));
 }
 
+TEST_F(KestravoFileThumbnailTest, OpenFileIsNotOpenedAgain)
+{
+    expectOpenFileIsRead<KestravoFileThumbnail>(valid());
+}
+
 TEST_F(KestravoFileThumbnailTest, FileThatCannotBeOpened)
 {
     expectOpenFailures<KestravoFileThumbnail>(18);

@@ -170,6 +170,11 @@ TEST_F(PhotonsFileThumbnailTest, BytesBehindThePixelsAreIgnored)
     EXPECT_EQ(picture(valid() + QByteArray(1000, '\x5a')), picture(valid()));
 }
 
+TEST_F(PhotonsFileThumbnailTest, OpenFileIsNotOpenedAgain)
+{
+    expectOpenFileIsRead<PhotonsFileThumbnail>(valid());
+}
+
 TEST_F(PhotonsFileThumbnailTest, FileThatCannotBeOpened)
 {
     expectOpenFailures<PhotonsFileThumbnail>(23);

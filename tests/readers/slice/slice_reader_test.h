@@ -19,6 +19,7 @@ public:
     using Reader::Reader;
     QFile& file() { return Reader::m_file; }
     const QImage& image() const { return Reader::m_image; }
+    void setImage(const QImage& image) { Reader::m_image = image; }
 };
 
 /// A way in which a file is broken, and what the reader makes of it.
@@ -68,6 +69,7 @@ protected:
         const bool opens = QByteArray(failure.key) != "openFileErr";
         {
             Opened<Reader> reader(path());
+            reader.setImage(QImage(1, 1, QImage::Format_RGB888)); // a picture of an earlier reading
             restartLog();
             EXPECT_EQ(thrownKey([&reader] { reader.readFile(); }), failure.key);
             EXPECT_EQ(reader.file().isOpen(), opens);
@@ -79,6 +81,18 @@ protected:
         EXPECT_TRUE(reader.getImage().isNull());
         EXPECT_FALSE(reader.file().isOpen());
         EXPECT_EQ(logMessages(), expectedLines(failure) << QStringLiteral("29 ") + failure.key);
+    }
+
+    /// A file that is open already is read as it is.
+    template <typename Reader>
+    void expectOpenFileIsRead(const QByteArray& bytes)
+    {
+        const QImage picture = pictureOf<Reader>(bytes);
+        EXPECT_FALSE(picture.isNull());
+        Opened<Reader> reader(path());
+        ASSERT_TRUE(reader.file().open(QIODevice::ReadOnly));
+        EXPECT_EQ(reader.getImage(), picture);
+        EXPECT_FALSE(reader.file().isOpen());
     }
 
     /// A missing file, and a folder in its place.

@@ -213,6 +213,11 @@ TEST_F(SvgxFileThumbnailTest, AlphaIsDropped)
     EXPECT_EQ(result.pixel(200, 299), qRgb(0xb0, 0xa0, 0x90));
 }
 
+TEST_F(SvgxFileThumbnailTest, OpenFileIsNotOpenedAgain)
+{
+    expectOpenFileIsRead<SvgxFileThumbnail>(valid());
+}
+
 TEST_F(SvgxFileThumbnailTest, FileThatCannotBeOpened)
 {
     expectOpenFailures<SvgxFileThumbnail>(18);

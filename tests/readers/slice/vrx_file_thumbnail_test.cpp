@@ -141,15 +141,16 @@ TEST_F(VrxFileThumbnailTest, NegativeDataOffsetReadsOnBehindThePreviewHeader)
 
 TEST_F(VrxFileThumbnailTest, DataMayLieBeforeItsHeader)
 {
-    VrxParts parts;
-    parts.preview = smallPreview();
-    const QByteArray data = parts.preview.data;
-    parts.preview.dataOffset = 76;
-    parts.preview.dataSize = data.size();
-    parts.preview.data.clear();
-    QByteArray bytes = samples::vrxBytes(parts);
-    samples::putBytes(bytes, 76, data);
-    EXPECT_EQ(pictureOf<VrxFileThumbnail>(bytes), expectedPicture(smallPreview()));
+    // At the start of the file the data's first words are the header's first word, too.
+    for (const int offset : {0, 76}) {
+        QByteArray bytes = withPreview([offset](PreviewParts& preview) {
+            preview.dataOffset = offset;
+            preview.dataSize = preview.data.size();
+            preview.data.clear();
+        });
+        samples::putBytes(bytes, offset, smallPreview().data);
+        EXPECT_EQ(pictureOf<VrxFileThumbnail>(bytes), expectedPicture(smallPreview())) << offset;
+    }
 }
 
 TEST_F(VrxFileThumbnailTest, BytesBehindTheDataAreNotRead)
@@ -183,11 +184,10 @@ TEST_F(VrxFileThumbnailTest, LargestSideIsAccepted)
     }
 }
 
-TEST_F(VrxFileThumbnailTest, OpenFileIsReadFromWhereItStands)
+TEST_F(VrxFileThumbnailTest, OpenFileIsNotOpenedAgain)
 {
-    Opened<VrxFileThumbnail> reader(write(valid(Layout::Dlp)));
-    ASSERT_TRUE(reader.file().open(QIODevice::ReadOnly));
-    EXPECT_EQ(reader.getImage(), expectedPicture(smallPreview()));
+    for (const Layout layout : {Layout::Dlp, Layout::PreviewAt328, Layout::PreviewAt336})
+        expectOpenFileIsRead<VrxFileThumbnail>(valid(layout));
 }
 
 TEST_F(VrxFileThumbnailTest, NegativeDataSizeIsAnAllocationFailure)
