@@ -1,5 +1,6 @@
 // What the readers make of errors that come out of the renderer's or the mesh's making. The readers differ here.
 
+#include "core/thumbnail_job.h"
 #include "readers/mesh/obj_file_thumbnail.h"
 #include "readers/mesh/slc_file_thumbnail.h"
 #include "readers/mesh/stl_file_thumbnail.h"
@@ -71,6 +72,15 @@ TEST_F(ReaderFailureTest, OtherReadersLetStandardExceptionsOfTheirPartsPass)
         EXPECT_THROW(SlcFileThumbnail("model.slc"), std::bad_alloc);
     }
     EXPECT_EQ(logMessages(), QStringList({"12 ", "11 "}));
+}
+
+TEST_F(ReaderFailureTest, ErrorKeyOfTheStlReadersPartsEndsTheJob)
+{
+    const SourceFile source(binaryStl(twoTriangles()), "model.stl");
+    ThumbnailJob job(source.path());
+    const FailingAllocation failing(sizeof(OffscreenRenderer), Thrown::ErrorKey);
+    EXPECT_FALSE(job.run());
+    EXPECT_EQ(logMessages(), QStringList({"84  throw ", "73 getImage False"}));
 }
 
 } // namespace

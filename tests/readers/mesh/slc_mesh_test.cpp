@@ -143,6 +143,7 @@ TEST_F(SlcMeshTest, ContoursAreNotClosedAndSmallOnesAddNothing)
     EXPECT_EQ(wallsOf(slcLayer(0, slcBoundary({{0, 0}, {9, 0}, {9, 9}}), 1)), 2U);
     EXPECT_EQ(wallsOf(slcLayer(0, slcBoundary({{0, 0}}) + slcBoundary(kSquare), 2)), 4U);
     EXPECT_EQ(wallsOf(slcLayer(0, slcBoundary({}) + slcBoundary(kSquare), 2)), 4U);
+    EXPECT_EQ(wallsOf(slcLayer(0, QByteArray(), 0) + squareLayer()), 4U);
 }
 
 TEST_F(SlcMeshTest, GapCountDoesNotMatter)
