@@ -150,6 +150,10 @@ TEST_F(ThumbnailExtractorTest, ExtractHandsOutWhateverPictureTheCacheHolds)
     other.fill(QColor(1, 2, 3, 4));
     ASSERT_TRUE(other.save(png("a.vrxvrx.png")));
     EXPECT_EQ(extractor.extract().convertToFormat(QImage::Format_ARGB32), other);
+    // The content tells the format, not the name.
+    other.fill(qRgb(1, 2, 3));
+    ASSERT_TRUE(other.save(png("a.vrxvrx.png"), "BMP"));
+    EXPECT_EQ(extractor.extract().pixel(2, 4), qRgb(1, 2, 3));
 }
 
 } // namespace
