@@ -68,6 +68,10 @@ TEST(MeshTest, FileOfTwoThirdsOfTheFreeMemoryIsTooLarge)
     EXPECT_FALSE(mesh.exceedsFreeMemory(999));
     EXPECT_TRUE(mesh.exceedsFreeMemory(1000));
     EXPECT_TRUE(ProbeMesh(noFreeMemory).exceedsFreeMemory(0));
+    // The thirds are cut last.
+    const ProbeMesh uneven([] { return MemoryFigures{1502, 10}; });
+    EXPECT_FALSE(uneven.exceedsFreeMemory(1000));
+    EXPECT_TRUE(uneven.exceedsFreeMemory(1001));
 }
 
 TEST(MeshTest, MemoryIsShortFrom90Percent)
