@@ -384,6 +384,15 @@ TEST_F(RendererFailureTest, SecondTryWithoutPositionDeclaration)
     EXPECT_EQ(logWithoutDriverTexts(), QStringList("256 ..."));
 }
 
+TEST_F(RendererFailureTest, InvalidRendererDrawsAndHandsNothingOut)
+{
+    RendererUnderTest renderer;
+    renderer.m_valid = false;
+    EXPECT_TRUE(render(renderer).isNull());
+    EXPECT_NE(renderer.m_fbo, nullptr);
+    EXPECT_EQ(logMessages(), QStringList());
+}
+
 TEST_F(RendererFailureTest, BufferOfAContextThatIsNotCurrent)
 {
     RendererUnderTest older;
