@@ -1,5 +1,6 @@
 #include "readers/slice/svgx_file_thumbnail.h"
 
+#include "readers/slice/embedded_bmp.h"
 #include "readers/slice/little_endian_block.h"
 #include "readers/slice/thumbnail_canvas.h"
 
@@ -42,15 +43,14 @@ void SvgxFileThumbnail::readFile()
 
     // A negative offset passes, the seek fails, and the bytes behind the header are read.
     m_file.seek(head->previewOffset);
-    std::array<uchar, kBmpBytes> bmp{};
-    if (m_file.read(reinterpret_cast<char*>(bmp.data()), kBmpBytes) != kBmpBytes)
+    const QByteArray bmp = m_file.read(kBmpBytes);
+    if (bmp.size() != kBmpBytes)
         fail(kPreviewShort);
     m_file.close();
 
     // Bytes that are no BMP give a null picture, whose pixel(0, 0) is a colour all the same.
-    QImage picture;
-    picture.loadFromData(bmp.data(), kBmpBytes, "bmp");
-    const QImage fitted = fittedToThumbnail(picture);
+    QImage fitted = fittedToThumbnail(pictureOfBmp(bmp));
+    completePalette(fitted);
     m_image = centredOnThumbnail(fitted, fitted.pixel(0, 0));
 }
 

@@ -1,6 +1,7 @@
 #include "readers/slice/thumbnail_canvas.h"
 
 #include <algorithm>
+#include <new>
 
 namespace zr
 {
@@ -15,7 +16,11 @@ QImage fittedToThumbnail(const QImage& picture)
 {
     if (picture.isNull())
         return picture;
-    return picture.scaled(kThumbnailSidePx, kThumbnailSidePx, Qt::KeepAspectRatio, Qt::FastTransformation);
+    const QImage fitted =
+        picture.scaled(kThumbnailSidePx, kThumbnailSidePx, Qt::KeepAspectRatio, Qt::FastTransformation);
+    if (fitted.isNull())
+        throw std::bad_alloc();
+    return fitted;
 }
 
 QImage centredOnThumbnail(const QImage& picture, QRgb background)
@@ -24,6 +29,8 @@ QImage centredOnThumbnail(const QImage& picture, QRgb background)
     const int left = (side - picture.width()) / 2;
     const int top = (side - picture.height()) / 2;
     QImage canvas(side, side, QImage::Format_RGB888);
+    if (canvas.isNull())
+        throw std::bad_alloc();
     canvas.fill(background);
     for (int y = 0; y < picture.height(); ++y) {
         uchar* bytes = canvas.scanLine(top + y) + left * kBytesPerPixel;

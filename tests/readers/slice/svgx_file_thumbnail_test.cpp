@@ -6,7 +6,10 @@
 #include "tools/samples/put_bytes.h"
 #include "tools/samples/svgx_bytes.h"
 
+#include <cstring>
 #include <limits>
+#include <memory>
+#include <vector>
 
 namespace zr::test
 {
@@ -216,6 +219,88 @@ TEST_F(SvgxFileThumbnailTest, AlphaIsDropped)
 TEST_F(SvgxFileThumbnailTest, OpenFileIsNotOpenedAgain)
 {
     expectOpenFileIsRead<SvgxFileThumbnail>(valid());
+}
+
+// Lets the next small pieces of memory hold old contents, as in a host process that has run for a while.
+void dirtyMemory()
+{
+    std::vector<std::unique_ptr<uchar[]>> pieces;
+    for (std::size_t bytes = 16; bytes <= 1 << 20; bytes += bytes / 4) {
+        for (int i = 0; i < 8; ++i) {
+            pieces.push_back(std::make_unique<uchar[]>(bytes));
+            std::memset(pieces.back().get(), 0xA5, bytes);
+        }
+    }
+}
+
+struct ShortBmp {
+    const char* name;
+    BmpKind kind;
+    QRgb bottomLeft; ///< the file's own colour
+};
+
+class SvgxShortBmpTest : public SvgxFileThumbnailTest, public ::testing::WithParamInterface<ShortBmp>
+{
+};
+
+// The bottom rows come first in the file. What memory held before must not become a picture that other programs see.
+TEST_P(SvgxShortBmpTest, PixelsThatTheFileDoesNotHoldAreBlack)
+{
+    const QByteArray bytes = fileOf(bmpOf(GetParam().kind));
+    dirtyMemory();
+    const QImage result = picture(bytes);
+    EXPECT_EQ(result.pixel(0, 399), GetParam().bottomLeft);
+    for (int y = 0; y < 200; ++y) {
+        for (int x = 0; x < 400; ++x)
+            ASSERT_EQ(result.pixel(x, y), qRgb(0, 0, 0)) << x << ' ' << y;
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Kinds, SvgxShortBmpTest,
+    ::testing::Values(
+        ShortBmp{"Bits24", {"", 40, 60, 60, 24, 0, {}, hex("302010").repeated(1500)}, qRgb(0x10, 0x20, 0x30)},
+        ShortBmp{"Bits32Large", {"", 40, 5000, 5000, 32, 0, {}, hex("30201000").repeated(1400)}, qRgb(0, 0, 0)},
+        ShortBmp{"Bits8",
+                 {"", 40, 100, 100, 8, 0, QByteArray(4, '\0') + kManyColours.mid(4), QByteArray(4700, '\1')},
+                 qRgb(0xb0, 0xa0, 0x90)},
+        ShortBmp{"Rle8",
+                 {"", 40, 8, 8, 8, 1, QByteArray(4, '\0') + kManyColours.mid(4), hex("0801 0000 0002 0007 0001")},
+                 qRgb(0xb0, 0xa0, 0x90)},
+        ShortBmp{"Rle4",
+                 {"", 40, 8, 8, 4, 2, QByteArray(4, '\0') + kSixteenColours.mid(4), hex("0811 0000 0002 0007 0001")},
+                 qRgb(0xb0, 0xa0, 0x90)}),
+    [](const auto& test) { return std::string(test.param.name); });
+
+// Qt looks colours up without looking at the palette's length.
+TEST_F(SvgxFileThumbnailTest, ColoursBehindThePaletteAreBlack)
+{
+    for (const int used : {1, 2, 190}) {
+        QByteArray row;
+        for (int index = 0; index < 256; ++index)
+            row.append(static_cast<char>(index));
+        QByteArray bmp = bmpOf({"", 40, 256, 1, 8, 0, hex("30201000").repeated(used), row});
+        samples::putLittleEndian<qint32>(bmp, 46, used);
+        dirtyMemory();
+        const QImage result = picture(fileOf(bmp));
+        for (int x = 0; x < 400; ++x) {
+            const int index = (2 * x + 1) * 256 / 800;
+            EXPECT_EQ(result.pixel(x, 199), index < used ? qRgb(0x10, 0x20, 0x30) : qRgb(0, 0, 0)) << used << ' ' << x;
+        }
+    }
+    QByteArray bmp = bmpOf({"", 40, 4, 2, 1, 0, hex("30201000"), hex("a0000000 a0000000")});
+    samples::putLittleEndian<qint32>(bmp, 46, 1);
+    const QImage result = picture(fileOf(bmp));
+    EXPECT_EQ(result.pixel(0, 200), qRgb(0, 0, 0));
+    EXPECT_EQ(result.pixel(150, 200), qRgb(0x10, 0x20, 0x30));
+}
+
+TEST_F(SvgxFileThumbnailTest, SizesThatNoFileHoldsGiveAPicture)
+{
+    for (const QSize size : {QSize(1, 1 << 28), QSize(1 << 28, 1), QSize(16384, 16384), QSize(1 << 20, 200)}) {
+        const QByteArray bmp = bmpOf({"", 40, size.width(), size.height(), 24, 0, {}, QByteArray(5000, '\x42')});
+        EXPECT_EQ(picture(fileOf(bmp)).size(), QSize(400, 400)) << size.width() << " x " << size.height();
+    }
 }
 
 TEST_F(SvgxFileThumbnailTest, FileThatCannotBeOpened)
