@@ -22,6 +22,14 @@ std::recursive_mutex& connectionMutex()
     return *mutex;
 }
 
+// Statements hold their texts unescaped. An apostrophe ends a text and mostly makes the statement an invalid one, but a
+// name can be made so that it becomes another statement, which lists or changes the rows of other files. Statements
+// with such texts are taken for invalid ones without asking SQLite.
+bool fitsStatement(const QString& text)
+{
+    return !text.contains(QLatin1Char('\''));
+}
+
 // Runs on the default connection.
 QSqlQuery newQuery()
 {
@@ -73,7 +81,7 @@ void ThumbnailDatabase::createTable()
 
 QVariant ThumbnailDatabase::queryValue(const QString& filePath, const QString& column) const
 {
-    if (!m_ok)
+    if (!m_ok || !fitsStatement(filePath))
         return {};
     auto query = newQuery();
     if (!query.exec(QStringLiteral("select * from thumbnail where filePath='%1';").arg(filePath)) || !query.next())
@@ -99,7 +107,7 @@ bool ThumbnailDatabase::saveRecord(const QString& filePath, const ThumbnailRecor
 
 bool ThumbnailDatabase::insertRecord(const ThumbnailRecord& record)
 {
-    if (!m_ok)
+    if (!m_ok || !fitsStatement(record.thumPath) || !fitsStatement(record.filePath))
         return false;
     auto query = newQuery();
     return query.exec(QStringLiteral("insert into thumbnail values('%1', %2, '%3', %4, %5);")
@@ -109,7 +117,7 @@ bool ThumbnailDatabase::insertRecord(const ThumbnailRecord& record)
 
 bool ThumbnailDatabase::updateRecord(const QString& filePath, const ThumbnailRecord& record)
 {
-    if (!m_ok)
+    if (!m_ok || !fitsStatement(record.thumPath) || !fitsStatement(filePath))
         return false;
     auto query = newQuery();
     return query.exec(QStringLiteral("update thumbnail set thumPath = '%1', thumTime = %2, fileTime = %3, "

@@ -32,6 +32,8 @@ public:
     ThumbnailDatabase(const ThumbnailDatabase&) = delete;
     ThumbnailDatabase& operator=(const ThumbnailDatabase&) = delete;
 
+    // A text with an apostrophe has no place in a statement: looking it up yields null, and recording it fails.
+
     /// The value of `column` in the row of `filePath`; null when there is no such row or column.
     QVariant queryValue(const QString& filePath, const QString& column) const;
 
