@@ -27,6 +27,11 @@ if(ZRTHUMB_SANITIZE)
     target_link_options(zr_options INTERFACE -fsanitize=${ZRTHUMB_SANITIZE})
 endif()
 
+if(ZRTHUMB_COVERAGE)
+    target_compile_options(zr_options INTERFACE -fprofile-instr-generate -fcoverage-mapping)
+    target_link_options(zr_options INTERFACE -fprofile-instr-generate)
+endif()
+
 # zr_add_library(NAME SOURCES... LINK LIBS...): one static library of the product.
 function(zr_add_library name)
     cmake_parse_arguments(ARG "" "" "SOURCES;LINK" ${ARGN})

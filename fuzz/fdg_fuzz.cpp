@@ -5,6 +5,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
 {
     using namespace zr::fuzz;
     QByteArray input = inputBytes(data, size);
-    limitPreviewSize(input, fieldAt(input, 44), 216);
+    limitFdg(input);
     return readPicture<zr::FdgFileThumbnail>(input);
 }

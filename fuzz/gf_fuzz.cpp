@@ -5,6 +5,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
 {
     using namespace zr::fuzz;
     QByteArray input = inputBytes(data, size);
-    limitPreviewSize(input, fieldAt(input, 48), 216);
+    limitGf(input);
     return readPicture<zr::GfFileThumbnail>(input);
 }

@@ -5,6 +5,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
 {
     using namespace zr::fuzz;
     QByteArray input = inputBytes(data, size);
-    limitPreviewSize(input, fieldAt(input, 12), 412);
+    limitKestravo(input);
     return readPicture<zr::KestravoFileThumbnail>(input);
 }

@@ -21,6 +21,17 @@ inline MemoryFigures endlessMemory()
     return {quint64{1} << 40U, 10};
 }
 
+/// A machine on which no model can be loaded, and one whose memory runs out on the way.
+inline MemoryFigures noMemory()
+{
+    return {0, 10};
+}
+
+inline MemoryFigures scarceMemory()
+{
+    return {quint64{1} << 40U, 90};
+}
+
 /// Parses the file with the mesh; false when an error key ended that.
 template <typename MeshType>
 bool parses(MeshType& mesh, QFile& file)
@@ -49,6 +60,16 @@ bool parses(MeshType& mesh, const QByteArray& input, int recordFloats)
     if (parsed && file.isOpen())
         std::abort();
     return parsed;
+}
+
+/// Parses the input on machines with too little memory. What comes out is an error or what needed none.
+template <typename MeshType>
+void parseWithoutMemory(const QByteArray& input, int recordFloats)
+{
+    for (const MemoryProbe probe : {noMemory, scarceMemory}) {
+        MeshType mesh(false, probe);
+        parses(mesh, input, recordFloats);
+    }
 }
 
 } // namespace zr::fuzz

@@ -8,5 +8,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     fuzz::parses(mesh, fuzz::rawInput(data, size), kFloatsPerTriangle);
     ObjMesh bareMesh(true, fuzz::endlessMemory);
     fuzz::parses(bareMesh, fuzz::rawInput(data, size), kFloatsPerBareTriangle);
+    fuzz::parseWithoutMemory<ObjMesh>(fuzz::rawInput(data, size), kFloatsPerTriangle);
     return 0;
 }

@@ -8,7 +8,7 @@ namespace
 {
 
 constexpr std::size_t kHeadBytes = 6;
-constexpr quint16 kMaxSide = 600;
+constexpr quint16 kMaxSide = 150;
 
 qint32 sideFrom(const std::uint8_t* bytes)
 {
@@ -27,7 +27,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     block.head.height = sideFrom(data + 2);
     block.head.dataSize = static_cast<qint32>(size - kHeadBytes);
     block.src_RGB_Buffer.assign(data + kHeadBytes, data + size);
-    const int minimumSide = 2 * data[4];
+    const int minimumSide = data[4];
     const auto shading = data[5] % 2 == 0 ? zr::PreviewShading::Dark : zr::PreviewShading::Light;
 
     const QImage canvas = zr::decodeRunLengthPreview(block, shading, minimumSide);

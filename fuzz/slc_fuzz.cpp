@@ -34,5 +34,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const auto actual = test::triplesOf(mesh.chunks());
     if (actual.size() != expected.size() || !test::sameBits(positions(actual), positions(expected)))
         std::abort();
+    fuzz::parseWithoutMemory<SlcMesh>(input, kFloatsPerTriangle);
     return 0;
 }

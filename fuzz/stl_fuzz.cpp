@@ -6,5 +6,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     using namespace zr;
     StlMesh mesh(false, fuzz::endlessMemory);
     fuzz::parses(mesh, fuzz::rawInput(data, size), kFloatsPerTriangle);
+    fuzz::parseWithoutMemory<StlMesh>(fuzz::rawInput(data, size), kFloatsPerTriangle);
     return 0;
 }

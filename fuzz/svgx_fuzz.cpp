@@ -4,5 +4,7 @@
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {
     using namespace zr::fuzz;
-    return readPicture<zr::SvgxFileThumbnail>(inputBytes(data, size));
+    QByteArray input = inputBytes(data, size);
+    limitSvgx(input);
+    return readPicture<zr::SvgxFileThumbnail>(input);
 }

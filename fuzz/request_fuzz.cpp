@@ -1,0 +1,106 @@
+// A whole request: the input becomes a file whose suffix its last byte chooses, and the extractor makes and hands out
+// its thumbnail, with database, cached picture and log in a data folder of this process. Where there is no display,
+// models are read but not drawn.
+
+#include "core/data_location.h"
+#include "core/reader_table.h"
+#include "fuzz/preview_limits.h"
+#include "shell/thumbnail_extractor.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QTemporaryDir>
+
+#include <cstdint>
+#include <cstdlib>
+#include <functional>
+#include <new>
+
+namespace
+{
+
+using namespace zr;
+
+void require(bool condition)
+{
+    if (!condition)
+        std::abort();
+}
+
+// The folder of the source files, beside which the data folder lies. Only one file, row and picture per suffix exist.
+const QString& sourceFolder()
+{
+    static const QTemporaryDir folder;
+    static const QString path = [] {
+        require(folder.isValid());
+        qputenv("XDG_DATA_HOME", QFile::encodeName(folder.path()));
+        if (qEnvironmentVariableIsEmpty("DISPLAY"))
+            qputenv("QT_QPA_PLATFORM", "offscreen");
+        // Otherwise the first request would fail.
+        require(QDir().mkpath(thumbnailImageFolder()));
+        return folder.path();
+    }();
+    return path;
+}
+
+// Deletes what would let the next request answer from the cache, and the log before it takes too much room.
+void forgetRequests(const QString& png)
+{
+    constexpr qint64 kLogBytes = 1 << 20;
+    QFile::remove(png);
+    if (QFileInfo(defaultLogPath()).size() > kLogBytes)
+        QFile::remove(defaultLogPath());
+}
+
+void write(const QString& path, const QByteArray& bytes)
+{
+    QFile file(path);
+    require(file.open(QIODevice::WriteOnly | QIODevice::Truncate) && file.write(bytes) == bytes.size());
+}
+
+void limitPictures(const QString& suffix, QByteArray& input)
+{
+    static const QHash<QString, std::function<void(QByteArray&)>> limits{
+        {"vrx", fuzz::limitVrx}, {"vrxdlp", fuzz::limitVrx},        {"fdg", fuzz::limitFdg},
+        {"gf", fuzz::limitGf},   {"kestravo", fuzz::limitKestravo}, {"svgx", fuzz::limitSvgx},
+    };
+    if (const auto limit = limits.value(suffix))
+        limit(input);
+}
+
+// Whether the request succeeded; then its picture is there, and the next request finds it. What it may throw is the
+// lack of memory that a file claims.
+bool requestSucceeds(const QString& path, const QString& png)
+{
+    try {
+        ThumbnailExtractor extractor;
+        const bool loaded = extractor.load(path);
+        const QImage picture = extractor.extract();
+        require(picture.isNull() != loaded && QFile::exists(png) >= loaded);
+        require(!loaded || (picture.width() == picture.height() && picture.width() >= 400));
+        return loaded;
+    } catch (const std::bad_alloc&) {
+        return false;
+    }
+}
+
+} // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
+{
+    static const QStringList suffixes = supportedSuffixes() << "txt";
+    if (size == 0)
+        return 0;
+    const QString suffix = suffixes.at(data[size - 1] % suffixes.size());
+    QByteArray input(reinterpret_cast<const char*>(data), static_cast<int>(size - 1));
+    limitPictures(suffix, input);
+
+    const QString path = sourceFolder() + "/source." + suffix;
+    const QString png = thumbnailImageFolder() + "source." + suffix + suffix + ".png";
+    forgetRequests(png);
+    write(path, input);
+    if (requestSucceeds(path, png))
+        require(requestSucceeds(path, png));
+    return 0;
+}
