@@ -48,13 +48,31 @@ RequestResult requestOnce(const QString& path, const QString& serverPath)
 
 } // namespace
 
-RequestResult requestThumbnail(const QString& path, const QString& serverPath)
+namespace
+{
+
+// A user's very first request fails, since it comes before the data folder.
+RequestResult requestUpToTwice(const QString& path, const QString& serverPath)
 {
     const bool dataFolderExisted = QFileInfo::exists(dataFolder());
     RequestResult result = requestOnce(path, serverPath);
     if (!result.succeeded() && !dataFolderExisted)
         result = requestOnce(path, serverPath);
     return result;
+}
+
+} // namespace
+
+RequestResult requestThumbnail(const QString& path, const QString& serverPath)
+{
+    try {
+        return requestUpToTwice(path, serverPath);
+    } catch (const std::exception& exception) {
+        // Not the request itself failed but what is told about it, for lack of memory. Other files may do better.
+        RequestResult result;
+        result.reason = QString::fromLocal8Bit(exception.what());
+        return result;
+    }
 }
 
 } // namespace zr

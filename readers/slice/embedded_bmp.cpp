@@ -4,6 +4,7 @@
 #include <QImageReader>
 
 #include <cstdlib>
+#include <memory>
 #include <new>
 
 namespace zr
@@ -17,14 +18,15 @@ constexpr char kFormat[] = "bmp";
 // reaches are never touched.
 QImage zeroedPicture(QSize size, QImage::Format format, int bytesPerLine)
 {
-    void* const bytes = std::calloc(static_cast<std::size_t>(size.height()), static_cast<std::size_t>(bytesPerLine));
+    std::unique_ptr<void, void (*)(void*)> bytes(
+        std::calloc(static_cast<std::size_t>(size.height()), static_cast<std::size_t>(bytesPerLine)), std::free);
     if (!bytes)
         throw std::bad_alloc();
-    QImage picture(static_cast<uchar*>(bytes), size.width(), size.height(), bytesPerLine, format, std::free, bytes);
-    if (picture.isNull()) {
-        std::free(bytes);
+    QImage picture(static_cast<uchar*>(bytes.get()), size.width(), size.height(), bytesPerLine, format, std::free,
+                   bytes.get());
+    if (picture.isNull())
         throw std::bad_alloc();
-    }
+    static_cast<void>(bytes.release()); // the picture owns them now
     return picture;
 }
 

@@ -4,8 +4,8 @@
 #include "readers/mesh/obj_file_thumbnail.h"
 #include "readers/mesh/slc_file_thumbnail.h"
 #include "readers/mesh/stl_file_thumbnail.h"
-#include "tests/readers/mesh/allocation_failure.h"
 #include "tests/readers/mesh/model_reader_test.h"
+#include "tests/support/allocation_failure.h"
 
 namespace zr::test
 {
