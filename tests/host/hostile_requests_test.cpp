@@ -1,0 +1,211 @@
+// Requests for files whose names are made to do more than name a file. What a name can do to the database alone is
+// tested beside it.
+
+#include "core/data_location.h"
+#include "core/log_file.h"
+#include "host/request.h"
+#include "tests/support/data_folder_fixture.h"
+#include "tests/support/files.h"
+#include "tests/support/qt_printers.h"
+#include "tools/samples/vrx_bytes.h"
+
+#include <QDateTime>
+#include <QDir>
+#include <QDirIterator>
+#include <QFileInfo>
+#include <QTemporaryDir>
+
+#include <utility>
+
+namespace zr::test
+{
+namespace
+{
+
+// A preview of one colour.
+QByteArray vrxOf(quint16 word)
+{
+    samples::VrxParts parts;
+    parts.preview.width = 2;
+    parts.preview.height = 2;
+    parts.preview.data = samples::wordBytes({0, word, word, word});
+    return samples::vrxBytes(parts);
+}
+
+struct NameCase {
+    const char* name; ///< UTF-8; of a file whose folder is the test's own
+    const char* reason = nullptr;
+};
+
+const char kNotSaved[] = "the picture could not be saved in the cache";
+
+class HostileRequestTest : public DataFolderTest
+{
+protected:
+    void SetUp() override
+    {
+        DataFolderTest::SetUp();
+        ASSERT_TRUE(QDir().mkpath(thumbnailImageFolder()));
+        m_victim = writeFile(m_folder.filePath("victim.vrx"), vrxOf(0xF800));
+        m_victimsPicture = requestThumbnail(m_victim, QString()).picture;
+        ASSERT_FALSE(m_victimsPicture.isNull());
+    }
+
+    QString path(const char* name) const { return m_folder.filePath(QString::fromUtf8(name)); }
+
+    static QStringList cachedFiles()
+    {
+        QStringList files;
+        QDirIterator entries(dataFolder(), QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot,
+                             QDirIterator::Subdirectories);
+        while (entries.hasNext())
+            files.append(entries.next().mid(dataFolder().size() + 1));
+        files.sort();
+        return files;
+    }
+
+    // The victim's request is still answered from the cache, with its own picture.
+    void expectVictimUntouched()
+    {
+        const QDateTime before = QFileInfo(thumbnailImageFolder() + "victim.vrxvrx.png").lastModified();
+        restartLog();
+        EXPECT_EQ(requestThumbnail(m_victim, QString()).picture, m_victimsPicture);
+        EXPECT_EQ(logMessages(), QStringList({"37 in 2 " + m_victim, "63 app after"}));
+        EXPECT_EQ(QFileInfo(thumbnailImageFolder() + "victim.vrxvrx.png").lastModified(), before);
+    }
+
+    QTemporaryDir m_folder;
+    QString m_victim;
+    QImage m_victimsPicture;
+};
+
+class HostileNameTest : public HostileRequestTest, public ::testing::WithParamInterface<NameCase>
+{
+};
+
+// The files of the attacker are as large and as old as the victim's, so that the cache would take one for the other.
+TEST_P(HostileNameTest, FailsOrIsAnsweredWithItsOwnPicture)
+{
+    const QString hostile = writeFile(path(GetParam().name), vrxOf(0x07C0));
+    ASSERT_TRUE(QFileInfo(hostile).isFile());
+    const QStringList filesBefore = cachedFiles();
+    for (int i = 0; i < 2; ++i) {
+        const RequestResult result = requestThumbnail(hostile, QString());
+        if (GetParam().reason) {
+            EXPECT_EQ(result.reason, GetParam().reason);
+            EXPECT_TRUE(result.picture.isNull());
+        } else {
+            EXPECT_EQ(result.reason, "");
+            EXPECT_EQ(QFileInfo(result.pngPath).path() + '/', thumbnailImageFolder());
+            EXPECT_FALSE(result.picture.isNull());
+            EXPECT_NE(result.picture, m_victimsPicture);
+        }
+        expectVictimUntouched();
+    }
+    // One PNG at most, and nothing elsewhere.
+    QStringList added = cachedFiles();
+    for (const QString& file : filesBefore)
+        EXPECT_EQ(added.removeAll(file), 1) << file.toStdString();
+    EXPECT_LE(added.size(), 1);
+    for (const QString& file : std::as_const(added))
+        EXPECT_TRUE(file.startsWith("thumbnailImage/") && file.endsWith("vrxvrx.png")) << file.toStdString();
+}
+
+const NameCase kNames[] = {
+    {"it's.vrx", kNotSaved},
+    {"x' or 1 or '.vrx", kNotSaved},
+    {"x' or 1--.vrx", kNotSaved},
+    {"x' union select char(47),0,char(47),1,2--.vrx", kNotSaved},
+    {"x',0,char(47)||'a.vrx',1,2) on conflict(filePath) do update set fileSize=7--.vrx", kNotSaved},
+    {"x'; drop table thumbnail;--.vrx", kNotSaved},
+    {"%1%2%3%4%5.vrx"},
+    {"%L1 %99 %%.vrx"},
+    {"a;drop table thumbnail;--.vrx"},
+    {"..vrx"},
+    {".vrx"},
+    {"....vrx"},
+    {"-o.vrx"},
+    {"..\\..\\x.vrx"},
+    {"C:x.vrx"},
+    {"NUL.vrx"},
+    {"CON.vrx"},
+    {"a\nb.vrx"},
+    {"a\r\x1b[2Jb.vrx"},
+    {"\xE2\x80\xAEgnp.vrx"},
+    {"\xF0\x9F\x96\xA8.vrx"},
+    {"trailing .vrx"},
+};
+
+INSTANTIATE_TEST_SUITE_P(Names, HostileNameTest, ::testing::ValuesIn(kNames));
+
+// The PNG's name is seven bytes longer than the file's, or more for longer suffixes.
+TEST_F(HostileRequestTest, NamesThatLeaveNoRoomForThePngsNameFail)
+{
+    constexpr int kLongestName = 255;
+    const QByteArray fits(kLongestName - 2 * 4 - 3, 'n');
+    const QByteArray tooLong = fits + 'n';
+    EXPECT_EQ(requestThumbnail(writeFile(path(fits + ".vrx"), vrxOf(1)), QString()).reason, "");
+    EXPECT_EQ(requestThumbnail(writeFile(path(tooLong + ".vrx"), vrxOf(1)), QString()).reason, kNotSaved);
+    expectVictimUntouched();
+}
+
+TEST_F(HostileRequestTest, NamesThatAreNoTextAreNoFiles)
+{
+    const QByteArray name = QFile::encodeName(m_folder.path()) + "/\xff\xfe.vrx";
+    QFile file;
+    FILE* const stream = std::fopen(name.constData(), "w");
+    ASSERT_NE(stream, nullptr);
+    std::fclose(stream);
+    const RequestResult result = requestThumbnail(QFile::decodeName(name), QString());
+    EXPECT_EQ(result.reason, "no such file");
+    expectVictimUntouched();
+    std::remove(name.constData());
+}
+
+TEST_F(HostileRequestTest, PathsThatAreNoFilesAreRefused)
+{
+    const QString zero = m_folder.filePath("victim.vrx") + QChar(0) + ".vrx";
+    for (const QString& path : {m_folder.filePath(".."), m_folder.filePath("."), m_folder.path() + "/", QString("/"),
+                                QString("."), QString(), QString("/dev/zero"), QString("/proc/self/mem"), zero}) {
+        const RequestResult result = requestThumbnail(path, QString());
+        EXPECT_FALSE(result.succeeded()) << path.toStdString();
+        EXPECT_TRUE(result.picture.isNull());
+    }
+    expectVictimUntouched();
+}
+
+// A name with line feeds can write lines of its own into the log. Nothing but a person reads those of other requests:
+// what zrthumb tells of a file comes from behind the line that names it, and only that file's own reason can be a wrong
+// one.
+TEST_F(HostileRequestTest, LinesThatANameForgesConcernThatNameOnly)
+{
+    const QString forged = writeFile(
+        path("x\n21.11.2026 - 12:00:00 37 in 2 victim.vrx\n21.11.2026 - 12:00:00 45 fileIsCanNoRender\nx.vrx"),
+        "short");
+    const QString damaged = writeFile(m_folder.filePath("damaged.vrx"), "short");
+    EXPECT_FALSE(requestThumbnail(forged, QString()).succeeded());
+    EXPECT_EQ(requestThumbnail(damaged, QString()).reason, "DlpHead_t read less");
+    expectVictimUntouched();
+}
+
+// Times before 1970 are huge numbers in the database, which SQLite rounds: such a file is made anew each time.
+TEST_F(HostileRequestTest, TimesFarAwayAreHarmless)
+{
+    for (const qint64 seconds : {qint64{-1}, qint64{-86400} * 365 * 60, qint64{0}, qint64{86400} * 365 * 400}) {
+        const QString old = writeFile(m_folder.filePath("old.vrx"), vrxOf(0x07C0));
+        QFile file(old);
+        ASSERT_TRUE(file.open(QIODevice::ReadWrite));
+        ASSERT_TRUE(file.setFileTime(QDateTime::fromSecsSinceEpoch(seconds), QFileDevice::FileModificationTime));
+        file.close();
+        for (int i = 0; i < 3; ++i) {
+            restartLog();
+            EXPECT_EQ(requestThumbnail(old, QString()).reason, "") << seconds;
+            const bool fromCache = logMessages().size() == 2;
+            EXPECT_EQ(fromCache, seconds >= 0 && i > 0) << seconds << ", request " << i;
+        }
+        expectVictimUntouched();
+    }
+}
+
+} // namespace
+} // namespace zr::test
