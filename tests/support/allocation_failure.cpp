@@ -66,7 +66,8 @@ std::size_t firstSlot(const void* block)
 
 // What the program calls to get memory for its own strings, arrays, lists and pictures.
 constexpr const char* kAllocatingFunctions[] = {
-    "_ZN7QString", "_ZNK7QString", "_ZN10QByteArray", "_ZN9QArrayData", "_ZN9QListData", "_ZN9QHashData", "_ZN6QImageC",
+    "_ZN7QString",   "_ZNK7QString",  "_ZN10QByteArray", "_ZN9QArrayData",
+    "_ZN9QListData", "_ZN9QHashData", "_ZN6QImageC",     "_ZN9QtPrivate12argToQString",
 };
 constexpr int kMostFramesOfQt = 6;
 

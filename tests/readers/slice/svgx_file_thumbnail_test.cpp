@@ -272,6 +272,18 @@ INSTANTIATE_TEST_SUITE_P(
                  qRgb(0xb0, 0xa0, 0x90)}),
     [](const auto& test) { return std::string(test.param.name); });
 
+TEST_F(SvgxFileThumbnailTest, MissingPixelsWithAlphaAreBlack)
+{
+    QByteArray bmp = bmpOf({"", 108, 60, 60, 32, 3, {}, hex("302010ff").repeated(60 * 20)});
+    samples::putBytes(bmp, 14 + 40, hex("0000ff00 00ff0000 ff000000 000000ff"));
+    const QByteArray bytes = fileOf(bmp);
+    dirtyMemory();
+    const QImage result = picture(bytes);
+    EXPECT_EQ(result.pixel(0, 399), qRgb(0x10, 0x20, 0x30));
+    for (int i = 0; i < 400 * 200; ++i)
+        ASSERT_EQ(result.pixel(i % 400, i / 400), qRgb(0, 0, 0)) << i;
+}
+
 // Qt looks colours up without looking at the palette's length.
 TEST_F(SvgxFileThumbnailTest, ColoursBehindThePaletteAreBlack)
 {
