@@ -35,7 +35,7 @@ const QString& sourceFolder()
     static const QString path = [] {
         require(folder.isValid());
         qputenv("XDG_DATA_HOME", QFile::encodeName(folder.path()));
-        if (qEnvironmentVariableIsEmpty("DISPLAY"))
+        if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
             qputenv("QT_QPA_PLATFORM", "offscreen");
         // Otherwise the first request would fail.
         require(QDir().mkpath(thumbnailImageFolder()));
