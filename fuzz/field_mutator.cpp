@@ -30,7 +30,7 @@ public:
     // False when the input has no room for the field.
     bool changeField()
     {
-        std::size_t field = static_cast<std::size_t>(kFields[below(std::size(kFields))]);
+        auto field = static_cast<std::size_t>(kFields[below(std::size(kFields))]);
         if (field + 4 > m_size)
             return false;
         if (oneIn(2)) {

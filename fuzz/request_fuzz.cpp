@@ -1,6 +1,6 @@
 // A whole request: the input becomes a file whose suffix its last byte chooses, and the extractor makes and hands out
-// its thumbnail, with database, cached picture and log in a data folder of this process. Where there is no display,
-// models are read but not drawn.
+// its thumbnail, with database, cached picture and log in a data folder of this process. Models are read but not
+// drawn, unless QT_QPA_PLATFORM names a platform with OpenGL.
 
 #include "core/data_location.h"
 #include "core/reader_table.h"

@@ -114,7 +114,7 @@ TEST_P(NamesWithoutApostropheTest, AreRecordedAsTheyAre)
 {
     const QString name = QString::fromUtf8(GetParam());
     ThumbnailRecord record = recordOf(name);
-    for (const quint64 size : {1, 2}) {
+    for (const quint64 size : {1U, 2U}) {
         record.fileSize = size;
         ThumbnailDatabase database{QString()};
         EXPECT_TRUE(database.saveRecord(name, record));

@@ -131,7 +131,7 @@ const NameCase kNames[] = {
     {"CON.vrx"},
     {"a\nb.vrx"},
     {"a\r\x1b[2Jb.vrx"},
-    {"\xE2\x80\xAEgnp.vrx"},
+    {"\xE2\x80\xAEgnp.vrx"}, // NOLINT(misc-misleading-bidirectional): that is what the name is for
     {"\xF0\x9F\x96\xA8.vrx"},
     {"trailing .vrx"},
 };

@@ -35,6 +35,7 @@ void* counted(const CountedAllocation& allocation, void* block)
 } // namespace
 
 extern "C" {
+// NOLINTBEGIN(readability-inconsistent-declaration-parameter-name): the C library's names are reserved ones
 
 void* malloc(std::size_t bytes) noexcept
 {
@@ -62,4 +63,6 @@ void free(void* block) noexcept
     zr::test::removeLiveBlock(block);
     __libc_free(block);
 }
+
+// NOLINTEND(readability-inconsistent-declaration-parameter-name)
 }
