@@ -92,7 +92,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     static const QStringList suffixes = supportedSuffixes() << "txt";
     if (size == 0)
         return 0;
-    const QString suffix = suffixes.at(data[size - 1] % suffixes.size());
+    const QString& suffix = suffixes.at(data[size - 1] % suffixes.size());
     QByteArray input(reinterpret_cast<const char*>(data), static_cast<int>(size - 1));
     limitPictures(suffix, input);
 
