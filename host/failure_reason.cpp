@@ -37,9 +37,6 @@ constexpr Explanation kExplanations[] = {
     {"69  throw ", "the picture could not be saved in the cache"},
 };
 
-constexpr char kNeedsDisplay[] =
-    "OpenGL needs a display: run it in a graphical session, or as 'xvfb-run zrthumb ...' (package xvfb)";
-
 bool matches(const QString& message, QLatin1String pattern)
 {
     if (pattern.endsWith(QLatin1Char('*')))
@@ -90,7 +87,7 @@ QString failureReason(const QString& path, const QStringList& messages)
     if (!file.isFile())
         return QStringLiteral("it is not a regular file");
     if (mentionsMissingOpenGl(messages) && openGlLacksDisplay())
-        return QString::fromLatin1(kNeedsDisplay);
+        return QString::fromLatin1(kOpenGlNeedsDisplay);
     const QString sentence = explain(messages);
     if (!sentence.isEmpty())
         return sentence;

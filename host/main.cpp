@@ -1,5 +1,6 @@
 // zrthumb: makes thumbnails from the command line, by the same requests that the file browser makes.
 
+#include "host/check.h"
 #include "host/options.h"
 #include "host/platform.h"
 #include "host/run.h"
@@ -34,10 +35,11 @@ int main(int argc, char** argv)
         std::fputs(options.text.toLocal8Bit().constData(), stderr);
         return kWrongUsage;
     case zr::Options::Action::MakeThumbnails:
+    case zr::Options::Action::RunChecks:
         break;
     }
     if (qEnvironmentVariableIsEmpty("QT_LOGGING_RULES"))
         qInstallMessageHandler(dropWarnings);
     zr::chooseQtPlatform();
-    zr::leave(zr::makeThumbnails(options));
+    zr::leave(options.action == zr::Options::Action::RunChecks ? zr::runChecks() : zr::makeThumbnails(options));
 }

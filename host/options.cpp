@@ -21,7 +21,7 @@ struct CommandLine {
 #ifdef Q_OS_WIN
         parser.addOption(server);
 #endif
-        parser.addOptions({help, version});
+        parser.addOptions({check, help, version});
     }
 
     // The parser takes the program's name from the application object, which does not exist at this point.
@@ -41,6 +41,7 @@ struct CommandLine {
     const QCommandLineOption recursive{{"r", "recursive"}, "A FILE that is a folder stands for all files below it."};
     const QCommandLineOption quiet{{"q", "quiet"}, "Print nothing but failures."};
     const QCommandLineOption server{"dll", "Use the server in the DLL <PATH> without registration.", "PATH"};
+    const QCommandLineOption check{"check", "Tell why no thumbnails show: check the installation and this machine."};
     const QCommandLineOption help{{"h", "help"}, "Show this help."};
     const QCommandLineOption version{{"v", "version"}, "Show the version."};
 };
@@ -58,6 +59,15 @@ Options reject(const QString& reason)
     Options options;
     options.action = Options::Action::RejectUsage;
     options.text = QStringLiteral("zrthumb: %1\nTry 'zrthumb --help'.\n").arg(reason);
+    return options;
+}
+
+Options check(const CommandLine& line)
+{
+    if (line.parser.optionNames().size() > 1 || !line.parser.positionalArguments().isEmpty())
+        return reject(QStringLiteral("--check stands alone"));
+    Options options;
+    options.action = Options::Action::RunChecks;
     return options;
 }
 
@@ -90,6 +100,8 @@ Options parseOptions(const QStringList& arguments)
         return show(line.helpText());
     if (line.parser.isSet(line.version))
         return show(QStringLiteral("zrthumb " ZRTHUMB_VERSION "\n"));
+    if (line.parser.isSet(line.check))
+        return check(line);
 
     Options options;
     options.files = line.parser.positionalArguments();

@@ -8,7 +8,7 @@ namespace zr
 
 /// What the command line asks for.
 struct Options {
-    enum class Action { MakeThumbnails, ShowText, RejectUsage };
+    enum class Action { MakeThumbnails, RunChecks, ShowText, RejectUsage };
 
     Action action = Action::MakeThumbnails;
     QString text; ///< what to show: help or version on stdout, a usage error on stderr

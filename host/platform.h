@@ -12,6 +12,9 @@ QStringList commandLineArguments(int argc, char** argv);
 /// request.
 void chooseQtPlatform();
 
+/// Whether Qt's platform plug-in loads; one that does not would end the process as Qt starts.
+bool platformPluginLoads();
+
 /// Whether OpenGL lacks the display that it needs here.
 bool openGlLacksDisplay();
 

@@ -36,6 +36,12 @@ void chooseQtPlatform()
     qputenv("QT_QPA_PLATFORM", platforms.join(';'));
 }
 
+// Installed with Qt, and the list above ends with one that always does.
+bool platformPluginLoads()
+{
+    return true;
+}
+
 bool openGlLacksDisplay()
 {
     return QGuiApplication::platformName() == QLatin1String("offscreen");

@@ -1,5 +1,9 @@
 #include "host/platform.h"
 
+#include "shell/module_folder.h"
+
+#include <QDir>
+
 #include <cstdio>
 
 #include <io.h>
@@ -23,6 +27,12 @@ QStringList commandLineArguments(int, char**)
 }
 
 void chooseQtPlatform() {}
+
+bool platformPluginLoads()
+{
+    const QString path = QDir::toNativeSeparators(moduleFolder()) + QLatin1String("\\platforms\\qwindows.dll");
+    return LoadLibraryExW(reinterpret_cast<LPCWSTR>(path.utf16()), nullptr, LOAD_WITH_ALTERED_SEARCH_PATH);
+}
 
 bool openGlLacksDisplay()
 {

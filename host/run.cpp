@@ -1,5 +1,6 @@
 #include "host/run.h"
 
+#include "host/console.h"
 #include "host/contact_sheet.h"
 #include "host/file_list.h"
 #include "host/progress.h"
@@ -8,8 +9,6 @@
 #include <QFile>
 #include <QFileInfo>
 
-#include <cstdio>
-
 namespace zr
 {
 namespace
@@ -17,22 +16,6 @@ namespace
 
 constexpr int kAllSucceeded = 0;
 constexpr int kSomeFailed = 1;
-
-void printLine(std::FILE* stream, const QString& text)
-{
-    std::fputs((text + QLatin1Char('\n')).toLocal8Bit().constData(), stream);
-    std::fflush(stream);
-}
-
-// File names may hold line feeds and terminal control sequences.
-QString printable(QString text)
-{
-    for (QChar& character : text) {
-        if (!character.isPrint() && !character.isSurrogate())
-            character = QLatin1Char('?');
-    }
-    return text;
-}
 
 // False, with a line on stderr, when the picture cannot be written.
 bool savePicture(const QImage& picture, const QString& path)

@@ -59,8 +59,9 @@ ComPtr<IPersistFile> makeObject(const QString& serverPath)
     const HRESULT result =
         CoCreateInstance(kExtractorClassId, nullptr, CLSCTX_INPROC_SERVER, IID_PPV_ARGS(object.GetAddressOf()));
     if (result == REGDB_E_CLASSNOTREG)
-        throw failure(QStringLiteral("the thumbnail server is not registered: run 'regsvr32 ZRThumbnail.dll', or name "
-                                     "it with --dll"));
+        throw failure(
+            QStringLiteral("the thumbnail server is not registered: run the installer or register.cmd, or name "
+                           "it with --dll"));
     if (FAILED(result))
         throw failure(QStringLiteral("the registered thumbnail server does not start (error 0x%1)")
                           .arg(static_cast<quint32>(result), 8, 16, QLatin1Char('0')));

@@ -80,8 +80,17 @@ TEST(OptionsTest, HelpNamesEveryOption)
         const Options options = parse({form});
         EXPECT_EQ(options.action, Options::Action::ShowText);
         for (const char* part : {"Usage: zrthumb", "FILE...", "--output", "--size", "--sheet", "--recursive", "--quiet",
-                                 "--version", "--help"})
+                                 "--check", "--version", "--help"})
             EXPECT_TRUE(options.text.contains(part)) << part;
+    }
+}
+
+TEST(OptionsTest, ChecksStandAlone)
+{
+    EXPECT_EQ(parse({"--check"}).action, Options::Action::RunChecks);
+    for (const QStringList& more : {QStringList{"--check", "a.stl"}, QStringList{"-q", "--check"}}) {
+        EXPECT_EQ(parse(more).action, Options::Action::RejectUsage);
+        EXPECT_TRUE(parse(more).text.contains("--check stands alone"));
     }
 }
 

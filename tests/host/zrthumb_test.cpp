@@ -3,6 +3,7 @@
 #include "core/data_location.h"
 #include "tests/support/data_folder_fixture.h"
 #include "tests/support/files.h"
+#include "tests/support/program_run.h"
 #include "tests/support/qt_printers.h"
 #include "tools/samples/sample_files.h"
 #include "tools/samples/vrx_bytes.h"
@@ -20,17 +21,6 @@ namespace
 {
 
 constexpr int kTimeoutMs = 60000;
-
-struct Outcome {
-    int status = -1;
-    QStringList out;
-    QStringList err;
-};
-
-QStringList linesOf(const QByteArray& bytes)
-{
-    return QString::fromLocal8Bit(bytes).remove('\r').split('\n', Qt::SkipEmptyParts);
-}
 
 class ZrthumbTest : public DataFolderTest
 {
@@ -57,15 +47,9 @@ protected:
         return writeFile(path, bytes);
     }
 
-    Outcome run(const QStringList& arguments) const
+    ProgramRun run(const QStringList& arguments) const
     {
-        QProcess process;
-        process.setProcessEnvironment(m_environment);
-        process.setWorkingDirectory(m_folder.path());
-        process.start(QStringLiteral(ZRTHUMB_PROGRAM), arguments);
-        EXPECT_TRUE(process.waitForFinished(kTimeoutMs));
-        EXPECT_EQ(process.exitStatus(), QProcess::NormalExit);
-        return {process.exitCode(), linesOf(process.readAllStandardOutput()), linesOf(process.readAllStandardError())};
+        return runProgram(QStringLiteral(ZRTHUMB_PROGRAM), arguments, m_folder.path(), m_environment);
     }
 
     static QString png(const QString& name) { return thumbnailImageFolder() + name; }
@@ -76,7 +60,7 @@ protected:
 
 TEST_F(ZrthumbTest, PrintsTheCachedPngOfEachFileInAFreshProfile)
 {
-    const Outcome outcome = run({source("b.vrx"), source("a.vrxdlp")});
+    const ProgramRun outcome = run({source("b.vrx"), source("a.vrxdlp")});
     EXPECT_EQ(outcome.status, 0);
     EXPECT_EQ(outcome.out, QStringList({png("b.vrxvrx.png"), png("a.vrxdlpvrxdlp.png")}));
     EXPECT_EQ(outcome.err, QStringList());
@@ -101,7 +85,7 @@ TEST_F(ZrthumbTest, SecondRunIsACacheHit)
     moveTimeStamp(png("a.vrxvrx.png"), -1000);
     const auto before = QFileInfo(png("a.vrxvrx.png")).lastModified();
 
-    const Outcome outcome = run({path});
+    const ProgramRun outcome = run({path});
     EXPECT_EQ(outcome.status, 0);
     EXPECT_EQ(outcome.out, QStringList({png("a.vrxvrx.png")}));
     EXPECT_EQ(logMessages(), QStringList({"37 in 2 " + path, "61 app start", "63 app after"}));
@@ -134,7 +118,7 @@ TEST_F(ZrthumbTest, FailuresAreToldAndDoNotStopTheRun)
     const QString outOfMemoryReason = "unexpected error: std::bad_alloc";
 #endif
 
-    const Outcome outcome = run({"missing.vrx", shortFile, empty, other, outOfMemory, m_folder.path(), good});
+    const ProgramRun outcome = run({"missing.vrx", shortFile, empty, other, outOfMemory, m_folder.path(), good});
     EXPECT_EQ(outcome.status, 1);
     EXPECT_EQ(outcome.out, QStringList({png("good.vrxvrx.png")}));
     EXPECT_EQ(outcome.err,
@@ -164,14 +148,14 @@ TEST_F(ZrthumbTest, OutputIsThePictureThatWasHandedBack)
 
 TEST_F(ZrthumbTest, OutputThatCannotBeWrittenFails)
 {
-    const Outcome outcome = run({"-o", "no/such/folder/out.png", source("a.vrx")});
+    const ProgramRun outcome = run({"-o", "no/such/folder/out.png", source("a.vrx")});
     EXPECT_EQ(outcome.status, 1);
     EXPECT_EQ(outcome.err, QStringList({"zrthumb: no/such/folder/out.png: cannot be written"}));
 }
 
 TEST_F(ZrthumbTest, SheetShowsThePicturesOfTheRun)
 {
-    const Outcome outcome = run({"--sheet", "sheet.png", source("a.vrx"), source("b.vrx"), "missing"});
+    const ProgramRun outcome = run({"--sheet", "sheet.png", source("a.vrx"), source("b.vrx"), "missing"});
     EXPECT_EQ(outcome.status, 1);
     EXPECT_FALSE(QImage(m_folder.filePath("sheet.png")).isNull());
 }
@@ -180,7 +164,7 @@ TEST_F(ZrthumbTest, FolderStandsForTheSupportedFilesBelowIt)
 {
     for (const char* name : {"m/b.vrx", "m/a/z.VRXDLP", "m/a/c.vrx", "m/ignored.txt", "m/ignored.photon"})
         source(name);
-    const Outcome outcome = run({"-r", "m"});
+    const ProgramRun outcome = run({"-r", "m"});
     EXPECT_EQ(outcome.status, 0);
     EXPECT_EQ(outcome.out, QStringList({png("c.vrxvrx.png"), png("z.VRXDLPVRXDLP.png"), png("b.vrxvrx.png")}));
     EXPECT_EQ(outcome.err, QStringList());
@@ -188,7 +172,7 @@ TEST_F(ZrthumbTest, FolderStandsForTheSupportedFilesBelowIt)
 
 TEST_F(ZrthumbTest, QuietPrintsFailuresOnly)
 {
-    const Outcome outcome = run({"-q", source("a.vrx"), "missing"});
+    const ProgramRun outcome = run({"-q", source("a.vrx"), "missing"});
     EXPECT_EQ(outcome.status, 1);
     EXPECT_EQ(outcome.out, QStringList());
     EXPECT_EQ(outcome.err, QStringList({"zrthumb: missing: no thumbnail: no such file"}));
@@ -196,13 +180,13 @@ TEST_F(ZrthumbTest, QuietPrintsFailuresOnly)
 
 TEST_F(ZrthumbTest, ControlCharactersOfNamesStayOffTheTerminal)
 {
-    const Outcome outcome = run({"bad\x1b[31m\nname"});
+    const ProgramRun outcome = run({"bad\x1b[31m\nname"});
     EXPECT_EQ(outcome.err, QStringList({"zrthumb: bad?[31m?name: no thumbnail: no such file"}));
 }
 
 TEST_F(ZrthumbTest, WrongUsageEndsWithTwo)
 {
-    const Outcome outcome = run({"--nonsense"});
+    const ProgramRun outcome = run({"--nonsense"});
     EXPECT_EQ(outcome.status, 2);
     EXPECT_EQ(outcome.out, QStringList());
     EXPECT_FALSE(outcome.err.isEmpty());
@@ -221,7 +205,7 @@ TEST_F(ZrthumbTest, GarbageInPlaceOfTheCachedPngIsTold)
     const QString path = source("a.vrx");
     ASSERT_EQ(run({path}).status, 0);
     writeFile(png("a.vrxvrx.png"), "garbage");
-    const Outcome outcome = run({path});
+    const ProgramRun outcome = run({path});
     EXPECT_EQ(outcome.status, 1);
     EXPECT_EQ(outcome.err,
               QStringList({"zrthumb: " + path + ": no thumbnail: no picture came back; see " + defaultLogPath()}));
@@ -230,7 +214,7 @@ TEST_F(ZrthumbTest, GarbageInPlaceOfTheCachedPngIsTold)
 TEST_F(ZrthumbTest, UnusableDataFolderFailsEachFile)
 {
     writeFile(dataFolder(), "a file where the folder should be");
-    const Outcome outcome = run({source("a.vrx")});
+    const ProgramRun outcome = run({source("a.vrx")});
     EXPECT_EQ(outcome.status, 1);
     EXPECT_EQ(outcome.out, QStringList());
     EXPECT_EQ(outcome.err.size(), 1);
@@ -244,7 +228,7 @@ TEST_F(ZrthumbTest, SliceFilesNeedNoDisplay)
     m_environment.remove("WAYLAND_DISPLAY");
     for (const char* display : {"", ":97531"}) {
         m_environment.insert("DISPLAY", display);
-        const Outcome outcome = run({source("a.vrx")});
+        const ProgramRun outcome = run({source("a.vrx")});
         EXPECT_EQ(outcome.status, 0) << display;
         EXPECT_EQ(outcome.err, QStringList()) << display;
     }
@@ -260,7 +244,7 @@ TEST_F(ZrthumbTest, ModelsWithoutADisplaySayWhatTheyNeed)
         if (suffix != "stl" && suffix != "obj" && suffix != "slc")
             continue;
         const QString path = sourceOf(sample.name, sample.make());
-        const Outcome outcome = run({path});
+        const ProgramRun outcome = run({path});
         EXPECT_EQ(outcome.status, 1) << sample.name;
         EXPECT_EQ(outcome.err,
                   QStringList({"zrthumb: " + path +

@@ -1,0 +1,105 @@
+#include "host/check_handlers.h"
+
+#include "shell/windows/identifiers.h"
+
+#include <QStringList>
+
+#include <windows.h>
+
+#include <objbase.h>
+#include <shlwapi.h>
+
+namespace zr
+{
+namespace
+{
+
+// The file browser asks handlers of the newer kind first.
+constexpr const wchar_t* kHandlerKinds[] = {L"{e357fccd-a995-4576-b01f-234630154e96}",  // IThumbnailProvider
+                                            L"{BB2E617C-0920-11d1-9A0B-00C04FC2D6C1}"}; // IExtractImage
+
+constexpr DWORD kMaxText = 1024;
+
+LPCWSTR wide(const QString& text)
+{
+    return reinterpret_cast<LPCWSTR>(text.utf16());
+}
+
+// The class that the system finds for the suffix, by the user's choice of a program, the suffix's own key and whatever
+// else counts; empty when there is none.
+QString handlerOf(const wchar_t* suffix)
+{
+    for (const wchar_t* const kind : kHandlerKinds) {
+        wchar_t handler[kMaxText] = {};
+        DWORD length = kMaxText;
+        if (SUCCEEDED(AssocQueryStringW(ASSOCF_NONE, ASSOCSTR_SHELLEXTENSION, suffix, kind, handler, &length)))
+            return QString::fromWCharArray(handler);
+    }
+    return {};
+}
+
+QString classValue(const QString& classId, const wchar_t* subkey)
+{
+    wchar_t text[kMaxText] = {};
+    DWORD size = sizeof text;
+    const QString key = QStringLiteral("CLSID\\") + classId + QString::fromWCharArray(subkey);
+    RegGetValueW(HKEY_CLASSES_ROOT, wide(key), nullptr, RRF_RT_REG_SZ, nullptr, text, &size);
+    return QString::fromWCharArray(text);
+}
+
+// All that the registry tells of another program's handler.
+QString describe(const QString& classId)
+{
+    QStringList parts = {classId, classValue(classId, L""), classValue(classId, L"\\InprocServer32")};
+    parts.removeAll(QString());
+    return parts.join(QLatin1String(", "));
+}
+
+Finding checkSuffix(const wchar_t* suffix)
+{
+    const QString what = QString::fromWCharArray(suffix);
+    const QString handler = handlerOf(suffix);
+    if (handler.isEmpty())
+        return {false, what, QStringLiteral("no program makes thumbnails")};
+    if (handler.compare(classIdText(kExtractorClassId), Qt::CaseInsensitive) != 0)
+        return {false, what, QStringLiteral("another program makes the thumbnails: ") + describe(handler)};
+    return {true, what, QStringLiteral("ZRThumbnail makes the thumbnails")};
+}
+
+bool isSet(const wchar_t* key, const wchar_t* name)
+{
+    DWORD value = 0;
+    DWORD size = sizeof value;
+    RegGetValueW(HKEY_CURRENT_USER, key, name, RRF_RT_REG_DWORD, nullptr, &value, &size);
+    return value != 0;
+}
+
+Finding checkFileBrowser()
+{
+    const QString what = QStringLiteral("file browser");
+    if (isSet(L"Software\\Microsoft\\Windows\\CurrentVersion\\Explorer\\Advanced", L"IconsOnly"))
+        return {false, what,
+                QStringLiteral("its option 'Always show icons, never thumbnails' is on: no program's thumbnails show")};
+    if (isSet(L"Software\\Microsoft\\Windows\\CurrentVersion\\Policies\\Explorer", L"DisableThumbnails"))
+        return {false, what, QStringLiteral("the policy 'DisableThumbnails' turns all thumbnails off")};
+    return {true, what, QStringLiteral("shows thumbnails")};
+}
+
+} // namespace
+
+QString classIdText(const GUID& id)
+{
+    wchar_t text[40] = {};
+    StringFromGUID2(id, text, sizeof text / sizeof *text);
+    return QString::fromWCharArray(text);
+}
+
+Findings checkHandlers()
+{
+    Findings findings = {checkFileBrowser()};
+    for (const wchar_t* const suffix : kRegisteredSuffixes)
+        findings += checkSuffix(suffix);
+    return findings;
+}
+
+} // namespace zr

@@ -1,0 +1,108 @@
+#include "host/check_installation.h"
+
+#include "host/check_handlers.h"
+#include "shell/module_folder.h"
+#include "shell/windows/identifiers.h"
+
+#include <QDir>
+#include <QFileInfo>
+#include <QStringList>
+
+#include <windows.h>
+
+#include <shobjidl.h>
+#include <wrl/client.h>
+
+namespace zr
+{
+namespace
+{
+
+const QString kClass = QStringLiteral("class");
+const QString kServer = QStringLiteral("server");
+const QString kRegisterAnew =
+    QStringLiteral("run the installer again, or register.cmd in the folder of ZRThumbnail.dll");
+
+constexpr std::size_t kMaxRegisteredPath = 1024;
+
+// What the server needs beside its DLL, the compiler's runtime first, since the others need it.
+constexpr const char* kLibraries[] = {"libgcc_s_seh-1.dll", "libwinpthread-1.dll", "libstdc++-6.dll", "Qt5Core.dll",
+                                      "Qt5Gui.dll",         "Qt5Sql.dll",          "Qt5Widgets.dll"};
+constexpr const char* kPlugins[] = {"platforms/qwindows.dll", "sqldrivers/qsqlite.dll"};
+
+// Why the file cannot be loaded, empty when it can. Its own libraries are looked for beside it, as COM does it.
+QString loadFault(const QString& path)
+{
+    if (!QFileInfo(path).isFile())
+        return QStringLiteral("%1 is missing").arg(path);
+    const QString native = QDir::toNativeSeparators(path);
+    if (LoadLibraryExW(reinterpret_cast<LPCWSTR>(native.utf16()), nullptr, LOAD_WITH_ALTERED_SEARCH_PATH))
+        return {};
+    return QStringLiteral("%1 does not load (error %2)").arg(path).arg(GetLastError());
+}
+
+template <std::size_t count>
+Finding checkFiles(const QString& what, const QString& folder, const char* const (&names)[count])
+{
+    for (const char* const name : names) {
+        const QString fault = loadFault(folder + QLatin1Char('/') + QLatin1String(name));
+        if (!fault.isEmpty())
+            return {false, what, fault};
+    }
+    return {true, what, QStringLiteral("all in %1 load").arg(folder)};
+}
+
+// Where the registry says that the class's DLL is; empty when it says nothing.
+QString registeredPath()
+{
+    wchar_t path[kMaxRegisteredPath] = {};
+    DWORD size = sizeof path;
+    const QString key = QStringLiteral("CLSID\\%1\\InprocServer32").arg(classIdText(kExtractorClassId));
+    RegGetValueW(HKEY_CLASSES_ROOT, reinterpret_cast<LPCWSTR>(key.utf16()), nullptr, RRF_RT_REG_SZ, nullptr, path,
+                 &size);
+    return QDir::fromNativeSeparators(QString::fromWCharArray(path));
+}
+
+Finding checkClass(const QString& path)
+{
+    if (path.isEmpty())
+        return {false, kClass, QStringLiteral("not registered: ") + kRegisterAnew};
+    return {true, kClass, QStringLiteral("registered, %1").arg(classIdText(kExtractorClassId))};
+}
+
+// Made and released, as the file browser's first step. Nothing of Qt starts by that.
+Finding checkServer(const QString& path)
+{
+    if (!QFileInfo(path).isFile())
+        return {false, kServer, QStringLiteral("%1 is not there: %2").arg(path, kRegisterAnew)};
+    const QString fault = loadFault(path);
+    if (!fault.isEmpty())
+        return {false, kServer, fault};
+    CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED);
+    Microsoft::WRL::ComPtr<IPersistFile> object;
+    const HRESULT result =
+        CoCreateInstance(kExtractorClassId, nullptr, CLSCTX_INPROC_SERVER, IID_PPV_ARGS(object.GetAddressOf()));
+    if (FAILED(result))
+        return {false, kServer,
+                QStringLiteral("%1 makes no object (error 0x%2)")
+                    .arg(path)
+                    .arg(static_cast<quint32>(result), 8, 16, QLatin1Char('0'))};
+    return {true, kServer, path};
+}
+
+} // namespace
+
+Findings checkInstallation()
+{
+    const QString path = registeredPath();
+    Findings findings = {checkClass(path)};
+    const bool isThere = QFileInfo(path).isFile();
+    const QString folder = isThere ? QFileInfo(path).path() : moduleFolder();
+    findings += checkFiles(QStringLiteral("libraries"), folder, kLibraries);
+    findings += checkFiles(QStringLiteral("plug-ins"), folder, kPlugins);
+    if (!path.isEmpty())
+        findings += checkServer(path);
+    return findings + checkHandlers();
+}
+
+} // namespace zr
