@@ -2,6 +2,8 @@
 
 #include <QFileInfo>
 
+#include <string>
+
 #include <windows.h>
 
 namespace zr
@@ -9,8 +11,9 @@ namespace zr
 namespace
 {
 
-// The length that the server has always used: longer paths give no plug-in folder.
-constexpr DWORD kModulePathBytes = 256;
+// The length that the server has always used.
+constexpr DWORD kNarrowPathBytes = 256;
+constexpr DWORD kMaxPathLength = 32768;
 
 // The module that holds this function, whichever program loaded it.
 HMODULE thisModule()
@@ -21,13 +24,28 @@ HMODULE thisModule()
     return module;
 }
 
+QString narrowPath()
+{
+    char path[kNarrowPathBytes + 1] = {};
+    GetModuleFileNameA(thisModule(), path, kNarrowPathBytes);
+    return QString::fromLocal8Bit(path);
+}
+
+QString widePath()
+{
+    std::wstring path(kMaxPathLength, L'\0');
+    path.resize(GetModuleFileNameW(thisModule(), path.data(), kMaxPathLength));
+    return QString::fromStdWString(path);
+}
+
 } // namespace
 
+// The short form in the code page is what Qt's library paths have always been given. It leads nowhere when the path is
+// longer or has letters of other languages.
 QString moduleFolder()
 {
-    char path[kModulePathBytes + 1] = {};
-    GetModuleFileNameA(thisModule(), path, kModulePathBytes);
-    return QFileInfo(QString::fromLocal8Bit(path)).path();
+    const QFileInfo narrow(narrowPath());
+    return narrow.isFile() ? narrow.path() : QFileInfo(widePath()).path();
 }
 
 } // namespace zr

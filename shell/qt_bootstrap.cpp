@@ -17,9 +17,11 @@ constexpr int kLineApplicationStarted = 61;
 constexpr int kLineApplicationReady = 63;
 
 // The application object is never destroyed: its destructor would run while the process unloads its modules, where
-// it hangs or crashes the host.
+// it hangs or crashes the host. Qt's cache of compiled shaders, a folder of its own in the user's profile, is turned
+// off: it gains no time with shaders as small as ours, and uninstalling would leave it behind.
 void makeApplication()
 {
+    QCoreApplication::setAttribute(Qt::AA_DisableShaderDiskCache);
     static int argc = 1;
     static char name[] = "platformplugin";
     static char* argv[] = {name, nullptr};
