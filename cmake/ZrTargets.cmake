@@ -21,6 +21,12 @@ if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
     target_compile_options(zr_options INTERFACE -Wno-null-dereference)
 endif()
 
+if(WIN32)
+    # Equal sources give equal files: neither the build's place nor its time gets into them.
+    target_compile_options(zr_options INTERFACE "-ffile-prefix-map=${PROJECT_SOURCE_DIR}=.")
+    target_link_options(zr_options INTERFACE -Wl,--no-insert-timestamp)
+endif()
+
 if(ZRTHUMB_SANITIZE)
     target_compile_options(zr_options INTERFACE
         -fsanitize=${ZRTHUMB_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)

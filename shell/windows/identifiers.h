@@ -8,4 +8,8 @@ namespace zr
 /// The class that the server offers; also in the registry script and the type library.
 constexpr GUID kExtractorClassId = {0xE45A903D, 0x53AE, 0x4A14, {0x90, 0x6E, 0x02, 0x60, 0xD1, 0x3F, 0xF7, 0x7F}};
 
+/// The suffixes for whose files the server is registered; also in the registry script.
+constexpr const wchar_t* kRegisteredSuffixes[] = {L".stl",    L".slc",     L".vrxdlp", L".vrx",      L".fdg", L".gf",
+                                                  L".photon", L".photons", L".svgx",   L".kestravo", L".obj"};
+
 } // namespace zr
