@@ -1,0 +1,2 @@
+@rem Takes back what register.cmd does.
+@"%~dp0register.cmd" /u %*
