@@ -3,6 +3,9 @@
 
 set(ZRTHUMB_WINE_PREFIX "${CMAKE_BINARY_DIR}/wine-prefix")
 
+# Where the test native_pictures puts the pictures of the Linux host.
+set(native_pictures "${CMAKE_BINARY_DIR}/native-pictures")
+
 # zr_use_server(TEST): the test runs in that prefix and finds the DLL's path in its environment.
 function(zr_use_server test)
     add_dependencies(${test} ZRThumbnail)

@@ -72,8 +72,9 @@ TEST_F(ZrthumbServerTest, MissingServerIsToldForEachFile)
 
     Outcome outcome = run({path});
     EXPECT_EQ(outcome.status, 1);
-    EXPECT_EQ(outcome.err, prefix + "the thumbnail server is not registered: run 'regsvr32 ZRThumbnail.dll', or name "
-                                    "it with --dll\n");
+    EXPECT_EQ(outcome.err, prefix +
+                               "the thumbnail server is not registered: run the installer or register.cmd, or name "
+                               "it with --dll\n");
     outcome = run({"--dll", "no.dll", path});
     EXPECT_EQ(outcome.status, 1);
     EXPECT_EQ(outcome.err, prefix + "the DLL " + noFile + " cannot be loaded\n");

@@ -1,0 +1,20 @@
+#!/usr/bin/env bash
+# make_tested_packages.sh BUILD QT VERSION OUTPUT: makes the packages of BUILD in the folder OUTPUT, unpacks the zip there
+# and makes the installer of an older version, whose files all differ and whose server still works.
+set -euo pipefail
+build=$(realpath "$1") qt=$(realpath "$2") version=$3 output=$(realpath -m "$4")
+top=$(cd "$(dirname "${BASH_SOURCE[0]}")/../.." && pwd)
+
+"$top/packaging/make-packages" "$build" "$qt" "$version" "$output"
+(cd "$output" && sha256sum --quiet --check SHA256SUMS)
+mkdir "$output/unpacked"
+(cd "$output/unpacked" && cmake -E tar xf "$output/ZRThumbnail-$version-windows.zip")
+
+older=$(mktemp -d)
+trap 'rm -rf "$older"' EXIT
+cp -R "$output/payload/." "$older/"
+# What follows the last section of a DLL is not loaded.
+find "$older" -type f -exec sh -c 'for file; do echo older >>"$file"; done' sh {} +
+mkdir "$older/older"
+echo "what this version had and the next one has not" >"$older/older/only.txt"
+SOURCE_DATE_EPOCH=$(stat -c %Y "$output/payload") "$top/packaging/make-setup" "$older" 0.9.0.0 "$output/older-setup.exe"

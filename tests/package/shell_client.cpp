@@ -1,0 +1,134 @@
+// shell-client FOLDER: plays the file browser. For each path on stdin, one per line in UTF-8, it asks the path's folder
+// for the thumbnail, writes it to FOLDER\NAME.bgra (width and height as 32-bit numbers, then the pixels) and prints
+// "NAME WIDTHxHEIGHT SERVER", or "NAME none SERVER", SERVER being the path of the server's DLL in this process. It ends
+// with its input; until then it holds the server, as a file browser does. It has nothing of Qt or of the compiler's
+// runtime of its own, so all that the server needs comes from where the server is.
+
+#include <fstream>
+#include <iostream>
+#include <string>
+#include <vector>
+
+#include <windows.h>
+
+#include <shlobj.h>
+#include <wrl/client.h>
+
+namespace
+{
+
+using Microsoft::WRL::ComPtr;
+
+std::wstring wide(const std::string& text)
+{
+    std::wstring result(text.size(), L'\0');
+    const int length = MultiByteToWideChar(CP_UTF8, 0, text.data(), static_cast<int>(text.size()), result.data(),
+                                           static_cast<int>(result.size()));
+    result.resize(static_cast<std::size_t>(length));
+    return result;
+}
+
+std::string narrow(const std::wstring& text)
+{
+    std::string result(text.size() * 3, '\0');
+    const int length = WideCharToMultiByte(CP_UTF8, 0, text.data(), static_cast<int>(text.size()), result.data(),
+                                           static_cast<int>(result.size()), nullptr, nullptr);
+    result.resize(static_cast<std::size_t>(length));
+    return result;
+}
+
+HBITMAP thumbnailOf(const std::wstring& path)
+{
+    PIDLIST_ABSOLUTE item = nullptr;
+    if (FAILED(SHParseDisplayName(path.c_str(), nullptr, &item, 0, nullptr)))
+        return nullptr;
+    ComPtr<IShellFolder> folder;
+    PCUITEMID_CHILD child = nullptr;
+    ComPtr<IExtractImage> extractor;
+    if (SUCCEEDED(SHBindToParent(item, IID_PPV_ARGS(folder.GetAddressOf()), &child)))
+        folder->GetUIObjectOf(nullptr, 1, &child, __uuidof(IExtractImage), nullptr,
+                              reinterpret_cast<void**>(extractor.GetAddressOf()));
+    CoTaskMemFree(item);
+    wchar_t location[MAX_PATH] = {};
+    DWORD priority = 0;
+    const SIZE size = {256, 256};
+    DWORD flags = IEIFLAG_SCREEN;
+    HBITMAP bitmap = nullptr;
+    if (extractor && SUCCEEDED(extractor->GetLocation(location, MAX_PATH, &priority, &size, 32, &flags)))
+        extractor->Extract(&bitmap);
+    return bitmap;
+}
+
+struct Picture {
+    LONG width = 0;
+    LONG height = 0;
+    std::vector<char> pixels;
+};
+
+Picture takePixels(HBITMAP bitmap)
+{
+    BITMAP description = {};
+    GetObjectW(bitmap, sizeof description, &description);
+    Picture picture = {description.bmWidth, description.bmHeight, {}};
+    picture.pixels.resize(static_cast<std::size_t>(picture.width) * static_cast<std::size_t>(picture.height) * 4);
+    BITMAPINFO wanted = {};
+    wanted.bmiHeader.biSize = sizeof wanted.bmiHeader;
+    wanted.bmiHeader.biWidth = picture.width;
+    wanted.bmiHeader.biHeight = -picture.height;
+    wanted.bmiHeader.biPlanes = 1;
+    wanted.bmiHeader.biBitCount = 32;
+    auto* const screen = GetDC(nullptr);
+    GetDIBits(screen, bitmap, 0, static_cast<UINT>(picture.height), picture.pixels.data(), &wanted, DIB_RGB_COLORS);
+    ReleaseDC(nullptr, screen);
+    DeleteObject(bitmap);
+    return picture;
+}
+
+void write(const Picture& picture, const std::string& path)
+{
+    std::ofstream file(path, std::ios::binary);
+    file.write(reinterpret_cast<const char*>(&picture.width), sizeof picture.width);
+    file.write(reinterpret_cast<const char*>(&picture.height), sizeof picture.height);
+    file.write(picture.pixels.data(), static_cast<std::streamsize>(picture.pixels.size()));
+}
+
+std::string serverPath()
+{
+    std::vector<wchar_t> path(32768);
+    auto* const server = GetModuleHandleW(L"ZRThumbnail.dll");
+    if (server)
+        GetModuleFileNameW(server, path.data(), static_cast<DWORD>(path.size()));
+    return narrow(path.data());
+}
+
+void serve(const std::string& folder, const std::string& path)
+{
+    const std::string name = path.substr(path.find_last_of("\\/") + 1);
+    auto* bitmap = thumbnailOf(wide(path));
+    // A new user's first request does no more than make the data folder; file browsers ask again.
+    if (!bitmap)
+        bitmap = thumbnailOf(wide(path));
+    std::cout << name << ' ';
+    if (bitmap) {
+        const Picture picture = takePixels(bitmap);
+        write(picture, folder + '\\' + name + ".bgra");
+        std::cout << picture.width << 'x' << picture.height;
+    } else {
+        std::cout << "none";
+    }
+    std::cout << ' ' << serverPath() << std::endl;
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    if (argc != 2 || FAILED(CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED)))
+        return 2;
+    for (std::string path; std::getline(std::cin, path);) {
+        if (!path.empty() && path.back() == '\r')
+            path.pop_back();
+        serve(argv[1], path);
+    }
+    return 0;
+}
