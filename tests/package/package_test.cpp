@@ -162,7 +162,14 @@ int PackageTest::install(const QString& setup, const QStringList& arguments)
 void PackageTest::uninstall(const QStringList& arguments, bool inUse)
 {
     EXPECT_EQ(run(kInstallFolder + "/uninstall.exe", QStringList("/S") + arguments).status, 0);
-    // The uninstaller goes on from a copy of itself, so that it can remove itself.
+    // The uninstaller goes on from a copy of itself, so that it can remove itself. The copy can be deleted when it has
+    // ended.
+    EXPECT_TRUE(waitUntil([] {
+        bool hasEnded = true;
+        for (const QString& path : filesBelow(QDir::tempPath()).filter(QRegularExpression("/~nsu.*\\.exe$")))
+            hasEnded &= QFile::remove(path);
+        return hasEnded;
+    }));
     EXPECT_TRUE(waitUntil([inUse] {
         return inUse ? filesBelow(kInstallFolder).filter("/retired").size() == filesBelow(kInstallFolder).size() &&
                            !keyExists(HKEY_LOCAL_MACHINE, kUninstallKey)
