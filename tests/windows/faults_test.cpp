@@ -5,6 +5,7 @@
 #include "tests/support/qt_printers.h"
 #include "tests/windows/server_test.h"
 
+#include <QDateTime>
 #include <QDir>
 #include <QFileInfo>
 #include <QProcess>
@@ -33,6 +34,14 @@ public:
     ~OpenFile() { CloseHandle(m_handle); }
     OpenFile(const OpenFile&) = delete;
     OpenFile& operator=(const OpenFile&) = delete;
+
+    // Of the file, whatever its name.
+    quint64 identity() const
+    {
+        BY_HANDLE_FILE_INFORMATION information = {};
+        EXPECT_TRUE(GetFileInformationByHandle(m_handle, &information));
+        return quint64{information.nFileIndexHigh} << 32U | information.nFileIndexLow;
+    }
 
 private:
     HANDLE m_handle;
@@ -64,6 +73,13 @@ protected:
 
     // The next request has to make the picture anew.
     void changeSource() const { moveTimeStamp(m_source, 1000); }
+
+    // The same, in place of a picture with other contents.
+    void changeSourceAndPicture() const
+    {
+        changeSource();
+        writeFile(png(), "an older picture");
+    }
 
     static QString png() { return thumbnailImageFolder() + "a.vrxvrx.png"; }
 
@@ -110,7 +126,7 @@ TEST_F(FaultsTest, PngThatNobodyElseMayOpenIsKeptAndTheFailureTold)
 // As the library's own readers open it. A file that is being read cannot be replaced.
 TEST_F(FaultsTest, PngThatSomebodyReadsForLongIsOverwritten)
 {
-    changeSource();
+    changeSourceAndPicture();
     const OpenFile reader(png(), kReadersAndWriters);
     EXPECT_EQ(request(m_source), m_picture);
     EXPECT_EQ(QDir(thumbnailImageFolder()).entryList({".*"}, QDir::Files | QDir::Hidden), QStringList());
@@ -118,7 +134,7 @@ TEST_F(FaultsTest, PngThatSomebodyReadsForLongIsOverwritten)
 
 TEST_F(FaultsTest, PngThatSomebodyReadsForAMomentIsReplaced)
 {
-    changeSource();
+    changeSourceAndPicture();
     auto reader = std::make_unique<OpenFile>(png(), kReadersAndWriters);
     std::thread leaving([&reader] {
         std::this_thread::sleep_for(std::chrono::milliseconds(60));
@@ -126,6 +142,22 @@ TEST_F(FaultsTest, PngThatSomebodyReadsForAMomentIsReplaced)
     });
     EXPECT_EQ(request(m_source), m_picture);
     leaving.join();
+}
+
+// Another process may be about to hand it out.
+TEST_F(FaultsTest, PngOfTheSameContentsStaysWhereItIs)
+{
+    changeSource();
+    const auto fileOf = [](const QString& path) {
+        const OpenFile file(path, kReadersAndWriters);
+        return file.identity();
+    };
+    const auto before = fileOf(png());
+    moveTimeStamp(png(), -1000);
+    EXPECT_EQ(request(m_source), m_picture);
+    EXPECT_EQ(fileOf(png()), before);
+    EXPECT_LT(QFileInfo(png()).lastModified().secsTo(QDateTime::currentDateTime()), 500);
+    EXPECT_EQ(QDir(thumbnailImageFolder()).entryList({".*"}, QDir::Files | QDir::Hidden), QStringList());
 }
 
 TEST_F(FaultsTest, ProcessesSideBySideLeaveWholeLinesAndEveryRow)
