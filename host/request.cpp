@@ -46,11 +46,6 @@ RequestResult requestOnce(const QString& path, const QString& serverPath)
     return result;
 }
 
-} // namespace
-
-namespace
-{
-
 // A user's very first request fails, since it comes before the data folder.
 RequestResult requestUpToTwice(const QString& path, const QString& serverPath)
 {
