@@ -54,8 +54,11 @@ qint64 kernelTick()
 
 } // namespace
 
+// A few microseconds of work; the figures change once a tick.
+const int kTrianglesPerMemoryQuery = 64;
+
 // The kernel gathers these figures from its processors less often than once a tick, so that a second query within
-// one tick tells nothing new; it would make a loader that asks for every triangle ten times slower.
+// one tick tells nothing new; it would make the text loaders several times slower.
 MemoryFigures systemMemory()
 {
     thread_local qint64 tickOfFigures = -1;

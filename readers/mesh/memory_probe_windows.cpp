@@ -5,6 +5,8 @@
 namespace zr
 {
 
+const int kTrianglesPerMemoryQuery = 1;
+
 MemoryFigures systemMemory()
 {
     MEMORYSTATUSEX status{};

@@ -114,6 +114,7 @@ void ObjMesh::parse(QFile& file)
     const int trianglesPerChunk = m_positionsOnly ? kTrianglesPerChunk : kTrianglesPerChunkWithNormals;
     ChunkWriter writer(m_chunks, floatsPerTriangle(), trianglesPerChunk, fileBytes);
     PositionList positions(fileBytes);
+    MemoryWatch memory(*this);
     Bounds bounds;
     ObjLine content{};
     TextBlocks blocks(file);
@@ -134,7 +135,7 @@ void ObjMesh::parse(QFile& file)
                 writeBareTriangle(writer.next(position), a, b, c);
             else
                 writeTriangle(writer.next(position), a, b, c);
-            if (memoryIsShort())
+            if (memory.memoryIsShort())
                 throwKey(kLineMemOut, "memOut");
         }
     }

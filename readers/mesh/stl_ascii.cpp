@@ -102,6 +102,7 @@ void StlMesh::parseAscii(QFile& file)
     file.seek(0);
 
     ChunkWriter writer(m_chunks, floatsPerTriangle(), kTrianglesPerChunkWithNormals, fileBytes);
+    MemoryWatch memory(*this);
     Bounds bounds;
     std::array<Point, 3> corners{};
     std::size_t corner = 0;
@@ -124,7 +125,7 @@ void StlMesh::parseAscii(QFile& file)
             bounds.include(b);
             bounds.include(c);
             writeTriangle(writer.next(blocks.position() + (line - blocks.begin())), a, b, c);
-            if (memoryIsShort())
+            if (memory.memoryIsShort())
                 throwKey(kLineMemOut, "memOut");
         }
     }

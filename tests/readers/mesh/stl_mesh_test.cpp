@@ -210,7 +210,8 @@ TEST_F(StlMeshTest, AsciiFailuresLeaveTheirLineAndNoChunk)
     const QByteArray large = two + QByteArray(1000 - two.size(), ' ');
     expectFailure(large, memoryFor999Bytes, {"190  throw "});
     expectFailure(two, shortMemory, {"290  throw "});
-    expectFailure(two, memoryShortAtQuery(3), {"290  throw "});
+    const std::vector<Triangle> more(kTrianglesPerMemoryQuery + 1, cornerAt(1));
+    expectFailure(asciiStl(more), memoryShortAtQuery(3), {"290  throw "});
     EXPECT_EQ(memoryQueries(), 3);
     expectFailure(asciiStl({{{{1, 2, 3}, {1, 2, 3}, {1, 2, 3}}}}), muchMemory, {"320  throw "});
     expectFailure(asciiStl({{{{0, 0, 0}, {10000.001F, 0, 0}, {0, 1, 0}}}}), muchMemory, {"320  throw "});
@@ -232,11 +233,11 @@ TEST_F(StlMeshTest, BinaryFileSizeIsNotComparedWithTheMemory)
     EXPECT_TRUE(StlMesh(false, memoryFor999Bytes).parse(source.file()));
 }
 
-TEST_F(StlMeshTest, MemoryIsAskedForEachAsciiTriangle)
+TEST_F(StlMeshTest, MemoryIsAskedFromTheFirstAsciiTriangleOn)
 {
-    SourceFile source(asciiStl(std::vector<Triangle>(50, cornerAt(1))));
+    SourceFile source(asciiStl(std::vector<Triangle>(10 * kTrianglesPerMemoryQuery + 1, cornerAt(1))));
     EXPECT_TRUE(StlMesh(false, memoryShortAtQuery(1000)).parse(source.file()));
-    EXPECT_EQ(memoryQueries(), 51);
+    EXPECT_EQ(memoryQueries(), 1 + 11);
 }
 
 TEST_F(StlMeshTest, FilesWithoutTrianglesGiveAnEmptyMesh)
