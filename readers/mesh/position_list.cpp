@@ -1,5 +1,7 @@
 #include "readers/mesh/position_list.h"
 
+#include "readers/mesh/memory_probe.h"
+
 namespace zr
 {
 namespace
@@ -20,6 +22,7 @@ void PositionList::makeRoom(qint64 filePosition)
         const auto count = static_cast<double>(m_count);
         m_floats.reserve(
             std::max(floats, 3 * static_cast<std::size_t>(m_estimate.capacityFor(count, count, filePosition))));
+        expectSequentialFill(m_floats.data(), m_floats.capacity() * sizeof(float));
     }
     m_floats.resize(floats);
 }
