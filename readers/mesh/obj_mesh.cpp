@@ -18,14 +18,12 @@ constexpr int kLineFileTooLarge = 23;
 constexpr int kLineMemOut = 123;
 constexpr int kLineSizeErr = 143;
 
-using FaceIndices = std::array<qint32, 3>;
-
 enum class LineKind { Other, Vertex, Face };
 
 /// What a line of the file says.
 struct ObjLine {
     Vec4 point;
-    FaceIndices face;
+    Indices face;
 };
 
 const char* lineAfter(const char* text, const char* end)
@@ -45,36 +43,25 @@ LineKind readAnyLine(const char* begin, const char* end, ObjLine& result)
         return LineKind::Vertex;
     }
     if (isKeyword(tokens[0], "f")) {
-        result.face = {toIndex(tokens[1]), toIndex(tokens[2]), toIndex(tokens[3])};
+        result.face = {toIndex(tokens[1]), toIndex(tokens[2]), toIndex(tokens[3]), 0};
         return LineKind::Face;
     }
     return LineKind::Other;
-}
-
-// Reads what stands behind "v" in plain notation; the end of the last number, or null.
-const char* readPlainVertex(const char* text, Vec4& point)
-{
-    std::array<float, 3> numbers{};
-    text = readPlainPoint(text, numbers.data());
-    point = Vec4{numbers[0], numbers[1], numbers[2], 0.0F};
-    return text;
 }
 
 // Reads the line at `line` and moves on to the next one.
 LineKind takeLine(const char*& line, const char* end, ObjLine& result)
 {
     const char* const begin = line;
-    const char* text = begin;
-    while (plain::isBlank(*text))
-        ++text;
+    const char* const text = plain::skipBlanks(begin);
     const char* behind = nullptr;
     LineKind kind = LineKind::Other;
     if (plain::isBlank(text[1])) {
         if (*text == 'v' || *text == 'V') {
-            behind = readPlainVertex(text + 1, result.point);
+            behind = readPlainPoint(text + 1, result.point);
             kind = LineKind::Vertex;
         } else if (*text == 'f' || *text == 'F') {
-            behind = readPlainIndices(text + 1, result.face.data());
+            behind = readPlainIndices(text + 1, result.face);
             kind = LineKind::Face;
         }
     }
@@ -129,7 +116,7 @@ void ObjMesh::parse(QFile& file)
                 positions.append(content.point, position);
                 continue;
             }
-            const FaceIndices& face = content.face;
+            const Indices& face = content.face;
             const Vec4 a = positions.at(face[0]), b = positions.at(face[1]), c = positions.at(face[2]);
             if (m_positionsOnly)
                 writeBareTriangle(writer.next(position), a, b, c);

@@ -54,31 +54,24 @@ bool startsWithVertex(const char* text)
 }
 
 // The vertex in a line of any form; false when the line has none.
-bool readVertexLine(const char* begin, const char* end, Point& vertex)
+bool readVertexLine(const char* begin, const char* end, Vec4& vertex)
 {
     const LineTokens line = splitLine(begin, end);
     if (line.count < kMostTokens || !isKeyword(line.tokens[0], "vertex"))
         return false;
-    vertex = {toFloat(line.tokens[1]), toFloat(line.tokens[2]), toFloat(line.tokens[3])};
+    vertex = Vec4{toFloat(line.tokens[1]), toFloat(line.tokens[2]), toFloat(line.tokens[3]), 0.0F};
     return true;
 }
 
-Vec4 toVec4(const Point& point)
-{
-    return Vec4{point[0], point[1], point[2], 0.0F};
-}
-
 // Takes the line at `line` and moves on to the next one. Whether the line was a vertex.
-bool takeLine(const char*& line, const char* end, Point& vertex)
+bool takeLine(const char*& line, const char* end, Vec4& vertex)
 {
     const char* const begin = line;
-    const char* text = begin;
-    while (plain::isBlank(*text))
-        ++text;
+    const char* const text = plain::skipBlanks(begin);
     // A byte order mark may stand before a keyword; any other first byte of a vertex line is a V.
     const bool mayBeVertex = *text == 'v' || *text == 'V' || *text == '\xEF';
     if (mayBeVertex && startsWithVertex(text)) {
-        if (const char* const behind = readPlainPoint(text + 7, vertex.data())) {
+        if (const char* const behind = readPlainPoint(text + 7, vertex)) {
             line = *behind == '\n' ? behind + 1 : lineAfter(behind, end);
             return true;
         }
@@ -104,7 +97,7 @@ void StlMesh::parseAscii(QFile& file)
     ChunkWriter writer(m_chunks, floatsPerTriangle(), kTrianglesPerChunkWithNormals, fileBytes);
     MemoryWatch memory(*this);
     Bounds bounds;
-    std::array<Point, 3> corners{};
+    std::array<Vec4, 3> corners{};
     std::size_t corner = 0;
     TextBlocks blocks(file);
     bool firstLine = true;
@@ -120,11 +113,9 @@ void StlMesh::parseAscii(QFile& file)
             if (++corner < 3)
                 continue;
             corner = 0;
-            const Vec4 a = toVec4(corners[0]), b = toVec4(corners[1]), c = toVec4(corners[2]);
-            bounds.include(a);
-            bounds.include(b);
-            bounds.include(c);
-            writeTriangle(writer.next(blocks.position() + (line - blocks.begin())), a, b, c);
+            for (const Vec4 vertex : corners)
+                bounds.include(vertex);
+            writeTriangle(writer.next(blocks.position() + (line - blocks.begin())), corners[0], corners[1], corners[2]);
             if (memory.memoryIsShort())
                 throwKey(kLineMemOut, "memOut");
         }

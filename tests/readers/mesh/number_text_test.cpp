@@ -8,6 +8,7 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
 #include <cmath>
 #include <cstring>
 
@@ -28,36 +29,45 @@ Token tokenOf(const QByteArray& text)
     return {text.constData(), text.constData() + text.size()};
 }
 
-// What the quick way makes of `token` with a line end behind it.
+// What the quick way makes of `token` in each of the three places of a line.
 struct QuickNumber {
     bool accepted;
     float value;
 };
 
-QuickNumber quickly(const QByteArray& token, const char* behind)
+// `behind` stands behind the token in the last place, a blank behind it in the others.
+QuickNumber quickly(const QByteArray& token, const char* behind, std::size_t place = 2)
 {
-    const QByteArray text = QByteArray(kTextPadding, '9') + token + behind + QByteArray(kTextPadding, '9');
-    QuickNumber number{};
-    const char* const end = readPlainFloat(text.constData() + kTextPadding, number.value);
-    number.accepted = end != nullptr;
+    std::array<QByteArray, 3> tokens = {"-1.5", "20", "0.03125"};
+    tokens[place] = token;
+    const QByteArray line = tokens[0] + ' ' + tokens[1] + "  " + tokens[2];
+    const QByteArray text = QByteArray(kTextPadding, '9') + line + behind + QByteArray(kTextPadding, '9');
+    Vec4 point{};
+    const char* const end = readPlainPoint(text.constData() + kTextPadding, point);
     if (end) {
         // A carriage return belongs to the line's end.
-        const int size = token.endsWith('\r') ? token.size() - 1 : token.size();
-        EXPECT_EQ(end - text.constData() - kTextPadding, size) << token.constData();
+        const int size = line.endsWith('\r') ? line.size() - 1 : line.size();
+        EXPECT_EQ(end - text.constData() - kTextPadding, size) << line.constData();
+        const Vec4 others{-1.5F, 20.0F, 0.03125F, 0.0F};
+        for (std::size_t i = 0; i < 3; ++i)
+            EXPECT_TRUE(i == place || bitsOf(point[i]) == bitsOf(others[i])) << line.constData();
     }
-    return number;
+    return {end != nullptr, point[place]};
 }
 
 void expectAsQt(const QByteArray& token)
 {
     // Within a line; at its beginning a byte order mark would vanish.
     const float expected = QString::fromUtf8(' ' + token).toFloat();
-    for (const char* behind : {"\n", " ", "\t", "\r\n"}) {
-        const QuickNumber number = quickly(token, behind);
+    const auto compare = [&](const QuickNumber& number) {
         if (number.accepted) {
             EXPECT_EQ(bitsOf(number.value), bitsOf(expected)) << token.constData();
         }
-    }
+    };
+    compare(quickly(token, "\n", 0));
+    compare(quickly(token, "\n", 1));
+    for (const char* behind : {"\n", " ", "\t", "\r\n"})
+        compare(quickly(token, behind));
     EXPECT_EQ(bitsOf(toFloat(tokenOf(token))), bitsOf(expected)) << token.constData();
 }
 
@@ -119,6 +129,65 @@ TEST(NumberTextTest, EachFloatIsReadFromItsShortestAndItsLongTexts)
         for (const char format : {'e', 'g', 'f'}) {
             for (const int digits : {6, 9, 17})
                 expectAsQt(QByteArray::number(double{value}, format, digits));
+        }
+    }
+}
+
+// Lines of all lengths around that of what is looked at in one step.
+TEST(NumberTextTest, ThreeNumbersInALineAreThoseThreeOneByOne)
+{
+    std::mt19937 random(4);
+    const auto below = [&random](int end) { return static_cast<int>(random() % static_cast<quint32>(end)); };
+    int accepted = 0;
+    for (int i = 0; i < 200000; ++i) {
+        QByteArray line;
+        std::array<float, 3> expected{};
+        for (float& number : expected) {
+            const double value = (below(2000000) - 1000000) / 1000.0;
+            const QByteArray token = QByteArray::number(value, "efg"[below(3)], below(16));
+            number = QString::fromLatin1(token).toFloat();
+            line += QByteArray(1 + below(10) / 9, i % 5 == 0 ? '\t' : ' ') + token;
+        }
+        const QByteArray text = QByteArray(kTextPadding, '9') + line + "\n" + QByteArray(kTextPadding, '9');
+        Vec4 point{};
+        if (readPlainPoint(text.constData() + kTextPadding, point)) {
+            ++accepted;
+            for (std::size_t k = 0; k < 3; ++k)
+                EXPECT_EQ(bitsOf(point[k]), bitsOf(expected[k])) << line.constData();
+        }
+    }
+    EXPECT_GT(accepted, 190000);
+}
+
+TEST(NumberTextTest, LineThatEndsBeforeItsThirdNumberDoesNotTakeTheNextOne)
+{
+    for (const char* line : {"1 2\n3 4\n", "1 2 \n3 4\n", "1\n2\n3\n", "\n1 2 3\n", "1 2 \r\n3\n"}) {
+        const QByteArray text = QByteArray(kTextPadding, '9') + line + QByteArray(kTextPadding, '9');
+        Vec4 point{};
+        Indices indices{};
+        EXPECT_EQ(readPlainPoint(text.constData() + kTextPadding, point), nullptr) << line;
+        EXPECT_EQ(readPlainIndices(text.constData() + kTextPadding, indices), nullptr) << line;
+    }
+}
+
+TEST(NumberTextTest, ThreeIndicesInALineAreThoseThreeOneByOne)
+{
+    const std::array<QByteArray, 14> tokens = {"0",          "7",           "12345678",   "123456789", "00000012",
+                                               "000000012",  "4294967298",  "2147483648", "1/2/3",     "7//7",
+                                               "12345678/1", "1234567890/", "/",          "99999999"};
+    for (const char* blanks : {" ", "  ", "\t", " \t "}) {
+        for (const char* behind : {"\n", " ", "\t", "\r\n", " 9\n"}) {
+            for (std::size_t i = 0; i < tokens.size() * tokens.size() * tokens.size(); ++i) {
+                const std::array<QByteArray, 3> line = {tokens[i % 14], tokens[i / 14 % 14], tokens[i / 196]};
+                const QByteArray text = QByteArray(kTextPadding, '9') + line[0] + blanks + line[1] + blanks + line[2] +
+                                        behind + QByteArray(kTextPadding, '9');
+                Indices indices{};
+                const char* const end = readPlainIndices(text.constData() + kTextPadding, indices);
+                ASSERT_TRUE(end) << text.constData();
+                ASSERT_TRUE(QByteArray(end).startsWith(behind)) << text.constData();
+                for (std::size_t k = 0; k < 3; ++k)
+                    ASSERT_EQ(indices[k], toIndex(tokenOf(line[k]))) << text.constData();
+            }
         }
     }
 }

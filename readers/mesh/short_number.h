@@ -1,0 +1,277 @@
+#pragma once
+
+// Three numbers of at most 15 digits each, or three indices of at most eight, in the 48 bytes behind a keyword: nearly
+// all that model files have. The ends of all three are looked up in one set of bits and their digits are converted
+// together, which takes half the time of reading one number after the other.
+
+#include "readers/mesh/plain_text.h"
+#include "readers/mesh/vec4.h"
+
+#include <array>
+
+#ifdef __SSE2__
+#include <emmintrin.h>
+#endif
+
+namespace zr::plain
+{
+
+#ifdef __SSE2__
+
+/// Of so many digits every number is a double without rounding, which leaves the one rounding of the scale.
+constexpr unsigned kMostExactDigits = 15;
+
+/// Bytes from kHighBytes + n on are a mask: of 16 bytes the last n are chosen, of 8 bytes from kHighBytes + 8 + n on,
+/// the last n, too.
+constexpr quint8 kHighBytes[] = {0,    0,    0,    0,    0,    0,    0,    0,    0,    0,    0,
+                                 0,    0,    0,    0,    0,    0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF,
+                                 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF};
+
+/// What the digits of a number are multiplied by and then divided by; one of the two is 1 but for its sign, so that
+/// the result is rounded once.
+struct Scale {
+    double factor;
+    double divisor;
+};
+
+constexpr std::size_t kPowersOfScale = 2 * kMostExactPower + 1;
+
+/// For the powers of ten from -kMostExactPower on, each for numbers without and with a minus.
+constexpr std::array<Scale, 2 * kPowersOfScale> makeScales()
+{
+    std::array<Scale, 2 * kPowersOfScale> scales{};
+    for (std::size_t i = 0; i < scales.size(); ++i) {
+        const double sign = i % 2 == 0 ? 1.0 : -1.0;
+        const int power = static_cast<int>(i / 2) - kMostExactPower;
+        scales[i] = power < 0 ? Scale{sign, kPowers[-power]} : Scale{sign * kPowers[power], 1.0};
+    }
+    return scales;
+}
+
+constexpr auto kScales = makeScales();
+
+/// A number whose digits were found.
+struct ShortFloat {
+    __m128i fours; ///< four numbers of four digits each, the first ones in the lowest lane
+    const Scale* scale;
+};
+
+inline __m128i load16(const void* bytes)
+{
+    return _mm_loadu_si128(static_cast<const __m128i*>(bytes));
+}
+
+/// Two runs of eight bytes.
+inline __m128i load8and8(const void* first, const void* second)
+{
+    return _mm_unpacklo_epi64(_mm_loadl_epi64(static_cast<const __m128i*>(first)),
+                              _mm_loadl_epi64(static_cast<const __m128i*>(second)));
+}
+
+/// One bit for each of the 16 bytes at `text`, set where the byte is a digit.
+inline quint64 digitBits(const char* text)
+{
+    // Moves the digits to the upper end of the signed bytes.
+    const __m128i moved = _mm_add_epi8(load16(text), _mm_set1_epi8(0x7F - '9'));
+    const __m128i digits = _mm_cmpgt_epi8(moved, _mm_set1_epi8(0x7F - 10));
+    return static_cast<unsigned>(_mm_movemask_epi8(digits));
+}
+
+/// Goes through a text of at most 48 bytes from one byte that is no digit to the next one. All of them are found in one
+/// step, so that the processor can be at work on several numbers, and on the next line, at the same time.
+class NonDigits
+{
+public:
+    explicit NonDigits(const char* text)
+        : m_bits(~(digitBits(text) | digitBits(text + 16) << 16U | digitBits(text + 32) << 32U | kBeyond))
+    {
+    }
+
+    /// Where the next one is. There must be one.
+    std::size_t next() const { return static_cast<std::size_t>(__builtin_ctzll(m_bits)); }
+
+    /// Leaves the next one behind, if `count` is 1, or none, if it is 0, by the same instructions: signs are as good as
+    /// random. Whether there is another one.
+    bool drop(std::size_t count = 1)
+    {
+        m_bits &= m_bits - count;
+        return m_bits != 0;
+    }
+
+    bool isEmpty() const { return m_bits == 0; }
+
+private:
+    static constexpr quint64 kBeyond = quint64{0xFFFF} << 48U;
+
+    quint64 m_bits;
+};
+
+/// The numbers that each four of the digits among `text` make. `chosen` masks the digits; the other bytes read as 0.
+inline __m128i fourDigits(__m128i text, __m128i chosen)
+{
+    const __m128i digits = _mm_and_si128(_mm_sub_epi8(text, _mm_set1_epi8('0')), chosen);
+    // Multiplied by 10 * 256 + 1, two digits in a lane make their number in its upper byte. The compiler would take the
+    // multiplication by a constant apart, into five instructions.
+    __m128i factor = _mm_set1_epi16(0x0A01);
+    asm("" : "+x"(factor)); // NOLINT(hicpp-no-assembler)
+    const __m128i pairs = _mm_srli_epi16(_mm_mullo_epi16(digits, factor), 8);
+    return _mm_madd_epi16(pairs, _mm_set1_epi32(0x00010064));
+}
+
+/// The numbers of eight digits each that those of `first` and then those of `second` make.
+inline __m128i eightDigits(__m128i first, __m128i second)
+{
+    return _mm_madd_epi16(_mm_packs_epi32(first, second), _mm_set1_epi32(0x00012710));
+}
+
+/// The `count` digits before `end`, at most 16, `fraction` of them behind a point that stands among them; 16 for none.
+inline __m128i digitsBefore(const char* end, std::size_t fraction, std::size_t count)
+{
+    // What stands before the point moves up by one byte, over it.
+    const __m128i behindPoint = load16(kHighBytes + fraction);
+    const __m128i text =
+        _mm_or_si128(_mm_and_si128(behindPoint, load16(end - 16)), _mm_andnot_si128(behindPoint, load16(end - 17)));
+    return fourDigits(text, load16(kHighBytes + count));
+}
+
+/// Adds an exponent to the number's scale: "e", a sign and two digits, which is what every C library writes. False for
+/// others.
+inline bool addExponent(const char* text, const Scale*& scale)
+{
+    quint32 bytes = 0;
+    std::memcpy(&bytes, text, sizeof(bytes));
+    bytes = (bytes | 0x20U) - ('e' | '+' << 8U | '0' << 16U | quint32{'0'} << 24U);
+    // A minus is two above a plus. A digit does not reach the high bit, even after the addition.
+    if (((bytes | (bytes + 0x76760000U)) & 0x8080FDFFU) != 0)
+        return false;
+    const auto value = static_cast<std::ptrdiff_t>((bytes >> 16U) * 0x0A01U >> 8U & 0xFFU);
+    const std::ptrdiff_t row = scale - kScales.data() + 2 * ((bytes & 0x200U) != 0 ? -value : value);
+    if (row < 0 || row >= static_cast<std::ptrdiff_t>(kScales.size()))
+        return false;
+    scale = &kScales[static_cast<std::size_t>(row)];
+    return true;
+}
+
+/// Finds the number that begins at text[begin], and moves on to its end; `others` are those of `text` from `begin` on.
+/// False when it is none, has more than kMostExactDigits or an unusual exponent. Something else may stand behind it.
+inline bool findShortFloat(const char* text, std::size_t& begin, NonDigits& others, ShortFloat& number)
+{
+    const std::size_t negative = text[begin] == '-' ? 1 : 0;
+    if (!others.drop(negative))
+        return false;
+    std::size_t end = others.next();
+    std::size_t digits = end - begin - negative;
+    std::size_t fraction = 16;
+    const Scale* scale = &kScales[2 * kMostExactPower + negative];
+    if (text[end] == '.') {
+        const std::size_t point = end;
+        if (!others.drop())
+            return false;
+        end = others.next();
+        fraction = end - point - 1;
+        digits = end - begin - negative - 1;
+        scale -= 2 * fraction;
+    }
+    if (digits - 1 >= kMostExactDigits)
+        return false;
+    number.fours = digitsBefore(text + end, fraction, digits);
+    // Most numbers have no exponent, and then a blank or a line end stands here.
+    if (text[end] > ' ') {
+        if (!addExponent(text + end, scale) || !others.drop() || !others.drop())
+            return false;
+        end += 4;
+    }
+    number.scale = scale;
+    begin = end;
+    return true;
+}
+
+/// The numbers as floats, rounded once as a double and once as a float.
+inline Vec4 toVec4(const ShortFloat& x, const ShortFloat& y, const ShortFloat& z)
+{
+    const __m128i xy = eightDigits(x.fours, y.fours);
+    const __m128i zz = eightDigits(z.fours, z.fours);
+    const __m128d weights = _mm_setr_pd(1e8, 1.0);
+    const __m128d xHalves = _mm_mul_pd(_mm_cvtepi32_pd(xy), weights);
+    const __m128d yHalves = _mm_mul_pd(_mm_cvtepi32_pd(_mm_unpackhi_epi64(xy, xy)), weights);
+    const __m128d zHalves = _mm_mul_pd(_mm_cvtepi32_pd(zz), weights);
+    const __m128d xyDigits = _mm_add_pd(_mm_unpacklo_pd(xHalves, yHalves), _mm_unpackhi_pd(xHalves, yHalves));
+    const __m128d zDigits = _mm_add_pd(zHalves, _mm_unpackhi_pd(zHalves, zHalves));
+
+    const auto load = [](const Scale* scale) { return _mm_loadu_pd(reinterpret_cast<const double*>(scale)); };
+    const __m128d xScale = load(x.scale), yScale = load(y.scale), zScale = load(z.scale);
+    const __m128d xyScaled =
+        _mm_div_pd(_mm_mul_pd(xyDigits, _mm_unpacklo_pd(xScale, yScale)), _mm_unpackhi_pd(xScale, yScale));
+    const __m128d zScaled =
+        _mm_div_pd(_mm_mul_pd(zDigits, _mm_unpacklo_pd(zScale, zScale)), _mm_unpackhi_pd(zScale, zScale));
+    return static_cast<Vec4>(_mm_movelh_ps(_mm_cvtpd_ps(xyScaled), _mm_cvtpd_ps(zScaled)));
+}
+
+/// Moves on from the end of a number to the next token of the line; false when there is none.
+inline bool findNextToken(const char* text, std::size_t& position, NonDigits& others)
+{
+    if (!isBlank(text[position]))
+        return false;
+    do {
+        ++position;
+        if (!others.drop())
+            return false;
+    } while (text[position] <= ' ' && isBlank(text[position]));
+    return true;
+}
+
+/// Reads three short numbers with blanks between them that end within 48 bytes; the end of the last one, or null.
+inline const char* readShortPoint(const char* text, Vec4& point)
+{
+    ShortFloat x, y, z; // NOLINT(cppcoreguidelines-pro-type-member-init): filled when they are used
+    NonDigits others(text);
+    std::size_t position = 0;
+    if (others.isEmpty() || !findShortFloat(text, position, others, x) || !findNextToken(text, position, others) ||
+        !findShortFloat(text, position, others, y) || !findNextToken(text, position, others) ||
+        !findShortFloat(text, position, others, z) || !tokenEndsAt(text + position))
+        return nullptr;
+    point = toVec4(x, y, z);
+    return text + position;
+}
+
+/// Reads three indices of at most eight digits with one space between them; their end, or null.
+inline const char* readShortIndices(const char* text, Indices& indices)
+{
+    NonDigits others(text);
+    if (others.isEmpty())
+        return nullptr;
+    const std::size_t first = others.next();
+    if (!others.drop())
+        return nullptr;
+    const std::size_t second = others.next(), secondDigits = second - first - 1;
+    if (!others.drop())
+        return nullptr;
+    const std::size_t third = others.next(), thirdDigits = third - second - 1;
+    const bool areShort = ((first - 1) | (secondDigits - 1) | (thirdDigits - 1)) < 8;
+    if (!areShort || text[first] != ' ' || text[second] != ' ' || !tokenEndsAt(text + third))
+        return nullptr;
+    const char* const masks = reinterpret_cast<const char*>(kHighBytes + 8);
+    const __m128i firstTwo =
+        fourDigits(load8and8(text + first - 8, text + second - 8), load8and8(masks + first, masks + secondDigits));
+    const __m128i last =
+        fourDigits(load8and8(text + third - 8, text + third - 8), load8and8(masks + thirdDigits, masks + thirdDigits));
+    _mm_storeu_si128(reinterpret_cast<__m128i*>(indices.data()), eightDigits(firstTwo, last));
+    return text + third;
+}
+
+#else
+
+// Every x64 processor has SSE2. On others, all numbers are read one by one.
+inline const char* readShortPoint(const char* /*text*/, Vec4& /*point*/)
+{
+    return nullptr;
+}
+
+inline const char* readShortIndices(const char* /*text*/, Indices& /*indices*/)
+{
+    return nullptr;
+}
+
+#endif
+
+} // namespace zr::plain
