@@ -49,6 +49,7 @@ constexpr std::array<Scale, 2 * kPowersOfScale> makeScales()
 }
 
 constexpr auto kScales = makeScales();
+constexpr std::size_t kUnscaled = kPowersOfScale - 1; ///< where the power 0 is
 
 /// A number whose digits were found.
 struct ShortFloat {
@@ -77,14 +78,20 @@ inline quint64 digitBits(const char* text)
     return static_cast<unsigned>(_mm_movemask_epi8(digits));
 }
 
-/// Goes through a text of at most 48 bytes from one byte that is no digit to the next one. All of them are found in one
-/// step, so that the processor can be at work on several numbers, and on the next line, at the same time.
+/// Goes through some bytes from one that is no digit to the next one. All of them are found in one step, so that the
+/// processor can be at work on several numbers, and on the next line, at the same time.
 class NonDigits
 {
 public:
-    explicit NonDigits(const char* text)
-        : m_bits(~(digitBits(text) | digitBits(text + 16) << 16U | digitBits(text + 32) << 32U | kBeyond))
+    static NonDigits among32(const char* text)
     {
+        return NonDigits(static_cast<quint32>(~(digitBits(text) | digitBits(text + 16) << 16U)));
+    }
+
+    static NonDigits among48(const char* text)
+    {
+        const quint64 digits = digitBits(text) | digitBits(text + 16) << 16U | digitBits(text + 32) << 32U;
+        return NonDigits(digits ^ 0xFFFFFFFFFFFF);
     }
 
     /// Where the next one is. There must be one.
@@ -101,7 +108,7 @@ public:
     bool isEmpty() const { return m_bits == 0; }
 
 private:
-    static constexpr quint64 kBeyond = quint64{0xFFFF} << 48U;
+    explicit NonDigits(quint64 bits) : m_bits(bits) {}
 
     quint64 m_bits;
 };
@@ -162,7 +169,7 @@ inline bool findShortFloat(const char* text, std::size_t& begin, NonDigits& othe
     std::size_t end = others.next();
     std::size_t digits = end - begin - negative;
     std::size_t fraction = 16;
-    const Scale* scale = &kScales[2 * kMostExactPower + negative];
+    const Scale* scale = &kScales[kUnscaled + negative];
     if (text[end] == '.') {
         const std::size_t point = end;
         if (!others.drop())
@@ -224,7 +231,7 @@ inline bool findNextToken(const char* text, std::size_t& position, NonDigits& ot
 inline const char* readShortPoint(const char* text, Vec4& point)
 {
     ShortFloat x, y, z; // NOLINT(cppcoreguidelines-pro-type-member-init): filled when they are used
-    NonDigits others(text);
+    NonDigits others = NonDigits::among48(text);
     std::size_t position = 0;
     if (others.isEmpty() || !findShortFloat(text, position, others, x) || !findNextToken(text, position, others) ||
         !findShortFloat(text, position, others, y) || !findNextToken(text, position, others) ||
@@ -237,7 +244,7 @@ inline const char* readShortPoint(const char* text, Vec4& point)
 /// Reads three indices of at most eight digits with one space between them; their end, or null.
 inline const char* readShortIndices(const char* text, Indices& indices)
 {
-    NonDigits others(text);
+    NonDigits others = NonDigits::among32(text);
     if (others.isEmpty())
         return nullptr;
     const std::size_t first = others.next();
