@@ -51,6 +51,12 @@ void readWhole(const QString& path)
     close(file);
 }
 
+// Lets the next chunk be fresh memory, as that of a host which loads a model once, and not what the model before left.
+void returnFreedMemory()
+{
+    malloc_trim(0);
+}
+
 // The chunks' memory, fresh as a loader gets it, filled once.
 void fillChunks(qint64 bytes)
 {
@@ -87,6 +93,7 @@ void registerCase(const Case& test)
             // Leaves the processor's caches as the loader finds them: after other work, not after the same read.
             state.PauseTiming();
             test.format->load(test.path);
+            returnFreedMemory();
             state.ResumeTiming();
             readWhole(test.path);
             if (test.format->countsMemset)
@@ -94,13 +101,21 @@ void registerCase(const Case& test)
         }
     }));
     configure(benchmark::RegisterBenchmark(test.load().c_str(), [&test](benchmark::State& state) {
-        for ([[maybe_unused]] const auto _ : state)
+        for ([[maybe_unused]] const auto _ : state) {
+            state.PauseTiming();
+            returnFreedMemory();
+            state.ResumeTiming();
             benchmark::DoNotOptimize(test.format->load(test.path));
+        }
     }));
     if (test.format->loadWithPeer) {
         configure(benchmark::RegisterBenchmark(test.peer().c_str(), [&test](benchmark::State& state) {
-            for ([[maybe_unused]] const auto _ : state)
+            for ([[maybe_unused]] const auto _ : state) {
+                state.PauseTiming();
+                returnFreedMemory();
+                state.ResumeTiming();
                 test.format->loadWithPeer(test.path);
+            }
         }));
     }
 }
@@ -133,8 +148,6 @@ bool printTable(const std::deque<Case>& cases, const BestTimeReporter& reporter)
 
 int main(int argc, char** argv)
 {
-    // A host loads a model once: its chunks are fresh memory, not what the model before has left.
-    mallopt(M_MMAP_THRESHOLD, 128 << 10);
     benchmark::Initialize(&argc, argv);
     const QTemporaryDir folder;
     const std::deque<Case> cases = makeCases(folder);
