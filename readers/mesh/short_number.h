@@ -53,8 +53,8 @@ constexpr std::size_t kUnscaled = kPowersOfScale - 1; ///< where the power 0 is
 
 /// A number whose digits were found.
 struct ShortFloat {
-    __m128i fours; ///< four numbers of four digits each, the first ones in the lowest lane
-    const Scale* scale;
+    __m128i fours;     ///< four numbers of four digits each, the first ones in the lowest lane
+    std::size_t scale; ///< of kScales
 };
 
 inline __m128i load16(const void* bytes)
@@ -141,9 +141,9 @@ inline __m128i digitsBefore(const char* end, std::size_t fraction, std::size_t c
     return fourDigits(text, load16(kHighBytes + count));
 }
 
-/// Adds an exponent to the number's scale: "e", a sign and two digits, which is what every C library writes. False for
-/// others.
-inline bool addExponent(const char* text, const Scale*& scale)
+/// Adds an exponent to the place in kScales: "e", a sign and two digits, which is what every C library writes. False
+/// for others.
+inline bool addExponent(const char* text, std::size_t& scale)
 {
     quint32 bytes = 0;
     std::memcpy(&bytes, text, sizeof(bytes));
@@ -151,12 +151,9 @@ inline bool addExponent(const char* text, const Scale*& scale)
     // A minus is two above a plus. A digit does not reach the high bit, even after the addition.
     if (((bytes | (bytes + 0x76760000U)) & 0x8080FDFFU) != 0)
         return false;
-    const auto value = static_cast<std::ptrdiff_t>((bytes >> 16U) * 0x0A01U >> 8U & 0xFFU);
-    const std::ptrdiff_t row = scale - kScales.data() + 2 * ((bytes & 0x200U) != 0 ? -value : value);
-    if (row < 0 || row >= static_cast<std::ptrdiff_t>(kScales.size()))
-        return false;
-    scale = &kScales[static_cast<std::size_t>(row)];
-    return true;
+    const std::size_t steps = 2 * std::size_t{(bytes >> 16U) * 0x0A01U >> 8U & 0xFFU};
+    scale += (bytes & 0x200U) != 0 ? -steps : steps;
+    return scale < kScales.size();
 }
 
 /// Finds the number that begins at text[begin], and moves on to its end; `others` are those of `text` from `begin` on.
@@ -169,7 +166,7 @@ inline bool findShortFloat(const char* text, std::size_t& begin, NonDigits& othe
     std::size_t end = others.next();
     std::size_t digits = end - begin - negative;
     std::size_t fraction = 16;
-    const Scale* scale = &kScales[kUnscaled + negative];
+    std::size_t scale = kUnscaled + negative;
     if (text[end] == '.') {
         const std::size_t point = end;
         if (!others.drop())
@@ -184,7 +181,8 @@ inline bool findShortFloat(const char* text, std::size_t& begin, NonDigits& othe
     number.fours = digitsBefore(text + end, fraction, digits);
     // Most numbers have no exponent, and then a blank or a line end stands here.
     if (text[end] > ' ') {
-        if (!addExponent(text + end, scale) || !others.drop() || !others.drop())
+        others.drop();
+        if (!addExponent(text + end, scale) || !others.drop())
             return false;
         end += 4;
     }
@@ -205,7 +203,7 @@ inline Vec4 toVec4(const ShortFloat& x, const ShortFloat& y, const ShortFloat& z
     const __m128d xyDigits = _mm_add_pd(_mm_unpacklo_pd(xHalves, yHalves), _mm_unpackhi_pd(xHalves, yHalves));
     const __m128d zDigits = _mm_add_pd(zHalves, _mm_unpackhi_pd(zHalves, zHalves));
 
-    const auto load = [](const Scale* scale) { return _mm_loadu_pd(reinterpret_cast<const double*>(scale)); };
+    const auto load = [](std::size_t scale) { return _mm_loadu_pd(reinterpret_cast<const double*>(&kScales[scale])); };
     const __m128d xScale = load(x.scale), yScale = load(y.scale), zScale = load(z.scale);
     const __m128d xyScaled =
         _mm_div_pd(_mm_mul_pd(xyDigits, _mm_unpacklo_pd(xScale, yScale)), _mm_unpackhi_pd(xScale, yScale));
