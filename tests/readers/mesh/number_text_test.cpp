@@ -102,8 +102,29 @@ INSTANTIATE_TEST_SUITE_P(
 
 TEST(NumberTextTest, UnusualTokensAreLeftToQt)
 {
-    for (const char* text : {"", "nan", "inf", "0x10", "1,5", "--5", "1e", "1e+", "e5", ".", "-", "1.2.3", "1f", "1\v",
-                             "\302\2401", "1e10000", "12345678901234567890"})
+    for (const char* text : {"",
+                             "nan",
+                             "inf",
+                             "0x10",
+                             "1,5",
+                             "--5",
+                             "1e",
+                             "1e+",
+                             "e5",
+                             ".",
+                             "-",
+                             "1.2.3",
+                             "1f",
+                             "1\v",
+                             "\302\2401",
+                             "1e10000",
+                             "12345678901234567890",
+                             "1f+01",
+                             "1d+01",
+                             "1e*01",
+                             "1e,01",
+                             "1e+0:",
+                             "1e+/1"})
         EXPECT_FALSE(quickly(text, "\n").accepted) << text;
     // A number that ends with the text, not with the line.
     EXPECT_FALSE(quickly("1", "").accepted);
@@ -168,6 +189,20 @@ TEST(NumberTextTest, LineThatEndsBeforeItsThirdNumberDoesNotTakeTheNextOne)
         EXPECT_EQ(readPlainPoint(text.constData() + kTextPadding, point), nullptr) << line;
         EXPECT_EQ(readPlainIndices(text.constData() + kTextPadding, indices), nullptr) << line;
     }
+}
+
+// Any of these would be read to the same numbers one by one, but half as fast.
+TEST(NumberTextTest, UsualLinesAreReadInOneGo)
+{
+    for (const char* line : {"40.000000 -0.5 12", "-1 -2 -3", "-4.009167e+01 3.563084E-01 -1.200000e+01", "1  2\t3",
+                             "5. .5 -.5", "-12345.6789012345 -12345.6789012 123456789012", "1.5 2.5 3.5\r"}) {
+        const QByteArray text = QByteArray(kTextPadding, '9') + line + "\n" + QByteArray(kTextPadding, '9');
+        Vec4 point{};
+        EXPECT_TRUE(plain::readShortPoint(text.constData() + kTextPadding, point)) << line;
+    }
+    const QByteArray face = QByteArray(kTextPadding, '9') + "1 23456789 99999999\n" + QByteArray(kTextPadding, '9');
+    Indices indices{};
+    EXPECT_TRUE(plain::readShortIndices(face.constData() + kTextPadding, indices));
 }
 
 TEST(NumberTextTest, ThreeIndicesInALineAreThoseThreeOneByOne)
