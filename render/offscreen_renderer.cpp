@@ -2,6 +2,7 @@
 
 #include "core/log_file.h"
 
+#include <QGuiApplication>
 #include <QOffscreenSurface>
 #include <QOpenGLContext>
 #include <QOpenGLFramebufferObject>
@@ -33,6 +34,13 @@ std::mutex& windowSystemMutex()
 
 /// The first OpenGL version whose GLSL has "in" and "out", and which knows core profiles.
 constexpr int kFirstModernVersion = 0x30;
+
+/// Without one, Qt crashes where it is asked for a context. A host that made an application object without windows has
+/// none.
+bool hasPlatform()
+{
+    return qobject_cast<QGuiApplication*>(QCoreApplication::instance()) != nullptr;
+}
 
 struct GlslVersionRow {
     int versionCode; ///< as GlslInfo::versionCode
@@ -106,9 +114,12 @@ bool OffscreenRenderer::canCallGl() const
 void OffscreenRenderer::createContext()
 {
     const std::lock_guard<std::mutex> guard(windowSystemMutex());
-    auto probeContext = std::make_unique<QOpenGLContext>();
-    probeContext->create();
-    if (!probeContext->isValid()) {
+    std::unique_ptr<QOpenGLContext> probeContext;
+    if (hasPlatform()) {
+        probeContext = std::make_unique<QOpenGLContext>();
+        probeContext->create();
+    }
+    if (!probeContext || !probeContext->isValid()) {
         logLine(kLineContextNotValid, QStringLiteral("opengl version is not valid"));
         return;
     }

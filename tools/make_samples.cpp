@@ -31,7 +31,7 @@ int main(int argc, char** argv)
 {
     const QCoreApplication application(argc, argv);
     const QStringList arguments = QCoreApplication::arguments();
-    if (arguments.size() != 2) {
+    if (arguments.size() != 2 || arguments.at(1).startsWith(QLatin1Char('-'))) {
         print(stderr, QStringLiteral("usage: make-samples DIR\n"));
         return kExitUsage;
     }
