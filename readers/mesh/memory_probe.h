@@ -16,11 +16,11 @@ struct MemoryFigures {
 /// Where a mesh takes the figures from: systemMemory(), but for tests that play a machine without memory.
 using MemoryProbe = MemoryFigures (*)();
 
-/// The figures of this machine. May be called from any thread.
+/// The figures of this machine at this moment. May be called from any thread.
 MemoryFigures systemMemory();
 
-/// A loop that checks the memory after each triangle asks a MemoryProbe after so many of them: after each one where the
-/// answer is always a fresh one, and otherwise about as often as it can be another one.
+/// The loops over triangles ask a MemoryProbe after the first triangle and then after so many more: after each one
+/// where the answer is cheap.
 extern const int kTrianglesPerMemoryQuery;
 
 /// Tells the platform that `bytes` bytes from `begin` are about to be filled from front to back, so that it may back

@@ -4,7 +4,6 @@
 
 #include <array>
 #include <cstdint>
-#include <ctime>
 
 #include <fcntl.h>
 #include <sys/mman.h>
@@ -32,7 +31,9 @@ MemoryFigures figuresWithoutProc()
     return {available * info.mem_unit, static_cast<quint32>(used * 100 / info.totalram)};
 }
 
-MemoryFigures readFigures()
+} // namespace
+
+MemoryFigures systemMemory()
 {
     std::array<char, kMeminfoBytes + 1> text{};
     const int file = open("/proc/meminfo", O_RDONLY | O_CLOEXEC);
@@ -44,32 +45,8 @@ MemoryFigures readFigures()
     return figures ? *figures : figuresWithoutProc();
 }
 
-// The kernel's tick, which advances every 1 to 10 milliseconds. Reading it is no system call.
-qint64 kernelTick()
-{
-    timespec time{};
-    clock_gettime(CLOCK_MONOTONIC_COARSE, &time);
-    return qint64{time.tv_sec} * 1'000'000'000 + time.tv_nsec;
-}
-
-} // namespace
-
-// A few microseconds of work; the figures change once a tick.
-const int kTrianglesPerMemoryQuery = 64;
-
-// The kernel gathers these figures from its processors less often than once a tick, so that a second query within
-// one tick tells nothing new; it would make the text loaders several times slower.
-MemoryFigures systemMemory()
-{
-    thread_local qint64 tickOfFigures = -1;
-    thread_local MemoryFigures figures{};
-    const qint64 tick = kernelTick();
-    if (tick != tickOfFigures) {
-        figures = readFigures();
-        tickOfFigures = tick;
-    }
-    return figures;
-}
+// A query takes as long as 300 triangles of an OBJ file; so many take less than 3 MB of memory.
+const int kTrianglesPerMemoryQuery = 32768;
 
 void expectSequentialFill(void* begin, std::size_t bytes)
 {

@@ -239,9 +239,9 @@ TEST_F(ObjMeshTest, LimitsAreNotReachedByAHair)
 
 TEST_F(ObjMeshTest, MemoryIsAskedFromTheFirstFaceOn)
 {
-    const int faces = 10 * kTrianglesPerMemoryQuery + 1;
+    const int faces = 2 * kTrianglesPerMemoryQuery + 1;
     EXPECT_TRUE(failureOf(kPoints + QByteArray("f 0 1 2\n").repeated(faces), memoryShortAtQuery(1000)).key.isNull());
-    EXPECT_EQ(memoryQueries(), 1 + 11);
+    EXPECT_EQ(memoryQueries(), 1 + 3);
 }
 
 void expectChunks(bool positionsOnly, int chunkTriangles)

@@ -32,6 +32,11 @@ Triangle cornerAt(float x)
     return {{{x, 0, 0}, {x, 1, 0}, {x, 0, 1}}};
 }
 
+std::vector<Triangle> manyTriangles(int count)
+{
+    return std::vector<Triangle>(static_cast<std::size_t>(count), cornerAt(1));
+}
+
 std::vector<Vertex> cornersOf(const std::vector<Triangle>& triangles)
 {
     std::vector<Vertex> corners;
@@ -210,8 +215,7 @@ TEST_F(StlMeshTest, AsciiFailuresLeaveTheirLineAndNoChunk)
     const QByteArray large = two + QByteArray(1000 - two.size(), ' ');
     expectFailure(large, memoryFor999Bytes, {"190  throw "});
     expectFailure(two, shortMemory, {"290  throw "});
-    const std::vector<Triangle> more(kTrianglesPerMemoryQuery + 1, cornerAt(1));
-    expectFailure(asciiStl(more), memoryShortAtQuery(3), {"290  throw "});
+    expectFailure(asciiStl(manyTriangles(kTrianglesPerMemoryQuery + 1)), memoryShortAtQuery(3), {"290  throw "});
     EXPECT_EQ(memoryQueries(), 3);
     expectFailure(asciiStl({{{{1, 2, 3}, {1, 2, 3}, {1, 2, 3}}}}), muchMemory, {"320  throw "});
     expectFailure(asciiStl({{{{0, 0, 0}, {10000.001F, 0, 0}, {0, 1, 0}}}}), muchMemory, {"320  throw "});
@@ -235,9 +239,9 @@ TEST_F(StlMeshTest, BinaryFileSizeIsNotComparedWithTheMemory)
 
 TEST_F(StlMeshTest, MemoryIsAskedFromTheFirstAsciiTriangleOn)
 {
-    SourceFile source(asciiStl(std::vector<Triangle>(10 * kTrianglesPerMemoryQuery + 1, cornerAt(1))));
+    SourceFile source(asciiStl(manyTriangles(2 * kTrianglesPerMemoryQuery + 1)));
     EXPECT_TRUE(StlMesh(false, memoryShortAtQuery(1000)).parse(source.file()));
-    EXPECT_EQ(memoryQueries(), 1 + 11);
+    EXPECT_EQ(memoryQueries(), 1 + 3);
 }
 
 TEST_F(StlMeshTest, FilesWithoutTrianglesGiveAnEmptyMesh)
