@@ -5,9 +5,7 @@
 namespace zr
 {
 
-const int kTrianglesPerMemoryQuery = 1;
-
-MemoryFigures systemMemory()
+MemoryFigures systemMemory(MemoryQuery /*query*/)
 {
     MEMORYSTATUSEX status{};
     status.dwLength = sizeof(status);

@@ -36,12 +36,12 @@ void Mesh::setBounds(const Bounds& bounds)
 
 bool Mesh::exceedsFreeMemory(quint64 bytes) const
 {
-    return bytes >= m_probe().availableBytes * 2 / 3;
+    return bytes >= m_probe(MemoryQuery::Single).availableBytes * 2 / 3;
 }
 
-bool Mesh::memoryIsShort() const
+bool Mesh::memoryIsShort(MemoryQuery query) const
 {
-    return m_probe().loadPercent >= kShortMemoryPercent;
+    return m_probe(query).loadPercent >= kShortMemoryPercent;
 }
 
 float Mesh::largestExtent() const

@@ -62,27 +62,7 @@ protected:
     bool exceedsFreeMemory(quint64 bytes) const;
 
     /// Whether so much of the memory is in use that loading must stop.
-    bool memoryIsShort() const;
-
-    /// The same for the loops over triangles.
-    class MemoryWatch
-    {
-    public:
-        explicit MemoryWatch(const Mesh& mesh) : m_mesh(mesh) {}
-
-        /// To be asked after each triangle, the first one included.
-        bool memoryIsShort()
-        {
-            if (--m_trianglesToQuery > 0)
-                return false;
-            m_trianglesToQuery = kTrianglesPerMemoryQuery;
-            return m_mesh.memoryIsShort();
-        }
-
-    private:
-        const Mesh& m_mesh;
-        int m_trianglesToQuery = 0;
-    };
+    bool memoryIsShort(MemoryQuery query = MemoryQuery::Single) const;
 
     /// The largest side of the box; negative infinity when no point was seen.
     float largestExtent() const;

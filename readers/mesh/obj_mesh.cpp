@@ -101,7 +101,6 @@ void ObjMesh::parse(QFile& file)
     const int trianglesPerChunk = m_positionsOnly ? kTrianglesPerChunk : kTrianglesPerChunkWithNormals;
     ChunkWriter writer(m_chunks, floatsPerTriangle(), trianglesPerChunk, fileBytes);
     PositionList positions(fileBytes);
-    MemoryWatch memory(*this);
     Bounds bounds;
     ObjLine content{};
     TextBlocks blocks(file);
@@ -122,7 +121,7 @@ void ObjMesh::parse(QFile& file)
                 writeBareTriangle(writer.next(position), a, b, c);
             else
                 writeTriangle(writer.next(position), a, b, c);
-            if (memory.memoryIsShort())
+            if (memoryIsShort(MemoryQuery::InLoop))
                 throwKey(kLineMemOut, "memOut");
         }
     }

@@ -95,7 +95,6 @@ void StlMesh::parseAscii(QFile& file)
     file.seek(0);
 
     ChunkWriter writer(m_chunks, floatsPerTriangle(), kTrianglesPerChunkWithNormals, fileBytes);
-    MemoryWatch memory(*this);
     Bounds bounds;
     std::array<Vec4, 3> corners{};
     std::size_t corner = 0;
@@ -116,7 +115,7 @@ void StlMesh::parseAscii(QFile& file)
             for (const Vec4 vertex : corners)
                 bounds.include(vertex);
             writeTriangle(writer.next(blocks.position() + (line - blocks.begin())), corners[0], corners[1], corners[2]);
-            if (memory.memoryIsShort())
+            if (memoryIsShort(MemoryQuery::InLoop))
                 throwKey(kLineMemOut, "memOut");
         }
     }

@@ -81,27 +81,27 @@ SourceFile::SourceFile(const QByteArray& content, const char* name)
     EXPECT_TRUE(m_file.open(QIODevice::ReadOnly));
 }
 
-MemoryFigures muchMemory()
+MemoryFigures muchMemory(MemoryQuery /*query*/)
 {
     return {kManyBytes, 10};
 }
 
-MemoryFigures memoryFor999Bytes()
+MemoryFigures memoryFor999Bytes(MemoryQuery /*query*/)
 {
     return {1500, 10};
 }
 
-MemoryFigures noFreeMemory()
+MemoryFigures noFreeMemory(MemoryQuery /*query*/)
 {
     return {0, 10};
 }
 
-MemoryFigures shortMemory()
+MemoryFigures shortMemory(MemoryQuery /*query*/)
 {
     return {kManyBytes, 90};
 }
 
-MemoryFigures nearlyShortMemory()
+MemoryFigures nearlyShortMemory(MemoryQuery /*query*/)
 {
     return {kManyBytes, 89};
 }
@@ -110,7 +110,9 @@ MemoryProbe memoryShortAtQuery(int query)
 {
     queriesDone = 0;
     firstShortQuery = query;
-    return [] { return MemoryFigures{kManyBytes, ++queriesDone >= firstShortQuery ? 95U : 10U}; };
+    return [](MemoryQuery /*query*/) {
+        return MemoryFigures{kManyBytes, ++queriesDone >= firstShortQuery ? 95U : 10U};
+    };
 }
 
 int memoryQueries()

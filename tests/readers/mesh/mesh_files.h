@@ -42,18 +42,18 @@ private:
 };
 
 // A machine whose memory never runs out, and some that lack it; for the loaders' constructors.
-MemoryFigures muchMemory();
+MemoryFigures muchMemory(MemoryQuery query);
 
 /// 1500 bytes free, so that files of 1000 bytes are too large.
-MemoryFigures memoryFor999Bytes();
+MemoryFigures memoryFor999Bytes(MemoryQuery query);
 
-MemoryFigures noFreeMemory();
+MemoryFigures noFreeMemory(MemoryQuery query);
 
 /// Nothing wrong with the size, but 90 percent in use.
-MemoryFigures shortMemory();
+MemoryFigures shortMemory(MemoryQuery query);
 
 /// 89 percent.
-MemoryFigures nearlyShortMemory();
+MemoryFigures nearlyShortMemory(MemoryQuery query);
 
 /// Becomes short with the given query, counted from 1; restarts the count.
 MemoryProbe memoryShortAtQuery(int query);

@@ -69,7 +69,7 @@ TEST(MeshTest, FileOfTwoThirdsOfTheFreeMemoryIsTooLarge)
     EXPECT_TRUE(mesh.exceedsFreeMemory(1000));
     EXPECT_TRUE(ProbeMesh(noFreeMemory).exceedsFreeMemory(0));
     // The thirds are cut last.
-    const ProbeMesh uneven([] { return MemoryFigures{1502, 10}; });
+    const ProbeMesh uneven([](MemoryQuery /*query*/) { return MemoryFigures{1502, 10}; });
     EXPECT_FALSE(uneven.exceedsFreeMemory(1000));
     EXPECT_TRUE(uneven.exceedsFreeMemory(1001));
 }

@@ -221,8 +221,7 @@ TEST_F(ObjMeshTest, FailuresThrowTheirKeyAfterTheirLine)
     EXPECT_EQ(logMessages(), QStringList({"23  throw "}));
     EXPECT_EQ(failureOf(faces, shortMemory).key, "memOut");
     EXPECT_EQ(logMessages(), QStringList({"123  throw "}));
-    const QByteArray moreFaces = kPoints + QByteArray("f 0 1 2\n").repeated(kTrianglesPerMemoryQuery + 1);
-    EXPECT_EQ(failureOf(moreFaces, memoryShortAtQuery(3)).key, "memOut");
+    EXPECT_EQ(failureOf(faces, memoryShortAtQuery(3)).key, "memOut");
     EXPECT_EQ(memoryQueries(), 3);
     EXPECT_EQ(failureOf("v 1 2 3\nv 1 2 3\nf 0 1 0\n", muchMemory).key, "modelSizeIsErr");
     EXPECT_EQ(logMessages(), QStringList({"143  throw "}));
@@ -237,11 +236,10 @@ TEST_F(ObjMeshTest, LimitsAreNotReachedByAHair)
     EXPECT_TRUE(failureOf("v 0 0 0\nv 10000 0 0\nf 0 1 0\n", muchMemory).key.isNull());
 }
 
-TEST_F(ObjMeshTest, MemoryIsAskedFromTheFirstFaceOn)
+TEST_F(ObjMeshTest, MemoryIsAskedForEachFace)
 {
-    const int faces = 2 * kTrianglesPerMemoryQuery + 1;
-    EXPECT_TRUE(failureOf(kPoints + QByteArray("f 0 1 2\n").repeated(faces), memoryShortAtQuery(1000)).key.isNull());
-    EXPECT_EQ(memoryQueries(), 1 + 3);
+    EXPECT_TRUE(failureOf(kPoints + QByteArray("f 0 1 2\n").repeated(50), memoryShortAtQuery(1000)).key.isNull());
+    EXPECT_EQ(memoryQueries(), 51);
 }
 
 void expectChunks(bool positionsOnly, int chunkTriangles)
@@ -264,9 +262,8 @@ TEST_F(ObjMeshTest, ChunksAreCutAtTheirLimit)
 
 TEST_F(ObjMeshTest, CompleteChunksOutliveAFailure)
 {
-    const QByteArray content =
-        kPoints + QByteArray("f 0 1 2\n").repeated(kChunkTriangles + 2 * kTrianglesPerMemoryQuery);
-    const Failure failure = failureOf(content, memoryShortAtQuery(kChunkTriangles / kTrianglesPerMemoryQuery + 3));
+    const QByteArray content = kPoints + QByteArray("f 0 1 2\n").repeated(kChunkTriangles + 5);
+    const Failure failure = failureOf(content, memoryShortAtQuery(kChunkTriangles + 4));
     EXPECT_EQ(failure.key, "memOut");
     EXPECT_EQ(failure.chunks, 1);
 }
