@@ -1,8 +1,8 @@
 #pragma once
 
-// Three numbers of at most 15 digits each, or three indices of at most eight, in the 48 bytes behind a keyword: nearly
-// all that model files have. The ends of all three are looked up in one set of bits and their digits are converted
-// together, which takes half the time of reading one number after the other.
+// Three numbers of at most 15 digits each in the 48 bytes behind a keyword, or three indices of at most eight digits in
+// 32 bytes: nearly all that model files have. The ends of all three are looked up in one set of bits and their digits
+// are converted together, which takes half the time of reading one number after the other.
 
 #include "readers/mesh/plain_text.h"
 #include "readers/mesh/vec4.h"
@@ -239,7 +239,8 @@ inline const char* readShortPoint(const char* text, Vec4& point)
     return text + position;
 }
 
-/// Reads three indices of at most eight digits with one space between them; their end, or null.
+/// Reads three indices of at most eight digits with one space between them that end within 32 bytes; their end, or
+/// null.
 inline const char* readShortIndices(const char* text, Indices& indices)
 {
     NonDigits others = NonDigits::among32(text);
