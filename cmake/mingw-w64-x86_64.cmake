@@ -1,6 +1,6 @@
 # Builds for 64-bit Windows on a Debian host with MinGW-w64.
 #
-# ZRTHUMB_QT_WINDOWS, a cache or environment variable, names the prefix of a MinGW-w64 build of Qt 5.15;
+# ZRTHUMB_QT_WINDOWS, a cache or environment variable, names the prefix of a static MinGW-w64 build of Qt 5.15;
 # tools/qt-windows makes one and prints it. Programs that the build or ctest starts run under Wine.
 
 set(CMAKE_SYSTEM_NAME Windows)
@@ -13,7 +13,7 @@ set(CMAKE_CXX_COMPILER x86_64-w64-mingw32-g++-posix)
 set(CMAKE_RC_COMPILER x86_64-w64-mingw32-windres)
 
 if(NOT ZRTHUMB_QT_WINDOWS)
-    set(ZRTHUMB_QT_WINDOWS "$ENV{ZRTHUMB_QT_WINDOWS}" CACHE PATH "Prefix of a MinGW-w64 Qt 5.15" FORCE)
+    set(ZRTHUMB_QT_WINDOWS "$ENV{ZRTHUMB_QT_WINDOWS}" CACHE PATH "Prefix of a static MinGW-w64 Qt 5.15" FORCE)
 endif()
 if(NOT EXISTS "${ZRTHUMB_QT_WINDOWS}/lib/cmake/Qt5/Qt5Config.cmake")
     message(FATAL_ERROR "ZRTHUMB_QT_WINDOWS='${ZRTHUMB_QT_WINDOWS}' is no prefix of Qt 5; "
@@ -29,6 +29,4 @@ set(CMAKE_FIND_ROOT_PATH_MODE_LIBRARY ONLY)
 set(CMAKE_FIND_ROOT_PATH_MODE_INCLUDE ONLY)
 set(CMAKE_FIND_ROOT_PATH_MODE_PACKAGE ONLY)
 
-get_filename_component(_zrthumb_wine_env "${CMAKE_CURRENT_LIST_DIR}/../tools/wine-env" ABSOLUTE)
-set(CMAKE_CROSSCOMPILING_EMULATOR "${_zrthumb_wine_env};--qt;${ZRTHUMB_QT_WINDOWS}")
-unset(_zrthumb_wine_env)
+get_filename_component(CMAKE_CROSSCOMPILING_EMULATOR "${CMAKE_CURRENT_LIST_DIR}/../tools/wine-env" ABSOLUTE)

@@ -85,8 +85,6 @@ Findings checkDataFolder()
 
 Findings checkDatabase()
 {
-    if (QCoreApplication::startingUp())
-        return {{false, kDatabase, QStringLiteral("not tried, since Qt does not start")}};
     if (!QSqlDatabase::isDriverAvailable(QStringLiteral("QSQLITE")))
         return {{false, kDatabase, QStringLiteral("Qt's plug-in for SQLite is missing or damaged")}};
     if (!QFileInfo::exists(defaultDatabasePath()))

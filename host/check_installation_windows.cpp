@@ -1,12 +1,10 @@
 #include "host/check_installation.h"
 
 #include "host/check_handlers.h"
-#include "shell/module_folder.h"
 #include "shell/windows/identifiers.h"
 
 #include <QDir>
 #include <QFileInfo>
-#include <QStringList>
 
 #include <windows.h>
 
@@ -25,31 +23,13 @@ const QString kRegisterAnew =
 
 constexpr std::size_t kMaxRegisteredPath = 1024;
 
-// What the server needs beside its DLL, the compiler's runtime first, since the others need it.
-constexpr const char* kLibraries[] = {"libgcc_s_seh-1.dll", "libwinpthread-1.dll", "libstdc++-6.dll", "Qt5Core.dll",
-                                      "Qt5Gui.dll",         "Qt5Sql.dll",          "Qt5Widgets.dll"};
-constexpr const char* kPlugins[] = {"platforms/qwindows.dll", "sqldrivers/qsqlite.dll"};
-
-// Why the file cannot be loaded, empty when it can. Its own libraries are looked for beside it, as COM does it.
+// Why the DLL cannot be loaded, empty when it can. It is loaded as COM does it.
 QString loadFault(const QString& path)
 {
-    if (!QFileInfo(path).isFile())
-        return QStringLiteral("%1 is missing").arg(path);
     const QString native = QDir::toNativeSeparators(path);
     if (LoadLibraryExW(reinterpret_cast<LPCWSTR>(native.utf16()), nullptr, LOAD_WITH_ALTERED_SEARCH_PATH))
         return {};
     return QStringLiteral("%1 does not load (error %2)").arg(path).arg(GetLastError());
-}
-
-template <std::size_t count>
-Finding checkFiles(const QString& what, const QString& folder, const char* const (&names)[count])
-{
-    for (const char* const name : names) {
-        const QString fault = loadFault(folder + QLatin1Char('/') + QLatin1String(name));
-        if (!fault.isEmpty())
-            return {false, what, fault};
-    }
-    return {true, what, QStringLiteral("all in %1 load").arg(folder)};
 }
 
 // Where the registry says that the class's DLL is; empty when it says nothing.
@@ -96,10 +76,6 @@ Findings checkInstallation()
 {
     const QString path = registeredPath();
     Findings findings = {checkClass(path)};
-    const bool isThere = QFileInfo(path).isFile();
-    const QString folder = isThere ? QFileInfo(path).path() : moduleFolder();
-    findings += checkFiles(QStringLiteral("libraries"), folder, kLibraries);
-    findings += checkFiles(QStringLiteral("plug-ins"), folder, kPlugins);
     if (!path.isEmpty())
         findings += checkServer(path);
     return findings + checkHandlers();

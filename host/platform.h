@@ -12,8 +12,9 @@ QStringList commandLineArguments(int argc, char** argv);
 /// request.
 void chooseQtPlatform();
 
-/// Whether Qt's platform plug-in loads; one that does not would end the process as Qt starts.
-bool platformPluginLoads();
+/// Makes the application object without which Qt draws no text, if the program has none: that of a server in a DLL is
+/// not the program's.
+void prepareDrawing();
 
 /// Whether OpenGL lacks the display that it needs here.
 bool openGlLacksDisplay();

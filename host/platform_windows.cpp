@@ -1,8 +1,6 @@
 #include "host/platform.h"
 
-#include "shell/module_folder.h"
-
-#include <QDir>
+#include <QGuiApplication>
 
 #include <cstdio>
 
@@ -28,10 +26,14 @@ QStringList commandLineArguments(int, char**)
 
 void chooseQtPlatform() {}
 
-bool platformPluginLoads()
+void prepareDrawing()
 {
-    const QString path = QDir::toNativeSeparators(moduleFolder()) + QLatin1String("\\platforms\\qwindows.dll");
-    return LoadLibraryExW(reinterpret_cast<LPCWSTR>(path.utf16()), nullptr, LOAD_WITH_ALTERED_SEARCH_PATH);
+    static int argc = 1;
+    static char name[] = "zrthumb";
+    static char* argv[] = {name, nullptr};
+    // Never destroyed, see leave().
+    static auto* const application = QCoreApplication::startingUp() ? new QGuiApplication(argc, argv) : nullptr;
+    Q_UNUSED(application)
 }
 
 bool openGlLacksDisplay()

@@ -3,6 +3,7 @@
 #include "host/console.h"
 #include "host/contact_sheet.h"
 #include "host/file_list.h"
+#include "host/platform.h"
 #include "host/progress.h"
 #include "host/request.h"
 
@@ -59,8 +60,10 @@ int makeThumbnails(const Options& options)
         if (!options.sheet.isEmpty())
             sheet.add(result.picture, name);
     }
-    if (!sheet.isEmpty())
+    if (!sheet.isEmpty()) {
+        prepareDrawing();
         outputsWritten &= savePicture(sheet.draw(), options.sheet);
+    }
     return failures == 0 && outputsWritten ? kAllSucceeded : kSomeFailed;
 }
 

@@ -35,11 +35,11 @@ std::mutex& windowSystemMutex()
 /// The first OpenGL version whose GLSL has "in" and "out", and which knows core profiles.
 constexpr int kFirstModernVersion = 0x30;
 
-/// Without one, Qt crashes where it is asked for a context. A host that made an application object without windows has
-/// none.
+/// Without one, Qt crashes where it is asked for a context, and without a screen it ends the process where it is asked
+/// for a surface. A host that made an application object without windows has none.
 bool hasPlatform()
 {
-    return qobject_cast<QGuiApplication*>(QCoreApplication::instance()) != nullptr;
+    return qobject_cast<QGuiApplication*>(QCoreApplication::instance()) && QGuiApplication::primaryScreen();
 }
 
 struct GlslVersionRow {

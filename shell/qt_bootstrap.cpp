@@ -2,7 +2,6 @@
 
 #include "core/log_file.h"
 #include "shell/module_folder.h"
-#include "shell/platform_plugin.h"
 
 #include <QApplication>
 
@@ -18,10 +17,12 @@ constexpr int kLineApplicationReady = 63;
 
 // The application object is never destroyed: its destructor would run while the process unloads its modules, where
 // it hangs or crashes the host. Qt's cache of compiled shaders, a folder of its own in the user's profile, is turned
-// off: it gains no time with shaders as small as ours, and uninstalling would leave it behind.
+// off: it gains no time with shaders as small as ours, and uninstalling would leave it behind. A plug-in's application
+// leaves the DPI awareness of the process as it is, by which Windows scales all windows of the host.
 void makeApplication()
 {
     QCoreApplication::setAttribute(Qt::AA_DisableShaderDiskCache);
+    QCoreApplication::setAttribute(Qt::AA_PluginApplication);
     static int argc = 1;
     static char name[] = "platformplugin";
     static char* argv[] = {name, nullptr};
@@ -38,19 +39,16 @@ void addModuleLibraryPath()
 
 } // namespace
 
-bool startQt()
+void startQt()
 {
     static auto* const mutex = new std::mutex;
     const std::lock_guard<std::mutex> guard(*mutex);
     addModuleLibraryPath();
     if (QCoreApplication::startingUp()) {
-        if (!platformPluginExists())
-            return false;
         makeApplication();
         logLine(kLineApplicationStarted, QStringLiteral("app start"));
     }
     logLine(kLineApplicationReady, QStringLiteral("app after"));
-    return true;
 }
 
 } // namespace zr

@@ -3,9 +3,8 @@
 namespace zr
 {
 
-/// Lets Qt find its plug-ins beside this module and makes the process's application object when there is none.
-/// To be called at the start of every request; logs both steps. False, before the second one, when Qt cannot start
-/// here.
-bool startQt();
+/// Adds this module's folder to Qt's library paths and makes the process's application object when there is none.
+/// To be called at the start of every request; logs both steps.
+void startQt();
 
 } // namespace zr

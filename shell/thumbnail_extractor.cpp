@@ -21,7 +21,8 @@ bool ThumbnailExtractor::load(const QString& path)
     m_filePath.clear();
     LogFile::instance()->init(QString());
     logLine(kLineLoad, QLatin1String("in 2 ") + path);
-    if (!startQt() || !QFileInfo(path).isFile())
+    startQt();
+    if (!QFileInfo(path).isFile())
         return false;
     ThumbnailJob job(path);
     if (!job.run())

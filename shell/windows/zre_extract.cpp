@@ -1,6 +1,9 @@
 #include "shell/windows/zre_extract.h"
 
 #include "core/log_file.h"
+#include "shell/windows/host_state.h"
+
+#include <QtGlobal>
 
 #include <new>
 
@@ -16,6 +19,17 @@ namespace
 
 // 32 bits per pixel with the alpha channel, not premultiplied.
 constexpr int kHBitmapAlpha = 2;
+
+// What Qt has to say is of no use to the host's output, and the log is for what requests come to.
+void toDebugger(QtMsgType, const QMessageLogContext&, const QString& message)
+{
+    OutputDebugStringW(reinterpret_cast<LPCWSTR>((QLatin1String("ZRThumbnail: ") + message).utf16()));
+}
+
+void silenceQt()
+{
+    qInstallMessageHandler(toDebugger);
+}
 
 } // namespace
 
@@ -93,8 +107,10 @@ HRESULT CZReExtract::IsDirty()
 // An exception that crossed into the file browser would end it.
 HRESULT CZReExtract::Load(LPCOLESTR path, DWORD)
 {
+    const HostState hostState;
     try {
         keepModuleLoaded();
+        silenceQt();
         return m_extractor.load(QString::fromWCharArray(path)) ? S_OK : S_FALSE;
     } catch (...) {
         return S_FALSE;
@@ -123,8 +139,10 @@ HRESULT CZReExtract::GetLocation(LPWSTR, DWORD, DWORD*, const SIZE*, DWORD, DWOR
 
 HRESULT CZReExtract::Extract(HBITMAP* bitmap)
 {
+    const HostState hostState;
     HBITMAP result = nullptr;
     try {
+        silenceQt();
         // Cached pictures without colours of their own would become bitmaps of fewer bits.
         const QImage picture = m_extractor.extract().convertToFormat(QImage::Format_ARGB32);
         if (bitmap)

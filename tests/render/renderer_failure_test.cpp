@@ -89,7 +89,7 @@ INSTANTIATE_TEST_SUITE_P(Pipelines, BothPipelinesTest, ::testing::Values(Pipelin
 TEST_P(BothPipelinesTest, NoOpenGlAtAll)
 {
     if (!isChildProcess()) {
-        runCurrentTestInChild({{"QT_QPA_PLATFORM", "offscreen"}, {"DISPLAY", {}}});
+        runCurrentTestInChild({{"QT_QPA_PLATFORM", "minimal"}, {"DISPLAY", {}}});
         return;
     }
     RendererUnderTest renderer(true, GetParam());

@@ -1,25 +1,21 @@
-# cmake -D DLL=... -D OBJDUMP=... -D NM=... -P check_dll.cmake
-# Checks what the DLL exports and imports, and that loading it runs no code of ours.
+# cmake -D DLL=... -D PROGRAM=... -D LIBRARIES=... -D OBJDUMP=... -D NM=... -P check_dll.cmake
+# Checks what the DLL exports, that neither it nor the program imports anything but Windows itself, and that loading the DLL
+# runs no code of ours, which is in LIBRARIES.
 
 cmake_minimum_required(VERSION 3.25)
 
 set(exports DllCanUnloadNow DllGetClassObject DllRegisterServer DllUnregisterServer)
-set(imports
-    # the system's
-    advapi32.dll gdi32.dll kernel32.dll msvcrt.dll ole32.dll oleaut32.dll opengl32.dll user32.dll
-    # Qt's
-    qt5core.dll qt5gui.dll qt5sql.dll qt5widgets.dll
-    # the compiler's runtime
-    libgcc_s_seh-1.dll libstdc++-6.dll libwinpthread-1.dll)
+set(system
+    advapi32.dll dwmapi.dll gdi32.dll imm32.dll kernel32.dll msvcrt.dll netapi32.dll ole32.dll oleaut32.dll opengl32.dll
+    shell32.dll shlwapi.dll user32.dll userenv.dll uxtheme.dll version.dll winmm.dll winspool.drv ws2_32.dll wtsapi32.dll)
 
 function(run result)
     execute_process(COMMAND ${ARGN} OUTPUT_VARIABLE output COMMAND_ERROR_IS_FATAL ANY)
     set(${result} "${output}" PARENT_SCOPE)
 endfunction()
 
-run(headers "${OBJDUMP}" -p "${DLL}")
-
 # Square brackets would keep CMake from taking lists apart.
+run(headers "${OBJDUMP}" -p "${DLL}")
 string(REGEX REPLACE "[][]" "|" headers "${headers}")
 string(REGEX MATCH "\\|Ordinal/Name Pointer\\| Table[^\n]*\n(\t\\|[^\n]*\n)*" table "${headers}")
 string(REGEX MATCHALL "\t\\| *[0-9]+\\| [^\n]+" names "${table}")
@@ -28,25 +24,33 @@ if(NOT names STREQUAL exports)
     message(SEND_ERROR "exports: ${names}")
 endif()
 
-string(REGEX MATCHALL "DLL Name: [^\n]+" names "${headers}")
-list(TRANSFORM names REPLACE "^DLL Name: " "")
-list(TRANSFORM names TOLOWER)
-list(LENGTH names count)
-if(count EQUAL 0)
-    message(SEND_ERROR "no imports found")
-endif()
-foreach(name IN LISTS names)
-    if(NOT name IN_LIST imports)
-        message(SEND_ERROR "imports ${name}")
+foreach(file IN ITEMS "${DLL}" "${PROGRAM}")
+    run(headers "${OBJDUMP}" -p "${file}")
+    string(REGEX MATCHALL "DLL Name: [^\n]+" names "${headers}")
+    list(TRANSFORM names REPLACE "^DLL Name: " "")
+    list(TRANSFORM names TOLOWER)
+    if(NOT "kernel32.dll" IN_LIST names)
+        message(SEND_ERROR "no imports found in ${file}")
     endif()
+    foreach(name IN LISTS names)
+        if(NOT name IN_LIST system)
+            message(SEND_ERROR "${file} imports ${name}")
+        endif()
+    endforeach()
 endforeach()
 
 # The compiler gathers what a source file runs at load time in a function of this name.
-run(symbols "${NM}" "${DLL}")
-if(NOT symbols MATCHES " T DllGetClassObject")
-    message(SEND_ERROR "the DLL has no symbols to look at")
-endif()
-string(REGEX MATCHALL "_GLOBAL__sub_I_[^\n]*" initialisers "${symbols}")
-if(initialisers)
-    message(SEND_ERROR "runs at load time: ${initialisers}")
+set(functions 0)
+foreach(library IN LISTS LIBRARIES)
+    run(symbols "${NM}" "${library}")
+    string(REGEX MATCHALL "_GLOBAL__sub_I_[^\n]*" initialisers "${symbols}")
+    if(initialisers)
+        message(SEND_ERROR "${library} runs at load time: ${initialisers}")
+    endif()
+    string(REGEX MATCHALL " T [^\n]+" found "${symbols}")
+    list(LENGTH found count)
+    math(EXPR functions "${functions} + ${count}")
+endforeach()
+if(functions LESS 100)
+    message(SEND_ERROR "the libraries have no symbols to look at")
 endif()

@@ -3,9 +3,7 @@
 #include "tests/support/qt_printers.h"
 #include "tests/windows/server_test.h"
 
-#include <QApplication>
-#include <QDir>
-#include <QFileInfo>
+#include <QCoreApplication>
 
 #include <objbase.h>
 
@@ -22,14 +20,9 @@ TEST_F(FirstRequestTest, StartsQtOnceAndKeepsTheServerLoaded)
 {
     const QString source = writeSource("a.vrx", sampleBytes("rook.vrx"));
     auto object = m_server.make<IPersistFile>();
-    ASSERT_TRUE(QCoreApplication::startingUp());
 
     EXPECT_EQ(load(object, source), S_OK);
-    auto* const application = qobject_cast<QApplication*>(QCoreApplication::instance());
-    ASSERT_NE(application, nullptr);
-    EXPECT_EQ(QCoreApplication::arguments(), QStringList("platformplugin"));
-    const QString serverFolder = QFileInfo(QString::fromStdWString(ServerDll::path())).canonicalPath();
-    EXPECT_TRUE(QCoreApplication::libraryPaths().contains(serverFolder, Qt::CaseInsensitive));
+    EXPECT_TRUE(QCoreApplication::startingUp()) << "the server's Qt is its own";
     EXPECT_FALSE(extract(object).isNull());
     EXPECT_EQ(logMessages(), QStringList({"37 in 2 " + source, "61 app start", "63 app after", "84  throw "}));
 
@@ -38,15 +31,16 @@ TEST_F(FirstRequestTest, StartsQtOnceAndKeepsTheServerLoaded)
     EXPECT_FALSE(request(source).isNull());
     const QStringList hit = {"37 in 2 " + source, "63 app after"};
     EXPECT_EQ(logMessages(), hit + hit);
-    EXPECT_EQ(QCoreApplication::instance(), application);
 
-    // The application object calls into Qt's libraries, which the server keeps in memory.
+    // Windows calls into the application object, which the server keeps in memory.
     object.Reset();
     EXPECT_EQ(m_server.canUnloadNow(), S_OK);
     FreeLibrary(GetModuleHandleW(L"ZRThumbnail.dll"));
     CoFreeUnusedLibraries();
     ASSERT_TRUE(ServerDll::isLoaded());
-    QCoreApplication::processEvents();
+    MSG message = {};
+    while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE))
+        DispatchMessageW(&message);
     EXPECT_FALSE(request(source).isNull());
 }
 

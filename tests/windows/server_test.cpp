@@ -4,12 +4,20 @@
 #include "tests/support/files.h"
 #include "tools/samples/sample_files.h"
 
-#include <QCoreApplication>
 #include <QDir>
 #include <QFileInfo>
 
+#include <atomic>
+
 namespace zr::test
 {
+namespace
+{
+
+// Whether this process has made a request, with which Qt started.
+std::atomic<bool> hasLoaded{false};
+
+} // namespace
 
 QByteArray sampleBytes(const char* name)
 {
@@ -30,7 +38,7 @@ void ServerTest::SetUp()
 // The log is open from Load to Extract, and no folder goes with an open file in it.
 void ServerTest::TearDown()
 {
-    if (!QCoreApplication::startingUp())
+    if (hasLoaded)
         extract(m_server.make<IPersistFile>());
     EXPECT_EQ(m_server.canUnloadNow(), S_OK);
     DataFolderTest::TearDown();
@@ -45,6 +53,7 @@ QString ServerTest::writeSource(const QString& name, const QByteArray& bytes) co
 
 HRESULT ServerTest::load(const ComPtr<IPersistFile>& object, const QString& path)
 {
+    hasLoaded = true;
     return object->Load(reinterpret_cast<LPCOLESTR>(path.utf16()), STGM_READ);
 }
 

@@ -1,0 +1,120 @@
+// The functions of the system that Qt must not reach from inside of somebody else's process, and what it gets instead.
+//
+// Qt is a part of the programs, and the linker leads its calls of the functions that ZR_REPLACE and ZR_REPLACE_IMPORT
+// name to the ones here (its option --wrap; CMakeLists.txt reads the names from this file). So nothing has to be set in
+// the host and set back afterwards.
+
+#include <cerrno>
+#include <cstddef>
+#include <cstdlib>
+#include <cstring>
+#include <cwchar>
+
+#include <windows.h>
+
+#include <objbase.h>
+
+// Begins the function that is called in place of `name`, and names the original.
+#define ZR_REPLACE(name) __wrap_##name
+#define ZR_ORIGINAL(name) __real_##name
+// The same for a function of a DLL, which is called through a pointer in the table of imports.
+#define ZR_REPLACE_IMPORT(name, type, replacement)                                                                     \
+    extern type* const __wrap___imp_##name;                                                                            \
+    type* const __wrap___imp_##name = replacement
+#define ZR_ORIGINAL_IMPORT(name) __real___imp_##name
+
+namespace
+{
+
+// What the user, a developer or the host itself has set for Qt is meant for other programs. Of some 70 variables
+//   QT_QPA_PLATFORM, QT_QPA_PLATFORM_PLUGIN_PATH: any platform but "windows" ends the process after a message box
+//   QT_FATAL_WARNINGS, QT_FATAL_CRITICALS, QT_NO_CPU_FEATURE: end the process
+//   QT_LOAD_TESTABILITY, QT_QPA_GENERIC_PLUGINS, QT_PLUGIN_PATH: load libraries into it
+//   QT_LOGGING_*, QT_MESSAGE_PATTERN, QT_DEBUG_PLUGINS, QT_QPA_VERBOSE: write to its output
+//   QT_OPENGL, QT_OPENGL_DLL, QT_OPENGL_BUGLIST: draw models with another driver
+//   QT_SCALE_FACTOR, QT_FONT_DPI, QT_AUTO_SCREEN_SCALE_FACTOR and their kin: change sizes
+//   QT_HASH_SEED, QT_STYLE_OVERRIDE, QT_IM_MODULE, QT_DEFAULT_THREAD_STACK_SIZE and others: change how Qt works
+// The prefix covers all of them. Windows does not tell capitals from small letters in names of variables.
+constexpr std::size_t kPrefixLength = 3;
+
+bool isForQt(const char* name)
+{
+    return _strnicmp(name, "QT_", kPrefixLength) == 0;
+}
+
+bool isForQt(const wchar_t* name)
+{
+    return _wcsnicmp(name, L"QT_", kPrefixLength) == 0;
+}
+
+using WideGetenv = errno_t __cdecl(std::size_t*, wchar_t*, std::size_t, const wchar_t*);
+
+} // namespace
+
+extern "C" {
+
+char* ZR_ORIGINAL(getenv)(const char* name);
+extern WideGetenv* const ZR_ORIGINAL_IMPORT(_wgetenv_s);
+
+char* ZR_REPLACE(getenv)(const char* name)
+{
+    return isForQt(name) ? nullptr : ZR_ORIGINAL(getenv)(name);
+}
+
+static errno_t wideGetenv(std::size_t* length, wchar_t* value, std::size_t size, const wchar_t* name)
+{
+    if (!isForQt(name))
+        return ZR_ORIGINAL_IMPORT(_wgetenv_s)(length, value, size, name);
+    *length = 0;
+    return 0;
+}
+ZR_REPLACE_IMPORT(_wgetenv_s, WideGetenv, wideGetenv);
+
+// Qt starts OLE on the thread of the first request and never ends it: a thread that has ended its own COM since could
+// not choose another kind of apartment any more. Only the clipboard and dragging need OLE.
+static HRESULT WINAPI startNoOle(void*)
+{
+    return S_OK;
+}
+ZR_REPLACE_IMPORT(OleInitialize, decltype(OleInitialize), startNoOle);
+
+// QWindowsClipboard::registerViewer(): each change of the clipboard would send a message to the thread of the first
+// request, which may never look at its messages.
+void ZR_REPLACE(_ZN17QWindowsClipboard14registerViewerEv)() {}
+
+// Qt wants to repaint its windows when the display wakes up. There are none, and that thread would get messages, too.
+static HPOWERNOTIFY WINAPI notifyOfNothing(HANDLE, const GUID*, DWORD)
+{
+    return nullptr;
+}
+ZR_REPLACE_IMPORT(RegisterPowerSettingNotification, decltype(RegisterPowerSettingNotification), notifyOfNothing);
+
+// Whoever sends a message to all windows waits for the thread of each; those of the server's windows may never look at
+// their messages. Nobody sees these windows, which are what OpenGL contexts are made for, so they become message-only.
+// Some live as long as the process.
+extern decltype(CreateWindowExW)* const ZR_ORIGINAL_IMPORT(CreateWindowExW);
+static HWND WINAPI createWindow(DWORD extendedStyle, LPCWSTR className, LPCWSTR title, DWORD style, int x, int y,
+                                int width, int height, HWND parent, HMENU menu, HINSTANCE instance, void* parameter)
+{
+    return ZR_ORIGINAL_IMPORT(CreateWindowExW)(extendedStyle, className, title, style, x, y, width, height,
+                                               parent ? parent : HWND_MESSAGE, menu, instance, parameter);
+}
+ZR_REPLACE_IMPORT(CreateWindowExW, decltype(CreateWindowExW), createWindow);
+
+// QSystemLibrary::load(): Qt looks for graphics cards with Direct3D to choose a screen for a window with OpenGL. The
+// server's are on no screen, and Direct3D is much to load into a host.
+HINSTANCE ZR_ORIGINAL(_ZN14QSystemLibrary4loadEPKwb)(const wchar_t* name, bool onlyOfTheSystem);
+HINSTANCE ZR_REPLACE(_ZN14QSystemLibrary4loadEPKwb)(const wchar_t* name, bool onlyOfTheSystem)
+{
+    return std::wcscmp(name, L"d3d9") == 0 ? nullptr
+                                           : ZR_ORIGINAL(_ZN14QSystemLibrary4loadEPKwb)(name, onlyOfTheSystem);
+}
+
+// Qt would tell in a message box why it ends the process; nobody may be there to read it.
+static int WINAPI showNothing(HWND, LPCWSTR, LPCWSTR, UINT)
+{
+    return IDOK;
+}
+ZR_REPLACE_IMPORT(MessageBoxW, decltype(MessageBoxW), showNothing);
+
+} // extern "C"
