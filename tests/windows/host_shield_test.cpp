@@ -1,0 +1,58 @@
+// What Qt sees of a host, in a program that has the same shield as the server.
+
+#include "tests/support/files.h"
+#include "tests/support/qt_printers.h"
+
+#include <QCoreApplication>
+#include <QFile>
+#include <QLibraryInfo>
+
+#include <gtest/gtest.h>
+
+#include <windows.h>
+
+namespace zr::test
+{
+namespace
+{
+
+TEST(HostShieldTest, VariablesOfQtDoNotExist)
+{
+    for (const char* const name : {"QT_QPA_PLATFORM", "QT_ANYTHING", "qt_scale_factor", "Qt_Hash_Seed"}) {
+        ASSERT_TRUE(qputenv(name, "7"));
+        EXPECT_FALSE(qEnvironmentVariableIsSet(name)) << name;
+        EXPECT_TRUE(qEnvironmentVariableIsEmpty(name)) << name;
+        EXPECT_TRUE(qgetenv(name).isNull()) << name;
+        EXPECT_EQ(qEnvironmentVariable(name, "none"), "none") << name;
+        EXPECT_EQ(qEnvironmentVariableIntValue(name), 0) << name;
+        // For all others they do.
+        EXPECT_EQ(GetEnvironmentVariableA(name, nullptr, 0), 2U) << name;
+    }
+}
+
+TEST(HostShieldTest, OtherVariablesDo)
+{
+    for (const char* const name : {"ZR_ANYTHING", "QT", "QTDIR", "MY_QT_SETTING"}) {
+        ASSERT_TRUE(qputenv(name, "7"));
+        EXPECT_TRUE(qEnvironmentVariableIsSet(name)) << name;
+        EXPECT_EQ(qgetenv(name), "7") << name;
+        EXPECT_EQ(qEnvironmentVariable(name), "7") << name;
+    }
+}
+
+TEST(HostShieldTest, ConfigurationBesideTheProgramIsNotRead)
+{
+    wchar_t program[MAX_PATH] = {};
+    GetModuleFileNameW(nullptr, program, MAX_PATH);
+    QString path = QString::fromWCharArray(program);
+    path = writeFile(path.left(path.lastIndexOf('\\') + 1) + "qt.conf", "[Platforms]\nWindowsArguments = menus=none\n");
+    int argc = 1;
+    char name[] = "host";
+    char* argv[] = {name, nullptr};
+    const QCoreApplication application(argc, argv);
+    EXPECT_EQ(QLibraryInfo::platformPluginArguments("windows"), QStringList());
+    EXPECT_TRUE(QFile::remove(path));
+}
+
+} // namespace
+} // namespace zr::test
