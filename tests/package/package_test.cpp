@@ -23,12 +23,11 @@ namespace
 constexpr int kTimeoutMs = 120000;
 constexpr int kPollMs = 50;
 
-// Without the folders of the Qt that this test itself runs with.
+// Without the folder of the build.
 QProcessEnvironment bareEnvironment()
 {
     auto environment = QProcessEnvironment::systemEnvironment();
     environment.remove("WINEPATH");
-    environment.remove("QT_PLUGIN_PATH");
     environment.insert("PATH", "C:\\windows\\system32;C:\\windows");
     return environment;
 }

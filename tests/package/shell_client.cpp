@@ -4,6 +4,8 @@
 // with its input; until then it holds the server, as a file browser does. It has nothing of Qt or of the compiler's
 // runtime of its own, so all that the server needs comes from where the server is.
 
+#include "tests/hosts/bare_client.h"
+
 #include <fstream>
 #include <iostream>
 #include <string>
@@ -18,24 +20,7 @@ namespace
 {
 
 using Microsoft::WRL::ComPtr;
-
-std::wstring wide(const std::string& text)
-{
-    std::wstring result(text.size(), L'\0');
-    const int length = MultiByteToWideChar(CP_UTF8, 0, text.data(), static_cast<int>(text.size()), result.data(),
-                                           static_cast<int>(result.size()));
-    result.resize(static_cast<std::size_t>(length));
-    return result;
-}
-
-std::string narrow(const std::wstring& text)
-{
-    std::string result(text.size() * 3, '\0');
-    const int length = WideCharToMultiByte(CP_UTF8, 0, text.data(), static_cast<int>(text.size()), result.data(),
-                                           static_cast<int>(result.size()), nullptr, nullptr);
-    result.resize(static_cast<std::size_t>(length));
-    return result;
-}
+using namespace zr::test;
 
 HBITMAP thumbnailOf(const std::wstring& path)
 {
@@ -59,37 +44,12 @@ HBITMAP thumbnailOf(const std::wstring& path)
     return bitmap;
 }
 
-struct Picture {
-    LONG width = 0;
-    LONG height = 0;
-    std::vector<char> pixels;
-};
-
-Picture takePixels(HBITMAP bitmap)
-{
-    BITMAP description = {};
-    GetObjectW(bitmap, sizeof description, &description);
-    Picture picture = {description.bmWidth, description.bmHeight, {}};
-    picture.pixels.resize(static_cast<std::size_t>(picture.width) * static_cast<std::size_t>(picture.height) * 4);
-    BITMAPINFO wanted = {};
-    wanted.bmiHeader.biSize = sizeof wanted.bmiHeader;
-    wanted.bmiHeader.biWidth = picture.width;
-    wanted.bmiHeader.biHeight = -picture.height;
-    wanted.bmiHeader.biPlanes = 1;
-    wanted.bmiHeader.biBitCount = 32;
-    auto* const screen = GetDC(nullptr);
-    GetDIBits(screen, bitmap, 0, static_cast<UINT>(picture.height), picture.pixels.data(), &wanted, DIB_RGB_COLORS);
-    ReleaseDC(nullptr, screen);
-    DeleteObject(bitmap);
-    return picture;
-}
-
-void write(const Picture& picture, const std::string& path)
+void write(const BitmapPixels& picture, const std::string& path)
 {
     std::ofstream file(path, std::ios::binary);
     file.write(reinterpret_cast<const char*>(&picture.width), sizeof picture.width);
     file.write(reinterpret_cast<const char*>(&picture.height), sizeof picture.height);
-    file.write(picture.pixels.data(), static_cast<std::streamsize>(picture.pixels.size()));
+    file.write(reinterpret_cast<const char*>(picture.bytes.data()), static_cast<std::streamsize>(picture.bytes.size()));
 }
 
 std::string serverPath()
@@ -110,7 +70,7 @@ void serve(const std::string& folder, const std::string& path)
         bitmap = thumbnailOf(wide(path));
     std::cout << name << ' ';
     if (bitmap) {
-        const Picture picture = takePixels(bitmap);
+        const BitmapPixels picture = takePixels(bitmap);
         write(picture, folder + '\\' + name + ".bgra");
         std::cout << picture.width << 'x' << picture.height;
     } else {
