@@ -10,6 +10,8 @@
 # Windows itself refuses to start it where there are none.
 Target amd64-unicode
 SetCompressor /SOLID lzma
+# Both programs have Qt in them; the second one takes little room when the first one is still in sight.
+SetCompressorDictSize 64
 
 !include FileFunc.nsh
 !include LogicLib.nsh

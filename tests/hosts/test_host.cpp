@@ -366,14 +366,39 @@ void requestAsGuest(const Options& options)
     leaveApartment(options.apartment);
 }
 
+DWORD firstFreeTlsIndex()
+{
+    const DWORD index = TlsAlloc();
+    TlsFree(index);
+    return index;
+}
+
+// What a library that comes and goes must not leave: places for values of threads, of which a process has some 1000,
+// and handles.
 void reload(const Options& options)
 {
+    DWORD tlsIndex = 0;
+    DWORD handles = 0;
     for (int i = 0; i < options.reloads; ++i) {
-        const HostServer server(options.server);
-        server.makeObject();
+        {
+            const HostServer server(options.server);
+            server.makeObject();
+        }
+        if (i == 0) {
+            tlsIndex = firstFreeTlsIndex();
+            GetProcessHandleCount(GetCurrentProcess(), &handles);
+        }
     }
+    if (options.reloads == 0)
+        return;
+    DWORD handlesAfter = 0;
+    GetProcessHandleCount(GetCurrentProcess(), &handlesAfter);
     if (HostServer::isLoaded())
         std::printf("loaded\n");
+    if (firstFreeTlsIndex() != tlsIndex)
+        std::printf("leaked %lu places for values of threads\n", firstFreeTlsIndex() - tlsIndex);
+    if (handlesAfter > handles)
+        std::printf("leaked %lu handles\n", handlesAfter - handles);
 }
 
 // Whoever changes a setting of the system waits for all top-level windows of all programs.

@@ -9,7 +9,7 @@ again=$(mktemp -d)
 trap 'rm -rf "$again"' EXIT
 copy=$again/a/copy/elsewhere
 mkdir -p "$copy"
-"$top/tools/list-sources" | tar -c -C "$top" --null --files-from=- --no-recursion | tar -x -C "$copy"
+"$top/tools/list-sources" | tar -c -C "$top" --no-recursion --null --files-from=- | tar -x -C "$copy"
 
 cached() { sed -n "s/^$1:[A-Z]*=//p" "$build/CMakeCache.txt"; }
 # The compiler cache would give the first build's results.
