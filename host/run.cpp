@@ -3,6 +3,7 @@
 #include "host/console.h"
 #include "host/contact_sheet.h"
 #include "host/file_list.h"
+#include "host/output_check.h"
 #include "host/platform.h"
 #include "host/progress.h"
 #include "host/request.h"
@@ -17,6 +18,7 @@ namespace
 
 constexpr int kAllSucceeded = 0;
 constexpr int kSomeFailed = 1;
+constexpr int kWrongUsage = 2;
 
 // False, with a line on stderr, when the picture cannot be written.
 bool savePicture(const QImage& picture, const QString& path)
@@ -37,6 +39,11 @@ QImage fitted(const QImage& picture, int sizePx)
 int makeThumbnails(const Options& options)
 {
     const auto files = listFiles(options.files, options.recursive);
+    const QString fault = outputFault(options, files);
+    if (!fault.isEmpty()) {
+        printLine(stderr, QStringLiteral("zrthumb: %1\nTry 'zrthumb --help'.").arg(fault));
+        return kWrongUsage;
+    }
     const Progress progress(static_cast<int>(files.size()), options.quiet);
     ContactSheet sheet;
     int failures = 0;

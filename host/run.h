@@ -5,7 +5,8 @@
 namespace zr
 {
 
-/// Makes the thumbnails that `options` asks for and returns the program's exit status: 0 when all succeeded, else 1.
+/// Makes the thumbnails that `options` asks for and returns the program's exit status: 0 when all succeeded, 2 when the
+/// outputs must not be written (see outputFault), and then nothing has been made, else 1.
 int makeThumbnails(const Options& options);
 
 } // namespace zr

@@ -15,6 +15,8 @@
 #include <QProcess>
 #include <QTemporaryDir>
 
+#include <filesystem>
+
 namespace zr::test
 {
 namespace
@@ -151,6 +153,53 @@ TEST_F(ZrthumbTest, OutputThatCannotBeWrittenFails)
     const ProgramRun outcome = run({"-o", "no/such/folder/out.png", source("a.vrx")});
     EXPECT_EQ(outcome.status, 1);
     EXPECT_EQ(outcome.err, QStringList({"zrthumb: no/such/folder/out.png: cannot be written"}));
+}
+
+// What a forgotten or mistyped name does must not cost anybody a model.
+TEST_F(ZrthumbTest, OutputsNeverTakeThePlaceOfModels)
+{
+    const QString model = source("a.vrx");
+    const QString other = source("sub/b.STL");
+    const QString plain = sourceOf("model", "a model without a suffix");
+    std::filesystem::create_hard_link(plain.toStdU16String(), m_folder.filePath("hard.png").toStdU16String());
+    QList<QStringList> wrong = {
+        {"--sheet", "a.vrx", "sub/b.STL"}, // zrthumb --sheet *
+        {"--sheet", "a.vrx"},
+        {"-o", "a.vrx", "sub/b.STL"},
+        {"-o", "a.vrx", "a.vrx"},
+        {"-o", "a.vrx", "sub/b.STL", "model"},
+        {"--sheet", "sub/b.STL", "-r", "."},
+        {"-o", "new.stl", "a.vrx"},
+        {"--sheet", "new.OBJ", "a.vrx"},
+        {"-o", "model", "model"},
+        {"-o", "./sub/../model", "model"},
+        {"-o", model.left(model.lastIndexOf('/')) + "/model", "model"},
+        {"-o", "hard.png", "model"},
+        {"-o", "model", "hard.png"},
+        {"--sheet", "hard.png", "a.vrx", "model"},
+        {"-o", "same.png", "--sheet", "./same.png", "a.vrx"},
+    };
+#ifdef Q_OS_LINUX
+    // Windows has its own kind of link, which is a file.
+    ASSERT_TRUE(QFile::link(plain, m_folder.filePath("link.png")));
+    wrong.append({"-o", "link.png", "model"});
+#endif
+    const QByteArray contents[] = {readFile(model), readFile(other), readFile(plain)};
+    for (const QStringList& arguments : qAsConst(wrong)) {
+        SCOPED_TRACE(arguments.join(' ').toStdString());
+        const ProgramRun outcome = run(arguments);
+        EXPECT_EQ(outcome.status, 2);
+        EXPECT_EQ(outcome.out, QStringList());
+        EXPECT_EQ(outcome.err.size(), 2);
+        EXPECT_EQ(readFile(model), contents[0]);
+        EXPECT_EQ(readFile(other), contents[1]);
+        EXPECT_EQ(readFile(plain), contents[2]);
+        EXPECT_FALSE(QFileInfo::exists(dataFolder())) << "work was done";
+    }
+    EXPECT_EQ(run({"-o", "a.vrx", "a.vrx"}).err.first(),
+              "zrthumb: --output a.vrx: a picture is not written to a file of this kind; name a PNG");
+    EXPECT_EQ(run({"-o", "hard.png", "model"}).err.first(),
+              "zrthumb: --output hard.png: this is one of the files to make thumbnails of");
 }
 
 TEST_F(ZrthumbTest, SheetShowsThePicturesOfTheRun)
