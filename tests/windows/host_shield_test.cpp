@@ -11,6 +11,8 @@
 
 #include <windows.h>
 
+#include <objbase.h>
+
 namespace zr::test
 {
 namespace
@@ -52,6 +54,27 @@ TEST(HostShieldTest, ConfigurationBesideTheProgramIsNotRead)
     const QCoreApplication application(argc, argv);
     EXPECT_EQ(QLibraryInfo::platformPluginArguments("windows"), QStringList());
     EXPECT_TRUE(QFile::remove(path));
+}
+
+// The test's own calls are led there as Qt's are.
+TEST(HostShieldTest, NothingIsAskedOfTheHostsThread)
+{
+    EXPECT_EQ(OleInitialize(nullptr), S_OK);
+    APTTYPE type = APTTYPE_CURRENT;
+    APTTYPEQUALIFIER qualifier = APTTYPEQUALIFIER_NONE;
+    EXPECT_EQ(CoGetApartmentType(&type, &qualifier), CO_E_NOTINITIALIZED);
+    EXPECT_EQ(RegisterPowerSettingNotification(nullptr, nullptr, 0), nullptr);
+    EXPECT_EQ(MessageBoxW(nullptr, L"text", L"title", MB_OK), IDOK) << "nobody is asked";
+}
+
+TEST(HostShieldTest, WindowsAreMessageOnly)
+{
+    auto* const window = CreateWindowExW(0, L"STATIC", L"", WS_POPUP, 0, 0, 1, 1, nullptr, nullptr, nullptr, nullptr);
+    ASSERT_TRUE(window);
+    EXPECT_EQ(FindWindowExW(HWND_MESSAGE, nullptr, L"STATIC", nullptr), window);
+    auto* const child = CreateWindowExW(0, L"STATIC", L"", WS_CHILD, 0, 0, 1, 1, window, nullptr, nullptr, nullptr);
+    EXPECT_EQ(GetParent(child), window) << "a parent stays one";
+    DestroyWindow(window);
 }
 
 } // namespace
