@@ -4,7 +4,6 @@
 // name to the ones here (its option --wrap; CMakeLists.txt reads the names from this file). So nothing has to be set in
 // the host and set back afterwards.
 
-#include <cerrno>
 #include <cstddef>
 #include <cstdlib>
 #include <cstring>

@@ -13,7 +13,7 @@
 //   --restricted        the thread of the requests has a restricted token of low integrity
 //   --application       is a program with windows that has a window and runs a message loop after the requests
 //   --reload N          loads the server, makes an object and frees the server N times before; prints "loaded" when it
-//                       is still there after that
+//                       is still there after that, and "leaked" with what it has left
 //   --load-each N       loads and frees the server around each of N requests for each file
 //   --broadcast         sends a message to all windows after the requests; prints "broadcast passed" or "hangs"
 //   --cost              prints "cost FIGURE VALUE" lines, after the first and the 100th request of each file
