@@ -12,6 +12,7 @@
 #include <windows.h>
 
 #include <objbase.h>
+#include <process.h>
 
 // Begins the function that is called in place of `name`, and names the original.
 #define ZR_REPLACE(name) __wrap_##name
@@ -45,6 +46,9 @@ bool isForQt(const wchar_t* name)
 {
     return _wcsnicmp(name, L"QT_", kPrefixLength) == 0;
 }
+
+// Set by the DLL's DllMain(), before the C runtime ends what it has started.
+bool processEnds = false;
 
 using WideGetenv = errno_t __cdecl(std::size_t*, wchar_t*, std::size_t, const wchar_t*);
 
@@ -115,5 +119,21 @@ static int WINAPI showNothing(HWND, LPCWSTR, LPCWSTR, UINT)
     return IDOK;
 }
 ZR_REPLACE_IMPORT(MessageBoxW, decltype(MessageBoxW), showNothing);
+
+// A process that ends has stopped all threads but one, wherever they were. Qt's static objects would be destroyed by
+// that one then and wait for ever for a lock that another had. Windows takes back everything anyway. A DLL that is
+// freed while the process goes on is different.
+BOOL WINAPI DllMain(HINSTANCE, DWORD reason, void* isProcessEnd)
+{
+    if (reason == DLL_PROCESS_DETACH && isProcessEnd)
+        processEnds = true;
+    return TRUE;
+}
+
+int ZR_ORIGINAL(_execute_onexit_table)(_onexit_table_t* table);
+int ZR_REPLACE(_execute_onexit_table)(_onexit_table_t* table)
+{
+    return processEnds ? 0 : ZR_ORIGINAL(_execute_onexit_table)(table);
+}
 
 } // extern "C"

@@ -260,6 +260,13 @@ TEST_F(HostsTest, ThreadsThatEndWithTheirRequest)
     expectGoodGuest({"--thread-each", "--stack", "262144"});
 }
 
+// Windows stops them wherever they are, with what they have locked.
+TEST_F(HostsTest, ThreadsThatEndWithTheProcess)
+{
+    for (int i = 0; i < 10; ++i)
+        expectGoodGuest({"--thread-each", "--threads-at-end", "50"});
+}
+
 TEST_F(HostsTest, CurrentFolderThatIsGone)
 {
     expectGoodGuest({"--folder-gone"});

@@ -7,6 +7,7 @@
 //   --apartment KIND    sta, mta or none (of COM) on the thread of the requests
 //   --stack BYTES       of the thread of the requests
 //   --thread-each       a thread for each request that ends with it
+//   --threads-at-end N  N more threads that have made requests end in the moment in which the process does
 //   --folder-gone       its current folder has been deleted
 //   --opengl            an OpenGL context is current on the thread of the requests
 //   --traps             floating-point exceptions end it, and it rounds upwards
@@ -56,6 +57,7 @@ struct Options {
     bool application = false;
     bool broadcast = false;
     bool cost = false;
+    int threadsAtEnd = 0;
     int reloads = 0;
     int loadsEach = 0;
     std::string server;
@@ -91,6 +93,8 @@ bool parse(int argc, char** argv, Options& options)
             options.apartment = argv[i];
         else if (name == "--stack")
             options.stackBytes = std::strtoul(argv[i], nullptr, 10);
+        else if (name == "--threads-at-end")
+            options.threadsAtEnd = std::atoi(argv[i]);
         else if (name == "--reload")
             options.reloads = std::atoi(argv[i]);
         else if (name == "--load-each")
@@ -213,8 +217,8 @@ void restrictThread()
         fail("taking the restricted token");
 }
 
-// Runs it on a new thread and waits for that. Without a size the stack is the program's usual one.
-void onThread(std::size_t stackBytes, const std::function<void()>& work)
+// A new thread that runs it. Without a size the stack is the program's usual one.
+HANDLE startThread(std::size_t stackBytes, const std::function<void()>& work)
 {
     const auto start = [](void* data) -> DWORD {
         (*static_cast<const std::function<void()>*>(data))();
@@ -224,6 +228,12 @@ void onThread(std::size_t stackBytes, const std::function<void()>& work)
                                       STACK_SIZE_PARAM_IS_A_RESERVATION, nullptr);
     if (!thread)
         fail("starting a thread");
+    return thread;
+}
+
+void onThread(std::size_t stackBytes, const std::function<void()>& work)
+{
+    auto* const thread = startThread(stackBytes, work);
     WaitForSingleObject(thread, INFINITE);
     CloseHandle(thread);
 }
@@ -439,6 +449,26 @@ void runMessageLoop()
         DispatchMessageW(&message);
 }
 
+// Their pictures are in the cache by now, so that all of them are soon there.
+void endWithThreads(const Options& options)
+{
+    auto* const end = CreateEventW(nullptr, TRUE, FALSE, nullptr);
+    auto* const ready = CreateSemaphoreW(nullptr, 0, options.threadsAtEnd, nullptr);
+    const HostServer server(options.server);
+    const std::function<void()> work = [&] {
+        server.request(options.files.front());
+        ReleaseSemaphore(ready, 1, nullptr);
+        WaitForSingleObject(end, INFINITE);
+    };
+    for (int i = 0; i < options.threadsAtEnd; ++i)
+        CloseHandle(startThread(0, work));
+    for (int i = 0; i < options.threadsAtEnd; ++i)
+        WaitForSingleObject(ready, INFINITE);
+    std::fflush(stdout);
+    SetEvent(end);
+    ExitProcess(0);
+}
+
 int run(const Options& options)
 {
     if (!options.dpi.empty())
@@ -466,6 +496,8 @@ int run(const Options& options)
         onThread(0, broadcast);
     if (options.application)
         runMessageLoop();
+    if (options.threadsAtEnd > 0)
+        endWithThreads(options);
     return 0;
 }
 
