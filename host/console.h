@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QByteArray>
 #include <QString>
 
 #include <cstdio>
@@ -7,8 +8,18 @@
 namespace zr
 {
 
-/// Prints the text and a line feed at once, in the terminal's encoding.
+/// Writes the text to stdout or stderr at once, in the terminal's encoding. What cannot be written to stdout is
+/// remembered, see stdoutFault().
+void printText(std::FILE* stream, const QString& text);
+
+/// The same with an end of line.
 void printLine(std::FILE* stream, const QString& text);
+
+/// Writes the bytes to stdout as they are. Returns why they could not be written, all of them; empty when they were.
+QString writeStdout(const QByteArray& bytes);
+
+/// Why something that was printed to stdout did not get there, in the system's words; empty when all did.
+QString stdoutFault();
 
 /// The text without what a terminal would act on: names of files may hold line feeds and control sequences.
 QString printable(QString text);

@@ -3,6 +3,7 @@
 #include <QString>
 #include <QStringList>
 
+#include <functional>
 #include <vector>
 
 namespace zr
@@ -11,11 +12,20 @@ namespace zr
 /// A file to make a thumbnail of.
 struct ListedFile {
     QString shown; ///< as the user named it
-    QString path;  ///< absolute
+    QString path;  ///< absolute, with the separators of the system
+};
+
+/// What the command line stands for.
+struct FileList {
+    std::vector<ListedFile> files;
+    QStringList faults; ///< a line for the user for each folder or name that had to be left out
+    QStringList notes;  ///< a line for the user for each folder with nothing to make a thumbnail of
 };
 
 /// The files that the command line names, in its order. With `recursive`, a folder stands for the files of every
-/// supported format below it, sorted by path; links to folders are not followed.
-std::vector<ListedFile> listFiles(const QStringList& files, bool recursive);
+/// supported format below it, sorted by path; links to folders are not followed, hidden files and folders left out.
+/// `onFound` is told now and then how many files have been found so far.
+FileList listFiles(const QStringList& files, bool recursive,
+                   const std::function<void(std::size_t count)>& onFound = nullptr);
 
 } // namespace zr

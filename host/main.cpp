@@ -1,6 +1,7 @@
 // zrthumb: makes thumbnails from the command line, by the same requests that the file browser makes.
 
 #include "host/check.h"
+#include "host/console.h"
 #include "host/options.h"
 #include "host/platform.h"
 #include "host/run.h"
@@ -12,6 +13,7 @@
 namespace
 {
 
+constexpr int kFailed = 1;
 constexpr int kWrongUsage = 2;
 
 // Qt warns of much that a request copes with: a display that cannot be reached, a damaged picture. The host tells
@@ -19,20 +21,17 @@ constexpr int kWrongUsage = 2;
 void dropWarnings(QtMsgType type, const QMessageLogContext& context, const QString& message)
 {
     if (type == QtCriticalMsg || type == QtFatalMsg)
-        std::fprintf(stderr, "%s\n", qFormatLogMessage(type, context, message).toLocal8Bit().constData());
+        zr::printLine(stderr, qFormatLogMessage(type, context, message));
 }
 
-} // namespace
-
-int main(int argc, char** argv)
+int run(const zr::Options& options)
 {
-    const zr::Options options = zr::parseOptions(zr::commandLineArguments(argc, argv));
     switch (options.action) {
     case zr::Options::Action::ShowText:
-        std::fputs(options.text.toLocal8Bit().constData(), stdout);
+        zr::printText(stdout, options.text);
         return 0;
     case zr::Options::Action::RejectUsage:
-        std::fputs(options.text.toLocal8Bit().constData(), stderr);
+        zr::printText(stderr, options.text);
         return kWrongUsage;
     case zr::Options::Action::MakeThumbnails:
     case zr::Options::Action::RunChecks:
@@ -40,6 +39,28 @@ int main(int argc, char** argv)
     }
     if (qEnvironmentVariableIsEmpty("QT_LOGGING_RULES"))
         qInstallMessageHandler(dropWarnings);
+    if (!zr::findHome()) {
+        zr::printLine(stderr,
+                      QStringLiteral("zrthumb: you have no home folder for the cache: set HOME or XDG_DATA_HOME"));
+        return kFailed;
+    }
     zr::chooseQtPlatform();
-    zr::leave(options.action == zr::Options::Action::RunChecks ? zr::runChecks() : zr::makeThumbnails(options));
+    return options.action == zr::Options::Action::RunChecks ? zr::runChecks() : zr::makeThumbnails(options);
+}
+
+// What did not reach its reader was not had.
+int withFaultOfStdout(int status)
+{
+    if (zr::stdoutFault().isEmpty())
+        return status;
+    zr::printLine(stderr, QStringLiteral("zrthumb: stdout cannot be written: ") + zr::stdoutFault());
+    return status == 0 ? kFailed : status;
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    zr::openStandardStreams();
+    zr::leave(withFaultOfStdout(run(zr::parseOptions(zr::commandLineArguments(argc, argv)))));
 }

@@ -8,7 +8,29 @@ namespace zr
 namespace
 {
 
-constexpr int kMaxSizePx = 16384;
+// Ten times the size of the pictures that are made; nothing more is in them.
+constexpr int kMaxSizePx = 4096;
+
+// Below the list of options.
+const char* const kMoreHelp = R"(
+Formats: stl, obj, slc (models); vrx, vrxdlp, fdg, gf, photons, svgx, kestravo
+(slice files with a preview).
+
+Examples:
+  zrthumb part.stl                       print where its cached PNG is
+  zrthumb -o part.png -s 256 part.stl    write the picture to a file
+  zrthumb -o - part.stl | magick - part.jpg
+  zrthumb -r --sheet all.png Models      one picture of a whole folder
+
+For each file, the path of its PNG goes to stdout, or one line to stderr:
+"zrthumb: FILE: no thumbnail: REASON".
+
+Exit status:
+  0    all files have a thumbnail, all outputs are written
+  1    a file has none, a folder could not be listed or an output not written
+  2    wrong usage; nothing was done
+  130  interrupted (128 + the signal's number)
+)";
 
 struct CommandLine {
     CommandLine()
@@ -31,14 +53,16 @@ struct CommandLine {
         char name[] = "zrthumb";
         char* argv[] = {name, nullptr};
         const QCoreApplication application(argc, argv);
-        return parser.helpText();
+        return parser.helpText() + QLatin1String(kMoreHelp);
     }
 
     QCommandLineParser parser;
-    const QCommandLineOption output{{"o", "output"}, "With a single FILE, also save its picture as <PNG>.", "PNG"};
+    const QCommandLineOption output{
+        {"o", "output"}, "With a single FILE, save its picture as <PNG>; - is stdout.", "PNG"};
     const QCommandLineOption size{{"s", "size"}, "With -o, fit the picture into <N> x <N> pixels.", "N"};
     const QCommandLineOption sheet{"sheet", "Save a contact sheet of all pictures, with their names, as <PNG>.", "PNG"};
-    const QCommandLineOption recursive{{"r", "recursive"}, "A FILE that is a folder stands for all files below it."};
+    const QCommandLineOption recursive{{"r", "recursive"},
+                                       "A FILE that is a folder stands for all files below it but hidden ones."};
     const QCommandLineOption quiet{{"q", "quiet"}, "Print nothing but failures."};
     const QCommandLineOption server{"dll", "Use the server in the DLL <PATH> without registration.", "PATH"};
     const QCommandLineOption check{"check", "Tell why no thumbnails show: check the installation and this machine."};

@@ -2,11 +2,14 @@
 
 #include "core/reader_table.h"
 #include "host/console.h"
+#include "host/output_file.h"
+#include "host/platform.h"
 
 #include <QFileInfo>
 
 #include <algorithm>
 #include <filesystem>
+#include <iterator>
 
 namespace zr
 {
@@ -25,15 +28,45 @@ bool isSameFile(const QString& path, const QString& other)
     }
 }
 
+// Names that promise another kind of picture than a PNG.
+bool namesOtherFormat(const QString& output)
+{
+    constexpr const char* kFormats[] = {"avif", "bmp", "gif", "heic", "ico", "jfif", "jpe",  "jpeg",
+                                        "jpg",  "pdf", "ppm", "svg",  "tga", "tif",  "tiff", "webp"};
+    const QString suffix = QFileInfo(output).suffix();
+    return std::any_of(std::begin(kFormats), std::end(kFormats), [&suffix](const char* format) {
+        return suffix.compare(QLatin1String(format), Qt::CaseInsensitive) == 0;
+    });
+}
+
+QString faultOfStdout(const QString& option)
+{
+    if (stdoutIsTerminal())
+        return QStringLiteral("%1 -: a picture is nothing for a terminal; lead it to a file or another program")
+            .arg(option);
+    return {};
+}
+
 QString faultOf(const QString& option, const QString& output, const std::vector<ListedFile>& files)
 {
     if (output.isEmpty())
         return {};
+    if (output == QLatin1String(kStdoutName))
+        return faultOfStdout(option);
     const QString name = printable(output);
-    if (supportedSuffixes().contains(QFileInfo(output).suffix(), Qt::CaseInsensitive))
+    if (output.startsWith(QLatin1Char('-')))
+        return QStringLiteral("%1 %2: the name of the PNG is missing (or is ./%2)").arg(option, name);
+    const QFileInfo target(output);
+    if (target.isDir())
+        return QStringLiteral("%1 %2: this is a folder; name a PNG").arg(option, name);
+    if (!QFileInfo(target.absolutePath()).isDir())
+        return QStringLiteral("%1 %2: there is no folder of that name to write it to").arg(option, name);
+    if (namesOtherFormat(output))
+        return QStringLiteral("%1 %2: pictures are written as PNG; name a file that ends with .png").arg(option, name);
+    if (supportedSuffixes().contains(target.suffix(), Qt::CaseInsensitive))
         return QStringLiteral("%1 %2: a picture is not written to a file of this kind; name a PNG").arg(option, name);
     const auto isOutput = [&output](const ListedFile& file) { return isSameFile(output, file.path); };
-    if (QFileInfo::exists(output) && std::any_of(files.cbegin(), files.cend(), isOutput))
+    if (target.exists() && std::any_of(files.cbegin(), files.cend(), isOutput))
         return QStringLiteral("%1 %2: this is one of the files to make thumbnails of").arg(option, name);
     return {};
 }

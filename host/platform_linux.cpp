@@ -6,7 +6,10 @@
 #include <clocale>
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 
+#include <fcntl.h>
+#include <pwd.h>
 #include <unistd.h>
 
 namespace zr
@@ -48,6 +51,37 @@ bool stderrIsTerminal()
 {
     return isatty(STDERR_FILENO) == 1;
 }
+
+bool stdoutIsTerminal()
+{
+    return isatty(STDOUT_FILENO) == 1;
+}
+
+void openStandardStreams()
+{
+    for (int descriptor = STDIN_FILENO; descriptor <= STDERR_FILENO; ++descriptor) {
+        // The lowest free number is what it gets.
+        if (fcntl(descriptor, F_GETFD) == -1 && open("/dev/null", O_RDWR) != descriptor)
+            std::_Exit(EXIT_FAILURE);
+    }
+}
+
+bool findHome()
+{
+    if (!qEnvironmentVariableIsEmpty("HOME") || !qEnvironmentVariableIsEmpty("XDG_DATA_HOME"))
+        return true;
+    const passwd* const user = getpwuid(getuid());
+    // The root folder is what services have that need none.
+    const bool hasHome = user && user->pw_dir && *user->pw_dir && std::strcmp(user->pw_dir, "/") != 0;
+    return hasHome && qputenv("HOME", user->pw_dir);
+}
+
+bool writeText(std::FILE* stream, const QString& text)
+{
+    return std::fputs(text.toLocal8Bit().constData(), stream) >= 0 && std::fflush(stream) == 0;
+}
+
+void makeStdoutBinary() {}
 
 void leave(int status)
 {

@@ -2,8 +2,12 @@
 
 #include <QGuiApplication>
 
+#include <cerrno>
 #include <cstdio>
+#include <cstdlib>
+#include <utility>
 
+#include <fcntl.h>
 #include <io.h>
 #include <windows.h>
 
@@ -44,6 +48,52 @@ bool openGlLacksDisplay()
 bool stderrIsTerminal()
 {
     return _isatty(_fileno(stderr)) != 0;
+}
+
+bool stdoutIsTerminal()
+{
+    return _isatty(_fileno(stdout)) != 0;
+}
+
+void openStandardStreams()
+{
+    const std::pair<std::FILE*, const char*> streams[] = {{stdin, "r"}, {stdout, "w"}, {stderr, "w"}};
+    for (const auto& [stream, mode] : streams) {
+        if (_fileno(stream) < 0 && !std::freopen("NUL", mode, stream))
+            TerminateProcess(GetCurrentProcess(), EXIT_FAILURE);
+    }
+}
+
+// The system knows where the data is.
+bool findHome()
+{
+    return true;
+}
+
+bool writeText(std::FILE* stream, const QString& text)
+{
+    auto* const handle = reinterpret_cast<HANDLE>(_get_osfhandle(_fileno(stream)));
+    DWORD mode = 0;
+    if (!GetConsoleMode(handle, &mode)) {
+        const QByteArray bytes = text.toUtf8();
+        return std::fputs(bytes.constData(), stream) >= 0 && std::fflush(stream) == 0;
+    }
+    // Consoles take a limited number at once.
+    constexpr int kPieceLength = 8192;
+    for (int begin = 0; begin < text.size(); begin += kPieceLength) {
+        const DWORD length = static_cast<DWORD>(qMin(kPieceLength, text.size() - begin));
+        DWORD written = 0;
+        if (!WriteConsoleW(handle, text.utf16() + begin, length, &written, nullptr) || written != length) {
+            errno = EIO;
+            return false;
+        }
+    }
+    return true;
+}
+
+void makeStdoutBinary()
+{
+    _setmode(_fileno(stdout), _O_BINARY);
 }
 
 void leave(int status)

@@ -1,0 +1,88 @@
+#include "cache/shared_pictures.h"
+
+#include "core/data_location.h"
+
+#include <QFileInfo>
+#include <QSqlDatabase>
+#include <QSqlQuery>
+#include <QVariant>
+
+namespace zr
+{
+namespace
+{
+
+// A connection of its own while the object lives; requests have theirs.
+class CacheConnection
+{
+public:
+    CacheConnection()
+    {
+        // SQLite would make a file that is missing, and wait at a pipe.
+        if (!QFileInfo(defaultDatabasePath()).isFile())
+            return;
+        auto database = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), name());
+        database.setDatabaseName(defaultDatabasePath());
+        database.open();
+    }
+    ~CacheConnection() { QSqlDatabase::removeDatabase(name()); }
+    CacheConnection(const CacheConnection&) = delete;
+    CacheConnection& operator=(const CacheConnection&) = delete;
+
+    // Never valid when the database is not open.
+    static QSqlQuery query() { return QSqlQuery(QString(), QSqlDatabase::database(name())); }
+
+private:
+    static QString name() { return QStringLiteral("shared pictures"); }
+};
+
+QString pngOf(const QString& path)
+{
+    auto query = CacheConnection::query();
+    query.prepare(QStringLiteral("SELECT thumPath FROM thumbnail WHERE filePath = ?"));
+    query.addBindValue(path);
+    return query.exec() && query.next() ? query.value(0).toString() : QString();
+}
+
+// No file has this size.
+void makeStale(const QString& path)
+{
+    auto query = CacheConnection::query();
+    query.prepare(QStringLiteral("UPDATE thumbnail SET fileSize = -1 WHERE filePath = ?"));
+    query.addBindValue(path);
+    query.exec();
+}
+
+} // namespace
+
+SharedPictures::SharedPictures()
+{
+    const CacheConnection connection;
+    auto query = CacheConnection::query();
+    query.setForwardOnly(true);
+    query.exec(
+        QStringLiteral("SELECT min(thumPath) FROM thumbnail GROUP BY thumPath COLLATE NOCASE HAVING count(*) > 1"));
+    while (query.next())
+        m_sharedPngs.insert(query.value(0).toString().toCaseFolded());
+}
+
+bool SharedPictures::isShared(const QString& path, const QString& pngPath) const
+{
+    const QString key = pngPath.toCaseFolded();
+    return m_sharedPngs.contains(key) || m_lastFiles.value(key, path) != path;
+}
+
+void SharedPictures::prepare(const QString& path) const
+{
+    const CacheConnection connection;
+    const QString pngPath = pngOf(path);
+    if (!pngPath.isEmpty() && isShared(path, pngPath))
+        makeStale(path);
+}
+
+void SharedPictures::handedOut(const QString& path, const QString& pngPath)
+{
+    m_lastFiles.insert(pngPath.toCaseFolded(), path);
+}
+
+} // namespace zr

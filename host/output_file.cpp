@@ -1,0 +1,72 @@
+#include "host/output_file.h"
+
+#include "core/whole_file.h"
+#include "host/console.h"
+
+#include <QBuffer>
+#include <QFile>
+#include <QFileInfo>
+
+namespace zr
+{
+namespace
+{
+
+QByteArray encoded(const QImage& picture)
+{
+    QBuffer buffer;
+    return picture.save(&buffer, "PNG") ? buffer.data() : QByteArray();
+}
+
+// Nothing is cut off first: whatever the disk has given to the older bytes can take them back after a failure.
+QString overwrite(QFile& file, const QByteArray& bytes)
+{
+    const QByteArray older = file.readAll();
+    if (file.seek(0) && writeAll(file, bytes) && file.resize(bytes.size()))
+        return {};
+    const QString reason = file.errorString();
+    if (file.seek(0) && writeAll(file, older))
+        file.resize(older.size());
+    return reason;
+}
+
+QString writeInPlace(const QString& path, const QByteArray& bytes)
+{
+    QFile file(path);
+    if (QFileInfo(path).isFile())
+        return file.open(QIODevice::ReadWrite | QIODevice::Unbuffered) ? overwrite(file, bytes) : file.errorString();
+    if (!file.open(QIODevice::WriteOnly | QIODevice::Unbuffered) || !writeAll(file, bytes))
+        return file.errorString();
+    return {};
+}
+
+} // namespace
+
+QString writeOutput(const QImage& picture, const QString& path)
+{
+    const QByteArray bytes = encoded(picture);
+    if (bytes.isEmpty())
+        return QStringLiteral("the picture cannot be encoded");
+    if (path == QLatin1String(kStdoutName))
+        return writeStdout(bytes);
+    const QFileInfo target(path);
+    const bool isReplaceable = !target.isSymLink() && (!target.exists() || (target.isFile() && target.isWritable()));
+    if (!isReplaceable)
+        return writeInPlace(path, bytes);
+    const bool existed = target.exists();
+    const QFile::Permissions permissions = target.permissions();
+    QString reason;
+    switch (writeWhole(path, bytes, &reason)) {
+    case WholeFile::Written:
+        if (existed)
+            QFile::setPermissions(path, permissions);
+        return {};
+    case WholeFile::Failed:
+        return reason;
+    case WholeFile::NotPossible:
+        break;
+    }
+    return writeInPlace(path, bytes);
+}
+
+} // namespace zr

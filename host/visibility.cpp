@@ -1,0 +1,36 @@
+#include "host/visibility.h"
+
+#include <QFileInfo>
+
+#include <algorithm>
+
+namespace zr
+{
+
+bool isInvisible(const QImage& picture)
+{
+    if (picture.isNull() || !picture.hasAlphaChannel())
+        return false;
+    const QImage pixels = picture.convertToFormat(QImage::Format_ARGB32);
+    for (int y = 0; y < pixels.height(); ++y) {
+        const auto* const row = reinterpret_cast<const QRgb*>(pixels.constScanLine(y));
+        if (std::any_of(row, row + pixels.width(), [](QRgb pixel) { return qAlpha(pixel) != 0; }))
+            return false;
+    }
+    return true;
+}
+
+QString invisibilityReason(const QString& path)
+{
+    const QString nothing = QStringLiteral("nothing can be seen in its thumbnail");
+    const QString suffix = QFileInfo(path).suffix().toLower();
+    // An index that is no plain number counts as the first point, and the first point has the number 0.
+    if (suffix == QLatin1String("obj"))
+        return nothing + QStringLiteral("; mostly that is since its faces have slashes ('f 1/2/3') or negative "
+                                        "numbers, which are not understood");
+    if (suffix == QLatin1String("stl") || suffix == QLatin1String("slc"))
+        return nothing + QStringLiteral("; its triangles may have no area");
+    return nothing + QStringLiteral("; the preview in it is empty");
+}
+
+} // namespace zr

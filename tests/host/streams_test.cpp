@@ -1,0 +1,79 @@
+// Streams and variables of the environment that zrthumb finds in a strange state.
+
+#include "tests/host/zrthumb_fixture.h"
+#include "tests/support/qt_printers.h"
+
+#include <QImage>
+
+#include <sys/stat.h>
+
+namespace zr::test
+{
+namespace
+{
+
+class StreamsTest : public ZrthumbTest
+{
+protected:
+    // Runs the program below a shell, which gets the redirections.
+    ProgramRun runInShell(const QString& arguments, const QString& redirections) const
+    {
+        return runProgram("/bin/sh", {"-c", QStringLiteral("'" ZRTHUMB_PROGRAM "' %1 %2").arg(arguments, redirections)},
+                          m_folder.path(), m_environment);
+    }
+};
+
+TEST_F(StreamsTest, ClosedStreamsAreOpenedOnTheNullDevice)
+{
+    for (const char* const name : {"a.vrx", "b.vrx", "c.vrx"})
+        source(name);
+    for (const char* const closed : {">&-", "<&-", "2>&-", ">&- 2>&-", "<&- >&- 2>&-"}) {
+        SCOPED_TRACE(closed);
+        EXPECT_EQ(runInShell("a.vrx b.vrx c.vrx", closed).status, 0);
+        EXPECT_EQ(runInShell("a.vrx missing", closed).status, 1);
+        EXPECT_EQ(runInShell("-o out.png a.vrx", closed).status, 0);
+        EXPECT_FALSE(QImage(m_folder.filePath("out.png")).isNull());
+        ASSERT_TRUE(QDir(dataFolder()).removeRecursively());
+    }
+}
+
+TEST_F(StreamsTest, FullStdoutIsAFailure)
+{
+    source("a.vrx");
+    const QStringList fault = {"zrthumb: stdout cannot be written: No space left on device"};
+    for (const char* const arguments : {"a.vrx a.vrx", "--help", "--version", "--check"}) {
+        SCOPED_TRACE(arguments);
+        const ProgramRun outcome = runInShell(arguments, ">/dev/full");
+        EXPECT_EQ(outcome.status, 1);
+        EXPECT_EQ(outcome.err, fault);
+    }
+    const ProgramRun picture = runInShell("-o - a.vrx", ">/dev/full");
+    EXPECT_EQ(picture.status, 1);
+    EXPECT_EQ(picture.err, QStringList("zrthumb: -: cannot be written: No space left on device"));
+    EXPECT_EQ(runInShell("--nonsense", ">/dev/full").status, 2);
+}
+
+TEST_F(StreamsTest, PicturesAreNotWrittenToATerminal)
+{
+    source("a.vrx");
+    const ProgramRun outcome = runProgram(
+        "script", {"-qec", QStringLiteral(ZRTHUMB_PROGRAM " -o - a.vrx"), "/dev/null"}, m_folder.path(), m_environment);
+    EXPECT_EQ(outcome.status, 2);
+    EXPECT_EQ(outcome.out.first(),
+              "zrthumb: --output -: a picture is nothing for a terminal; lead it to a file or another program");
+}
+
+TEST_F(StreamsTest, HomeComesFromTheSystemWhenTheEnvironmentHasNone)
+{
+    m_environment.remove("HOME");
+    m_environment.remove("XDG_DATA_HOME");
+    // Not in the home of whoever runs the tests: a read-only check of where it would be.
+    const ProgramRun outcome = run({"--check"});
+    const QString home = QDir::homePath();
+    ASSERT_NE(home, "/");
+    EXPECT_FALSE(outcome.out.filter("data folder: " + home + "/.local/share/KESTRAVO_Thumbnail").isEmpty())
+        << outcome.out.join('\n').toStdString();
+}
+
+} // namespace
+} // namespace zr::test

@@ -1,0 +1,144 @@
+// Outputs that meet a full disk or something else than a file.
+
+#include "host/output_file.h"
+#include "tests/reliability/fault_hooks.h"
+#include "tests/support/files.h"
+#include "tests/support/qt_printers.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QTemporaryDir>
+
+#include <cerrno>
+#include <thread>
+
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+
+namespace zr::test
+{
+namespace
+{
+
+class OutputFaultsTest : public ::testing::Test
+{
+protected:
+    void SetUp() override { m_picture.fill(Qt::red); }
+
+    // What the folder has, hidden files too.
+    QStringList names() const
+    {
+        return QDir(m_folder.path()).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot);
+    }
+
+    bool isWhole(const QString& path) const { return QImage(path) == m_picture; }
+
+    QTemporaryDir m_folder;
+    const QString m_path = m_folder.filePath("out.png");
+    QImage m_picture{64, 64, QImage::Format_RGB32};
+};
+
+TEST_F(OutputFaultsTest, FullDiskKeepsTheOlderFile)
+{
+    const QByteArray older(3000, 'x');
+    for (const qint64 room : {-1, 20}) {
+        writeFile(m_path, older);
+        const InjectedFault fault({SystemCall::Write, QFile::encodeName(m_folder.path()), ENOSPC, 0, -1, room});
+        EXPECT_EQ(writeOutput(m_picture, m_path), "No space left on device");
+        EXPECT_GT(fault.hits(), 0);
+        EXPECT_EQ(readFile(m_path), older);
+        EXPECT_EQ(names(), QStringList({"out.png"}));
+    }
+}
+
+TEST_F(OutputFaultsTest, FullDiskLeavesNothingOfANewFile)
+{
+    const InjectedFault fault({SystemCall::Write, QFile::encodeName(m_folder.path()), ENOSPC, 0, -1, 20});
+    EXPECT_EQ(writeOutput(m_picture, m_path), "No space left on device");
+    EXPECT_EQ(names(), QStringList());
+}
+
+TEST_F(OutputFaultsTest, FolderThatTakesNoNewFilesGetsItWrittenInPlace)
+{
+    const InjectedFault fault({SystemCall::OpenToWrite, "/.", EACCES});
+    for (const int olderSize : {3000, 0, 3}) {
+        writeFile(m_path, QByteArray(olderSize, 'x'));
+        EXPECT_EQ(writeOutput(m_picture, m_path), "");
+        EXPECT_TRUE(isWhole(m_path));
+    }
+    EXPECT_EQ(fault.hits(), 3);
+}
+
+TEST_F(OutputFaultsTest, FileThatCannotBeReplacedIsWrittenInPlace)
+{
+    const InjectedFault fault({SystemCall::Rename, QFile::encodeName(m_folder.path()), EPERM});
+    writeFile(m_path, QByteArray(3000, 'x'));
+    EXPECT_EQ(writeOutput(m_picture, m_path), "");
+    EXPECT_TRUE(isWhole(m_path));
+    EXPECT_EQ(names(), QStringList({"out.png"}));
+}
+
+TEST_F(OutputFaultsTest, FullDiskKeepsTheOlderFileInPlace)
+{
+    for (const int olderSize : {3000, 0, 30}) {
+        const QByteArray older(olderSize, 'x');
+        writeFile(m_path, older);
+        // Some bytes, none, and none again when the reason is asked for.
+        constexpr int kAttempts = 3;
+        const InjectedFault noNewFiles({SystemCall::OpenToWrite, "/.", EACCES});
+        const InjectedFault fault({SystemCall::Write, "/out.png", ENOSPC, 0, kAttempts, 20});
+        EXPECT_EQ(writeOutput(m_picture, m_path), "No space left on device");
+        EXPECT_EQ(readFile(m_path), older);
+    }
+}
+
+TEST_F(OutputFaultsTest, LinkStaysALink)
+{
+    const QString target = writeFile(m_folder.filePath("target"), QByteArray(3000, 'x'));
+    ASSERT_TRUE(QFile::link(target, m_path));
+    EXPECT_EQ(writeOutput(m_picture, m_path), "");
+    EXPECT_TRUE(QFileInfo(m_path).isSymLink());
+    EXPECT_TRUE(isWhole(target));
+}
+
+TEST_F(OutputFaultsTest, LinkToNothingMakesWhatItNames)
+{
+    const QString target = m_folder.filePath("target");
+    ASSERT_TRUE(QFile::link(target, m_path));
+    EXPECT_EQ(writeOutput(m_picture, m_path), "");
+    EXPECT_TRUE(QFileInfo(m_path).isSymLink());
+    EXPECT_TRUE(isWhole(target));
+}
+
+TEST_F(OutputFaultsTest, PermissionsOfTheOlderFileStay)
+{
+    writeFile(m_path, "x");
+    ASSERT_EQ(chmod(QFile::encodeName(m_path).constData(), 0600), 0);
+    EXPECT_EQ(writeOutput(m_picture, m_path), "");
+    EXPECT_EQ(QFile::permissions(m_path) & (QFile::ReadGroup | QFile::ReadOther), 0);
+}
+
+TEST_F(OutputFaultsTest, DeviceIsWrittenInPlace)
+{
+    EXPECT_EQ(writeOutput(m_picture, "/dev/null"), "");
+    EXPECT_EQ(writeOutput(m_picture, "/dev/full"), "No space left on device");
+    EXPECT_FALSE(QFileInfo("/dev/full").isFile());
+}
+
+TEST_F(OutputFaultsTest, PipeGetsThePicture)
+{
+    ASSERT_EQ(mkfifo(QFile::encodeName(m_path).constData(), 0600), 0);
+    QByteArray received;
+    std::thread reader([&] {
+        QFile pipe(m_path);
+        if (pipe.open(QIODevice::ReadOnly))
+            received = pipe.readAll();
+    });
+    EXPECT_EQ(writeOutput(m_picture, m_path), "");
+    reader.join();
+    EXPECT_EQ(QImage::fromData(received, "PNG"), m_picture);
+}
+
+} // namespace
+} // namespace zr::test
