@@ -1,6 +1,9 @@
 #include "host/options.h"
 
+#include "core/reader_table.h"
 #include "tests/support/qt_printers.h"
+
+#include <QRegularExpression>
 
 #include <gtest/gtest.h>
 
@@ -63,7 +66,7 @@ TEST(OptionsTest, WrongUsageIsRejectedWithAReason)
         {{"-o", "x.png", "-s", "0", "a"}, "--size needs a number"},
         {{"-o", "x.png", "-s", "-5", "a"}, "--size needs a number"},
         {{"-o", "x.png", "-s", "many", "a"}, "--size needs a number"},
-        {{"-o", "x.png", "-s", "16385", "a"}, "--size needs a number"},
+        {{"-o", "x.png", "-s", "4097", "a"}, "--size needs a number from 1 to 4096"},
         {{"-o", "x.png", "-s", "99999999999", "a"}, "--size needs a number"},
     };
     for (const auto& [arguments, reason] : cases) {
@@ -83,6 +86,18 @@ TEST(OptionsTest, HelpNamesEveryOption)
                                  "--check", "--version", "--help"})
             EXPECT_TRUE(options.text.contains(part)) << part;
     }
+}
+
+TEST(OptionsTest, HelpTellsFormatsExamplesAndStatuses)
+{
+    const QString text = parse({"--help"}).text;
+    for (const QString& suffix : supportedSuffixes())
+        EXPECT_TRUE(text.contains(QRegularExpression("\\b" + suffix + "\\b"))) << suffix.toStdString();
+    for (const char* const part : {"Formats:", "Examples:", "Exit status:", "  0 ", "  1 ", "  2 ", "  130 "})
+        EXPECT_TRUE(text.contains(part)) << part;
+    EXPECT_TRUE(text.endsWith('\n'));
+    for (const QString& line : text.split('\n'))
+        EXPECT_LE(line.size(), 80) << line.toStdString();
 }
 
 TEST(OptionsTest, ChecksStandAlone)

@@ -5,7 +5,7 @@
 
 #include <QImage>
 
-#include <sys/stat.h>
+#include <unistd.h>
 
 namespace zr::test
 {
@@ -73,6 +73,23 @@ TEST_F(StreamsTest, HomeComesFromTheSystemWhenTheEnvironmentHasNone)
     ASSERT_NE(home, "/");
     EXPECT_FALSE(outcome.out.filter("data folder: " + home + "/.local/share/KESTRAVO_Thumbnail").isEmpty())
         << outcome.out.join('\n').toStdString();
+}
+
+// A number without a name, as containers and services have it.
+TEST_F(StreamsTest, UsersWithoutAHomeAreToldWhatToSet)
+{
+    if (geteuid() != 0)
+        GTEST_SKIP() << "only root can be somebody else";
+    m_environment.remove("HOME");
+    m_environment.remove("XDG_DATA_HOME");
+    const ProgramRun outcome = runProgram(
+        "setpriv",
+        {"--reuid=12345", "--regid=12345", "--clear-groups", QStringLiteral(ZRTHUMB_PROGRAM), source("a.vrx")}, "/",
+        m_environment);
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_EQ(outcome.out, QStringList());
+    EXPECT_EQ(outcome.err, QStringList("zrthumb: you have no home folder for the cache: set HOME or XDG_DATA_HOME"));
+    EXPECT_FALSE(QFileInfo::exists("/.local"));
 }
 
 } // namespace

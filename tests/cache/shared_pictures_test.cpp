@@ -1,0 +1,85 @@
+#include "cache/shared_pictures.h"
+
+#include "cache/thumbnail_database.h"
+#include "core/data_location.h"
+#include "tests/support/data_folder_fixture.h"
+#include "tests/support/files.h"
+#include "tests/support/qt_printers.h"
+
+#include <QFileInfo>
+
+namespace zr::test
+{
+namespace
+{
+
+constexpr quint64 kSize = 7;
+
+class SharedPicturesTest : public DataFolderTest
+{
+protected:
+    static void addRow(const QString& filePath, const QString& thumPath)
+    {
+        ThumbnailRecord record;
+        record.filePath = filePath;
+        record.thumPath = thumPath;
+        record.fileSize = kSize;
+        ThumbnailDatabase database{QString()};
+        EXPECT_TRUE(database.insertRecord(record));
+    }
+
+    static bool isStale(const QString& filePath)
+    {
+        const ThumbnailDatabase database{QString()};
+        return database.queryValue(filePath, QStringLiteral("fileSize")).toULongLong() != kSize;
+    }
+};
+
+TEST_F(SharedPicturesTest, OnlyRowsThatShareTheirPngAreMadeStale)
+{
+    createDataFolder();
+    addRow("/a/part.stl", "/i/part.png");
+    addRow("/b/part.stl", "/i/part.png");
+    addRow("/c/Part.stl", "/i/Part.png");
+    addRow("/d/other.stl", "/i/other.png");
+    const SharedPictures pictures;
+    for (const char* const path : {"/a/part.stl", "/d/other.stl", "/e/unknown.stl", "/e/o'brien.stl"})
+        pictures.prepare(path);
+    EXPECT_TRUE(isStale("/a/part.stl"));
+    EXPECT_FALSE(isStale("/b/part.stl"));
+    EXPECT_FALSE(isStale("/d/other.stl"));
+    // Where capitals make no difference, these two are one file.
+    pictures.prepare("/c/Part.stl");
+    EXPECT_TRUE(isStale("/c/Part.stl"));
+}
+
+TEST_F(SharedPicturesTest, PngThatWasHandedOutForAnotherFileIsShared)
+{
+    createDataFolder();
+    addRow("/b/part.stl", "/i/part.png");
+    SharedPictures pictures;
+    pictures.prepare("/b/part.stl");
+    EXPECT_FALSE(isStale("/b/part.stl"));
+    pictures.handedOut("/b/part.stl", "/i/part.png");
+    pictures.prepare("/b/part.stl");
+    EXPECT_FALSE(isStale("/b/part.stl"));
+    pictures.handedOut("/a/part.stl", "/i/part.png");
+    pictures.prepare("/b/part.stl");
+    EXPECT_TRUE(isStale("/b/part.stl"));
+}
+
+TEST_F(SharedPicturesTest, NothingIsMadeOrChangedWithoutACache)
+{
+    SharedPictures().prepare("/a/part.stl");
+    EXPECT_FALSE(QFileInfo::exists(dataFolder()));
+    createDataFolder();
+    SharedPictures().prepare("/a/part.stl");
+    EXPECT_FALSE(QFileInfo::exists(defaultDatabasePath()));
+    const QByteArray garbage(4096, 'x');
+    writeFile(defaultDatabasePath(), garbage);
+    SharedPictures().prepare("/a/part.stl");
+    EXPECT_EQ(readFile(defaultDatabasePath()), garbage);
+}
+
+} // namespace
+} // namespace zr::test
