@@ -12,22 +12,11 @@ namespace zr
 namespace
 {
 
-constexpr int kLineCreateFailed = 106;
-constexpr int kLineNotOpen = 110;
-
 // Recursive, since objects of one thread share the connection without harm.
 std::recursive_mutex& connectionMutex()
 {
     static auto* const mutex = new std::recursive_mutex;
     return *mutex;
-}
-
-// Statements hold their texts unescaped. An apostrophe ends a text and mostly makes the statement an invalid one, but a
-// name can be made so that it becomes another statement, which lists or changes the rows of other files. Statements
-// with such texts are taken for invalid ones without asking SQLite.
-bool fitsStatement(const QString& text)
-{
-    return !text.contains(QLatin1Char('\''));
 }
 
 // Runs on the default connection.
@@ -37,6 +26,14 @@ QSqlQuery newQuery()
 }
 
 } // namespace
+
+// An apostrophe ends a text and mostly makes the statement an invalid one, but a name can be made so that it becomes
+// another statement, which lists or changes the rows of other files. Statements with such texts are taken for invalid
+// ones without asking SQLite.
+bool fitsStatement(const QString& text)
+{
+    return !text.contains(QLatin1Char('\''));
+}
 
 ThumbnailDatabase::ThumbnailDatabase(const QString& path) : m_turn(connectionMutex()), m_path(path)
 {
@@ -64,7 +61,7 @@ void ThumbnailDatabase::open()
     if (m_database.open()) {
         createTable();
     } else {
-        logLine(kLineNotOpen, QStringLiteral("database no open"));
+        logLine(kDatabaseNotOpen);
         m_ok = false;
     }
 }
@@ -72,9 +69,8 @@ void ThumbnailDatabase::open()
 void ThumbnailDatabase::createTable()
 {
     auto query = newQuery();
-    if (!query.exec(QStringLiteral("create table if not exists thumbnail (thumPath text, thumTime int, filePath text "
-                                   "unique, fileTime int, fileSize int)"))) {
-        logLine(kLineCreateFailed, QStringLiteral("database create faild"));
+    if (!query.exec(QLatin1String(kCreateTable))) {
+        logLine(kTableNotMade);
         m_ok = false;
     }
 }

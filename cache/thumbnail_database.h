@@ -1,5 +1,8 @@
 #pragma once
 
+#include "core/failure_line.h"
+#include "core/reasons.h"
+
 #include <QSqlDatabase>
 #include <QString>
 #include <QVariant>
@@ -8,6 +11,17 @@
 
 namespace zr
 {
+
+// The log's lines by which a failure of the database is known.
+constexpr FailureLine kDatabaseNotOpen{110, "database no open", FailureLine::Rest::None, reason::kDatabaseNotOpen};
+constexpr FailureLine kTableNotMade{106, "database create faild", FailureLine::Rest::None, reason::kDatabaseNotUsable};
+
+/// Makes the table of the cache.
+constexpr char kCreateTable[] = "create table if not exists thumbnail (thumPath text, thumTime int, filePath text "
+                                "unique, fileTime int, fileSize int)";
+
+/// Whether the text can be recorded: statements hold their texts unescaped, and an apostrophe would end one.
+bool fitsStatement(const QString& text);
 
 /// One row of the cache: which PNG shows which state of which source file.
 struct ThumbnailRecord {

@@ -41,13 +41,8 @@ QImage FileReaderBase::getImage()
 
 void FileReaderBase::fail(const ReadFailure& failure) const
 {
-    QString text = QString::fromLatin1(failure.message);
-    if (failure.path == ReadFailure::Path::OnNextLine)
-        text += QLatin1Char('\n');
-    if (failure.path != ReadFailure::Path::None)
-        text += m_filePath;
-    logLine(failure.number, text);
-    throwKey(failure.number + 1, failure.key);
+    logLine(failure.line.number, textOf(failure.line, m_filePath));
+    throwKey(failure.line.number + 1, failure.key);
 }
 
 // There is nothing to close.

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "core/failure_line.h"
+
 #include <QFile>
 #include <QHash>
 #include <QImage>
@@ -13,13 +15,10 @@ namespace zr
 /// One way in which a reader can fail: the log line that tells it and the error key that is thrown.
 /// Readers keep theirs as a table at the top of their file.
 struct ReadFailure {
-    /// Where the source path stands in the logged text.
-    enum class Path { None, OnNextLine, Appended };
+    FailureLine line; ///< the " throw " line behind it has the next number
+    const char* key;  ///< error key, see FileReaderBase
 
-    int number;          ///< number of the log line; the " throw " line has the next one
-    const char* message; ///< Latin-1
-    Path path;
-    const char* key; ///< error key, see FileReaderBase
+    constexpr operator FailureLine() const { return line; }
 };
 
 /// The reader of one source file, made by the thumbnail job for a single getImage() call.

@@ -71,10 +71,20 @@ void logLine(int number, const QString& text)
     LogFile::instance()->write(QStringLiteral("%1 %2").arg(number).arg(text));
 }
 
+void logLine(const FailureLine& line, const QString& rest)
+{
+    logLine(line.number, QLatin1String(line.text) + rest);
+}
+
 void throwKey(int number, const char* key)
 {
-    logLine(number, QStringLiteral(" throw "));
+    logLine(number, QLatin1String(kThrowText));
     throw QString::fromLatin1(key);
+}
+
+void throwKey(const ThrownKey& failure)
+{
+    throwKey(failure.number, failure.key);
 }
 
 } // namespace zr

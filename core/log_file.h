@@ -1,6 +1,7 @@
 #pragma once
 
 #include "core/append_file.h"
+#include "core/failure_line.h"
 
 #include <QString>
 
@@ -56,7 +57,11 @@ private:
 /// Writes the line "number text", the form of every line of the log.
 void logLine(int number, const QString& text);
 
+/// Writes the failure's line, with `rest` in the place of what is FailureLine::Rest::Anything.
+void logLine(const FailureLine& line, const QString& rest = QString());
+
 /// Writes the line "number  throw " that precedes every thrown key, then throws `key` as a QString.
 [[noreturn]] void throwKey(int number, const char* key);
+[[noreturn]] void throwKey(const ThrownKey& failure);
 
 } // namespace zr

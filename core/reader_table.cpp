@@ -24,25 +24,36 @@ std::unique_ptr<FileReaderBase> make(const QString& filePath)
 struct ReaderRow {
     const char* suffix; ///< Latin-1
     std::unique_ptr<FileReaderBase> (*make)(const QString& filePath);
+    FailureLines (*failures)();
 };
 
 // The first row whose suffix matches wins.
 // clang-format off
 constexpr ReaderRow kReaderTable[] = {
     // Models.
-    {"stl", make<StlFileThumbnail>},
-    {"obj", make<ObjFileThumbnail>},
-    {"slc", make<SlcFileThumbnail>},
+    {"stl", make<StlFileThumbnail>, StlFileThumbnail::failures},
+    {"obj", make<ObjFileThumbnail>, ObjFileThumbnail::failures},
+    {"slc", make<SlcFileThumbnail>, SlcFileThumbnail::failures},
     // Slice files.
-    {"vrx", make<VrxFileThumbnail>},
-    {"vrxdlp", make<VrxFileThumbnail>},
-    {"gf", make<GfFileThumbnail>},
-    {"fdg", make<FdgFileThumbnail>},
-    {"photons", make<PhotonsFileThumbnail>},
-    {"svgx", make<SvgxFileThumbnail>},
-    {"kestravo", make<KestravoFileThumbnail>},
+    {"vrx", make<VrxFileThumbnail>, VrxFileThumbnail::failures},
+    {"vrxdlp", make<VrxFileThumbnail>, VrxFileThumbnail::failures},
+    {"gf", make<GfFileThumbnail>, GfFileThumbnail::failures},
+    {"fdg", make<FdgFileThumbnail>, FdgFileThumbnail::failures},
+    {"photons", make<PhotonsFileThumbnail>, PhotonsFileThumbnail::failures},
+    {"svgx", make<SvgxFileThumbnail>, SvgxFileThumbnail::failures},
+    {"kestravo", make<KestravoFileThumbnail>, KestravoFileThumbnail::failures},
 };
 // clang-format on
+
+// Null when no format has that suffix.
+const ReaderRow* rowOf(const QString& suffix)
+{
+    for (const ReaderRow& row : kReaderTable) {
+        if (suffix.compare(QLatin1String(row.suffix), Qt::CaseInsensitive) == 0)
+            return &row;
+    }
+    return nullptr;
+}
 
 } // namespace
 
@@ -54,13 +65,16 @@ QStringList supportedSuffixes()
     return suffixes;
 }
 
+FailureLines readerFailures(const QString& suffix)
+{
+    const ReaderRow* const row = rowOf(suffix);
+    return row ? row->failures() : FailureLines();
+}
+
 std::unique_ptr<FileReaderBase> makeReader(const QString& suffix, const QString& filePath)
 {
-    for (const ReaderRow& row : kReaderTable) {
-        if (suffix.compare(QLatin1String(row.suffix), Qt::CaseInsensitive) == 0)
-            return row.make(filePath);
-    }
-    return nullptr;
+    const ReaderRow* const row = rowOf(suffix);
+    return row ? row->make(filePath) : nullptr;
 }
 
 } // namespace zr

@@ -12,6 +12,9 @@ namespace zr
 /// The suffixes that have a reader, in lower case, in the order of the dispatch table.
 QStringList supportedSuffixes();
 
+/// The lines by which the log tells the failures of the reader for `suffix`; empty when no format has that suffix.
+FailureLines readerFailures(const QString& suffix);
+
 /// A new reader of `filePath` for `suffix`, compared without regard to case; null when no format has that suffix.
 /// A QString error key that a reader's constructor throws passes through.
 std::unique_ptr<FileReaderBase> makeReader(const QString& suffix, const QString& filePath);

@@ -14,10 +14,6 @@ namespace zr
 namespace
 {
 
-constexpr int kLineNotSupported = 60;
-constexpr int kLineNoPicture = 65;
-constexpr int kLineNotSaved = 69;
-constexpr int kLineFailed = 73;
 constexpr int kLineNoEntry = 84;
 constexpr int kLineStaleEntry = 106;
 
@@ -30,6 +26,13 @@ quint64 modificationSeconds(const QFileInfo& file)
 }
 
 } // namespace
+
+// The suffix is doubled, as in every cache that users already have.
+QString picturePath(const QString& sourcePath)
+{
+    const QFileInfo source(sourcePath);
+    return thumbnailImageFolder() + source.fileName() + source.suffix() + QLatin1String(".png");
+}
 
 ThumbnailJob::ThumbnailJob(const QString& sourcePath)
     : m_sourcePath(sourcePath), m_database(QString()), m_imageDir(thumbnailImageFolder())
@@ -47,10 +50,10 @@ bool ThumbnailJob::run()
     try {
         readImage();
         if (!saveImage())
-            throwKey(kLineNotSaved, "pushDataErr");
+            throwKey(kNotSaved);
         return true;
     } catch (const QString&) {
-        logLine(kLineFailed, QStringLiteral("getImage False"));
+        logLine(kJobFailed);
         return false;
     }
 }
@@ -83,10 +86,10 @@ void ThumbnailJob::readImage()
 {
     m_reader = makeReader(QFileInfo(m_sourcePath).suffix(), m_sourcePath);
     if (!m_reader)
-        throwKey(kLineNotSupported, "fileIsNotSupport");
+        throwKey(kNotSupported);
     m_image = m_reader->getImage();
     if (m_image.isNull())
-        throwKey(kLineNoPicture, "prevImageGetErr");
+        throwKey(kNoPicture);
 }
 
 bool ThumbnailJob::saveImage()
@@ -96,18 +99,11 @@ bool ThumbnailJob::saveImage()
     // Taken before saving: a source that changes meanwhile must look stale next time.
     const QFileInfo source(m_sourcePath);
     ThumbnailRecord record;
-    record.thumPath = pngPath();
+    record.thumPath = picturePath(m_sourcePath);
     record.filePath = m_sourcePath;
     record.fileTime = modificationSeconds(source);
     record.fileSize = static_cast<quint64>(source.size());
     return savePicture(m_image, record.thumPath) && m_database.saveRecord(m_sourcePath, record);
-}
-
-// The suffix is doubled, as in every cache that users already have.
-QString ThumbnailJob::pngPath() const
-{
-    const QFileInfo source(m_sourcePath);
-    return m_imageDir + source.fileName() + source.suffix() + QLatin1String(".png");
 }
 
 } // namespace zr

@@ -1,7 +1,9 @@
 #pragma once
 
 #include "cache/thumbnail_database.h"
+#include "core/failure_line.h"
 #include "core/file_reader_base.h"
+#include "core/reasons.h"
 
 #include <QImage>
 #include <QString>
@@ -10,6 +12,16 @@
 
 namespace zr
 {
+
+// The log's lines by which it is known where a job failed. Each failed job's last line is kJobFailed, unless an error
+// that is no QString ended it.
+constexpr ThrownKey kNotSupported{60, "fileIsNotSupport", reason::kNotSupported};
+constexpr ThrownKey kNoPicture{65, "prevImageGetErr", reason::kDamagedOrNoMemory};
+constexpr ThrownKey kNotSaved{69, "pushDataErr", reason::kNotSaved};
+constexpr FailureLine kJobFailed{73, "getImage False", FailureLine::Rest::None, reason::kDamagedOrNoMemory};
+
+/// Where the job for that source file saves its picture.
+QString picturePath(const QString& sourcePath);
 
 /// One thumbnail request for one source file: made, run once and destroyed by the extractor, on its thread.
 class ThumbnailJob
@@ -27,7 +39,6 @@ private:
     bool isFresh(const QString& pngPath) const;
     void readImage();
     bool saveImage();
-    QString pngPath() const;
 
     QString m_sourcePath;
     QImage m_image;

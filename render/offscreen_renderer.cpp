@@ -1,6 +1,7 @@
 #include "render/offscreen_renderer.h"
 
 #include "core/log_file.h"
+#include "render/renderer_failures.h"
 
 #include <QGuiApplication>
 #include <QOffscreenSurface>
@@ -16,9 +17,6 @@ namespace
 {
 
 constexpr int kLineProbeWithoutContext = 46;
-constexpr int kLineConstructionFailed = 115;
-constexpr int kLineContextNotValid = 200;
-constexpr int kLineSurfaceNotValid = 208;
 constexpr int kLineNoFunctions = 238;
 constexpr int kLineContextFailed = 241;
 constexpr int kLineContextFailedThrow = 242;
@@ -76,7 +74,7 @@ OffscreenRenderer::OffscreenRenderer(bool perspective, Pipeline pipeline, const 
         setupShaders(texts);
         setupCamera(kPictureSidePx, kPictureSidePx, m_perspective);
     } catch (const QString& key) {
-        logLine(kLineConstructionFailed, QStringLiteral("Builder function failed\t") + key);
+        logLine(kRendererConstructionFailed, key);
         m_valid = false;
     }
 }
@@ -120,13 +118,13 @@ void OffscreenRenderer::createContext()
         probeContext->create();
     }
     if (!probeContext || !probeContext->isValid()) {
-        logLine(kLineContextNotValid, QStringLiteral("opengl version is not valid"));
+        logLine(kContextNotValid);
         return;
     }
     auto probeSurface = std::make_unique<QOffscreenSurface>();
     probeSurface->create();
     if (!probeSurface->isValid()) {
-        logLine(kLineSurfaceNotValid, QStringLiteral("opengl surface is not valid"));
+        logLine(kSurfaceNotValid);
         return;
     }
     probeContext->makeCurrent(probeSurface.get());

@@ -3,6 +3,7 @@
 #include "render/offscreen_renderer.h"
 
 #include "core/log_file.h"
+#include "render/renderer_failures.h"
 
 #include <QOpenGLContext>
 #include <QOpenGLFramebufferObject>
@@ -13,10 +14,7 @@ namespace zr
 namespace
 {
 
-constexpr int kLineNothingToDraw = 184;
 constexpr int kLineRenderFailed = 190;
-constexpr int kLineBufferNotBound = 363;
-constexpr int kLineBufferNotBoundThrow = 364;
 
 constexpr int kFloatsPerPosition = 3;
 constexpr int kFloatsPerPositionAndNormal = 6;
@@ -74,7 +72,7 @@ QImage OffscreenRenderer::render(const TriangleChunks& chunks, const float* min,
     m_model = unitBoxMatrix(min, max);
     try {
         if (chunks.isEmpty()) {
-            logLine(kLineNothingToDraw, QStringLiteral("---------------renderListZero-----------------"));
+            logLine(kNothingToDraw);
             throw QStringLiteral("renderListZero");
         }
         draw(chunks);
@@ -114,8 +112,8 @@ void OffscreenRenderer::drawChunk(const QVector<float>& chunk)
 {
     // Among others this fails in a renderer whose context is no longer the current one.
     if (!m_vbo.bind()) {
-        logLine(kLineBufferNotBound, QStringLiteral("render vbo bind err"));
-        throwKey(kLineBufferNotBoundThrow, "vboBindErrInRender");
+        logLine(kBufferNotBound);
+        throwKey(kBufferNotBound.number + 1, "vboBindErrInRender");
     }
     // No overflow: Qt's vectors hold less than 2 GiB.
     m_vbo.allocate(chunk.constData(), chunk.size() * static_cast<int>(sizeof(float)));

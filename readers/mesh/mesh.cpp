@@ -8,7 +8,7 @@ namespace
 {
 
 constexpr quint32 kShortMemoryPercent = 90;
-constexpr double kLargestModel = 10000.0;
+constexpr double kLargestModel = 10000.0; // as reason::kModelSizeWrong says
 
 } // namespace
 

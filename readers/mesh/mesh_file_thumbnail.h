@@ -3,6 +3,7 @@
 #include "core/file_reader_base.h"
 #include "core/log_file.h"
 #include "render/offscreen_renderer.h"
+#include "render/renderer_failures.h"
 
 #include <exception>
 #include <memory>
@@ -23,7 +24,7 @@ public:
             return;
         try {
             if (!m_file.open(QIODevice::ReadOnly))
-                throwKey(m_lines.notOpened, "fileCanNotOpen");
+                throwKey(m_lines.notOpened);
             m_mesh->parse(m_file);
         } catch (const QString& key) {
             logLine(m_lines.failed, key);
@@ -35,9 +36,17 @@ public:
 protected:
     /// The log numbers of readFile().
     struct ReadLines {
-        int notOpened;
+        ThrownKey notOpened;
         int failed;
     };
+
+    /// The reader's `own` failures, then the mesh's, then the renderer's.
+    static FailureLines withParts(FailureLines own)
+    {
+        for (const FailureLines& part : {MeshType::failures(), rendererFailures()})
+            own.insert(own.end(), part.begin(), part.end());
+        return own;
+    }
 
     MeshFileThumbnail(const QString& filePath, ReadLines lines) : FileReaderBase(filePath), m_lines(lines) {}
 
@@ -50,7 +59,7 @@ protected:
         int begun;
         int rendererMade;
         int meshMade;
-        int failed;
+        FailureLine failed;
     };
 
     /// Makes the renderer and the mesh, step by step in the log. An error key leaves a reader without a picture; a
@@ -64,7 +73,7 @@ protected:
             makeMesh();
             logLine(lines.meshMade, QString());
         } catch (const QString&) {
-            logLine(lines.failed, QString());
+            logLine(lines.failed);
             m_valid = false;
         }
     }

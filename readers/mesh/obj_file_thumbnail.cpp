@@ -1,5 +1,7 @@
 #include "readers/mesh/obj_file_thumbnail.h"
 
+#include "core/reasons.h"
+
 namespace zr
 {
 namespace
@@ -8,15 +10,21 @@ namespace
 constexpr int kLineBegun = 12;
 constexpr int kLineRendererMade = 14;
 constexpr int kLineMeshMade = 16;
-constexpr int kLinePartsFailed = 18;
-constexpr int kLineNotOpened = 40;
 constexpr int kLineFailed = 45;
+
+constexpr FailureLine kPartsFailed{18, "", FailureLine::Rest::None, reason::kOpenGlFailed};
+constexpr ThrownKey kNotOpened{40, "fileCanNotOpen", reason::kCannotBeOpened};
 
 } // namespace
 
-ObjFileThumbnail::ObjFileThumbnail(const QString& filePath) : MeshFileThumbnail(filePath, {kLineNotOpened, kLineFailed})
+FailureLines ObjFileThumbnail::failures()
 {
-    makeParts(true, {kLineBegun, kLineRendererMade, kLineMeshMade, kLinePartsFailed});
+    return withParts({kNotOpened, kPartsFailed});
+}
+
+ObjFileThumbnail::ObjFileThumbnail(const QString& filePath) : MeshFileThumbnail(filePath, {kNotOpened, kLineFailed})
+{
+    makeParts(true, {kLineBegun, kLineRendererMade, kLineMeshMade, kPartsFailed});
 }
 
 QImage ObjFileThumbnail::previewImage()

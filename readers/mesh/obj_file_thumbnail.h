@@ -11,6 +11,9 @@ namespace zr
 class ObjFileThumbnail : public MeshFileThumbnail<ObjMesh>
 {
 public:
+    /// The failures that it logs.
+    static FailureLines failures();
+
     explicit ObjFileThumbnail(const QString& filePath);
 
     QImage previewImage() override;

@@ -1,6 +1,7 @@
 #include "readers/mesh/obj_mesh.h"
 
 #include "core/log_file.h"
+#include "core/reasons.h"
 #include "readers/mesh/chunk_writer.h"
 #include "readers/mesh/number_text.h"
 #include "readers/mesh/position_list.h"
@@ -14,9 +15,9 @@ namespace zr
 namespace
 {
 
-constexpr int kLineFileTooLarge = 23;
-constexpr int kLineMemOut = 123;
-constexpr int kLineSizeErr = 143;
+constexpr ThrownKey kFileTooLarge{23, "fileIsCanNoRender", reason::kFileTooLarge};
+constexpr ThrownKey kMemOut{123, "memOut", reason::kMemoryShort};
+constexpr ThrownKey kSizeErr{143, "modelSizeIsErr", reason::kModelSizeWrong};
 
 enum class LineKind { Other, Vertex, Face };
 
@@ -90,13 +91,18 @@ void ObjMesh::clear()
     m_spareChunks.clear();
 }
 
+FailureLines ObjMesh::failures()
+{
+    return {kFileTooLarge, kMemOut, kSizeErr};
+}
+
 void ObjMesh::parse(QFile& file)
 {
     clear();
     setBounds(Bounds());
     const qint64 fileBytes = file.size();
     if (exceedsFreeMemory(static_cast<quint64>(fileBytes)))
-        throwKey(kLineFileTooLarge, "fileIsCanNoRender");
+        throwKey(kFileTooLarge);
 
     const int trianglesPerChunk = m_positionsOnly ? kTrianglesPerChunk : kTrianglesPerChunkWithNormals;
     ChunkWriter writer(m_chunks, floatsPerTriangle(), trianglesPerChunk, fileBytes);
@@ -122,12 +128,12 @@ void ObjMesh::parse(QFile& file)
             else
                 writeTriangle(writer.next(position), a, b, c);
             if (memoryIsShort(MemoryQuery::InLoop))
-                throwKey(kLineMemOut, "memOut");
+                throwKey(kMemOut);
         }
     }
     setBounds(bounds);
     if (!extentIsUsable(largestExtent()))
-        throwKey(kLineSizeErr, "modelSizeIsErr");
+        throwKey(kSizeErr);
     writer.finish();
     file.close();
 }

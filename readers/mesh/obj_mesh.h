@@ -1,5 +1,6 @@
 #pragma once
 
+#include "core/failure_line.h"
 #include "readers/mesh/mesh.h"
 
 namespace zr
@@ -14,6 +15,9 @@ public:
     ~ObjMesh();
     ObjMesh(const ObjMesh&) = delete;
     ObjMesh& operator=(const ObjMesh&) = delete;
+
+    /// The failures of parse().
+    static FailureLines failures();
 
     /// Replaces the mesh by that of `file`, which is open and gets closed. Throws an error key, which leaves the
     /// chunks that were complete.

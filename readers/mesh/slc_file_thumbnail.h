@@ -11,6 +11,9 @@ namespace zr
 class SlcFileThumbnail : public MeshFileThumbnail<SlcMesh>
 {
 public:
+    /// The failures that it logs.
+    static FailureLines failures();
+
     explicit SlcFileThumbnail(const QString& filePath);
 
     QImage previewImage() override;

@@ -1,6 +1,7 @@
 #include "readers/mesh/slc_mesh.h"
 
 #include "core/log_file.h"
+#include "core/reasons.h"
 #include "readers/mesh/byte_blocks.h"
 
 #include <QtEndian>
@@ -14,13 +15,14 @@ namespace
 {
 
 constexpr int kLineStart = 23;
-constexpr int kLineFileTooLarge = 30;
-constexpr int kLineShortTable = 74;
-constexpr int kLineAddErr = 107;
-constexpr int kLineSizeErr = 124;
-constexpr int kLineHeadErr = 130;
 constexpr int kLineEnd = 133;
-constexpr int kLineMemOut = 198;
+
+constexpr ThrownKey kFileTooLarge{30, "fileIsCanNoRender", reason::kFileTooLarge};
+constexpr ThrownKey kShortTable{74, "fileReadLess", reason::kHeaderCut};
+constexpr ThrownKey kAddErr{107, "fileAddErr", reason::kMemoryShort};
+constexpr ThrownKey kSizeErr{124, "fileIsErr", reason::kModelSizeWrong};
+constexpr ThrownKey kHeadErr{130, "fileHeadErr", reason::kSlcHeaderWrong};
+constexpr FailureLine kMemOut{198, "mem out err", FailureLine::Rest::None, reason::kMemoryShort};
 
 constexpr char kHeadEnd[] = "\r\n\x1a";
 constexpr qint64 kHeadEndBytes = 3;
@@ -79,6 +81,11 @@ qint64 storedPoints(quint32 announced)
 
 SlcMesh::SlcMesh(bool positionsOnly, MemoryProbe probe) : Mesh(positionsOnly, probe) {}
 
+FailureLines SlcMesh::failures()
+{
+    return {kFileTooLarge, kHeadErr, kShortTable, kAddErr, kMemOut, kSizeErr};
+}
+
 void SlcMesh::parse(QFile& file)
 {
     clear();
@@ -86,7 +93,7 @@ void SlcMesh::parse(QFile& file)
     setBounds(m_bounds);
     logLine(kLineStart, QString());
     if (exceedsFreeMemory(static_cast<quint64>(file.size())))
-        throwKey(kLineFileTooLarge, "fileIsCanNoRender");
+        throwKey(kFileTooLarge);
     readHead(file);
     readLayers(file);
     file.close();
@@ -109,10 +116,10 @@ void SlcMesh::readHead(QFile& file)
     quint8 entries = 0;
     file.read(reinterpret_cast<char*>(&entries), sizeof(entries));
     if (entries == 0 || file.pos() >= kTableLimit)
-        throwKey(kLineHeadErr, "fileHeadErr");
+        throwKey(kHeadErr);
     const QByteArray table = file.read(entries * kTableEntryBytes);
     if (table.size() < entries * kTableEntryBytes)
-        throwKey(kLineShortTable, "fileReadLess");
+        throwKey(kShortTable);
     m_samplingTable.clear();
     for (const char* entry = table.constBegin(); entry != table.constEnd(); entry += kTableEntryBytes)
         m_samplingTable.push_back({readFloat(entry), readFloat(entry + sizeof(float))});
@@ -140,7 +147,7 @@ void SlcMesh::readLayers(QFile& file)
     }
     handOverChunk();
     if (!extentIsUsable(largestExtent()))
-        throwKey(kLineSizeErr, "fileIsErr");
+        throwKey(kSizeErr);
 }
 
 SlcMesh::Layer SlcMesh::layerAt(float z) const
@@ -188,7 +195,7 @@ bool SlcMesh::addWalls(ByteBlocks& bytes, qint64 points, Layer layer)
         }
         if (i > 0 && addWall(previous, point, layer)) {
             m_chunk.reset();
-            throwKey(kLineAddErr, "fileAddErr");
+            throwKey(kAddErr);
         }
         previous = point;
     }
@@ -273,8 +280,8 @@ void SlcMesh::endChunkIfFull()
     m_chunk = std::make_unique<MeshChunk>();
     m_cursor = m_windowEnd = m_chunk->data();
     if (memoryIsShort()) {
-        logLine(kLineMemOut, QStringLiteral("mem out err"));
-        throwKey(kLineMemOut + 1, "memOutErr");
+        logLine(kMemOut);
+        throwKey(kMemOut.number + 1, "memOutErr");
     }
 }
 

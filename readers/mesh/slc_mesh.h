@@ -1,5 +1,6 @@
 #pragma once
 
+#include "core/failure_line.h"
 #include "readers/mesh/mesh.h"
 #include "readers/mesh/triangle.h"
 
@@ -18,6 +19,9 @@ class SlcMesh : public Mesh
 public:
     /// `positionsOnly` is what the renderer reported; without it each vertex record has a normal.
     explicit SlcMesh(bool positionsOnly, MemoryProbe probe = systemMemory);
+
+    /// The failures of parse().
+    static FailureLines failures();
 
     /// Replaces the mesh by that of `file`, which is open and gets closed. Throws an error key, which leaves the
     /// chunks that were complete.

@@ -1,6 +1,7 @@
 // The text form of STL: only its "vertex" lines matter, every third one completes a triangle.
 
 #include "core/log_file.h"
+#include "core/reasons.h"
 #include "readers/mesh/chunk_writer.h"
 #include "readers/mesh/number_text.h"
 #include "readers/mesh/stl_mesh.h"
@@ -14,9 +15,9 @@ namespace zr
 namespace
 {
 
-constexpr int kLineFileTooLarge = 190;
-constexpr int kLineMemOut = 290;
-constexpr int kLineSizeErr = 320;
+constexpr ThrownKey kFileTooLarge{190, "fileIsCanNoRender", reason::kFileTooLarge};
+constexpr ThrownKey kMemOut{290, "memOut", reason::kMemoryShort};
+constexpr ThrownKey kSizeErr{320, "modelSizeIsErr", reason::kModelSizeWrong};
 
 const char* lineAfter(const char* text, const char* end)
 {
@@ -86,12 +87,17 @@ bool takeLine(const char*& line, const char* end, Vec4& vertex)
 
 } // namespace
 
+FailureLines StlMesh::asciiFailures()
+{
+    return {kFileTooLarge, kMemOut, kSizeErr};
+}
+
 void StlMesh::parseAscii(QFile& file)
 {
     startParse();
     const qint64 fileBytes = file.size();
     if (exceedsFreeMemory(static_cast<quint64>(fileBytes)))
-        throwKey(kLineFileTooLarge, "fileIsCanNoRender");
+        throwKey(kFileTooLarge);
     file.seek(0);
 
     ChunkWriter writer(m_chunks, floatsPerTriangle(), kTrianglesPerChunkWithNormals, fileBytes);
@@ -116,12 +122,12 @@ void StlMesh::parseAscii(QFile& file)
                 bounds.include(vertex);
             writeTriangle(writer.next(blocks.position() + (line - blocks.begin())), corners[0], corners[1], corners[2]);
             if (memoryIsShort(MemoryQuery::InLoop))
-                throwKey(kLineMemOut, "memOut");
+                throwKey(kMemOut);
         }
     }
     setBounds(bounds);
     if (!extentIsUsable(largestExtent()))
-        throwKey(kLineSizeErr, "modelSizeIsErr");
+        throwKey(kSizeErr);
     writer.finish();
     file.close();
 }

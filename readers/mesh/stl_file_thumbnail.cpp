@@ -1,5 +1,7 @@
 #include "readers/mesh/stl_file_thumbnail.h"
 
+#include "core/reasons.h"
+
 #include <atomic>
 #include <exception>
 #include <new>
@@ -9,9 +11,10 @@ namespace zr
 namespace
 {
 
-constexpr int kLineInitErr = 16;
-constexpr int kLineNotOpened = 38;
 constexpr int kLineFailed = 43;
+
+constexpr FailureLine kInitErr{16, "err init", FailureLine::Rest::None, reason::kMemoryShort};
+constexpr ThrownKey kNotOpened{38, "fileCanNotOpen", reason::kCannotBeOpened};
 
 /// What a finished reader leaves behind. The list makes it plain to leak checkers that it is still wanted.
 struct Remains {
@@ -31,13 +34,18 @@ void keep(StlMesh* mesh, OffscreenRenderer* renderer)
 
 } // namespace
 
-StlFileThumbnail::StlFileThumbnail(const QString& filePath) : MeshFileThumbnail(filePath, {kLineNotOpened, kLineFailed})
+FailureLines StlFileThumbnail::failures()
+{
+    return withParts({kNotOpened, kInitErr});
+}
+
+StlFileThumbnail::StlFileThumbnail(const QString& filePath) : MeshFileThumbnail(filePath, {kNotOpened, kLineFailed})
 {
     try {
         makeRenderer(true);
         makeMesh();
     } catch (const std::exception&) {
-        logLine(kLineInitErr, QStringLiteral("err init"));
+        logLine(kInitErr);
         m_valid = false;
     }
 }

@@ -13,6 +13,9 @@ namespace zr
 class StlFileThumbnail : public MeshFileThumbnail<StlMesh>
 {
 public:
+    /// The failures that it logs.
+    static FailureLines failures();
+
     /// A QString error key of the renderer passes through; of standard exceptions only the log tells.
     explicit StlFileThumbnail(const QString& filePath);
 

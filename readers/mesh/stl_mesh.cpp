@@ -1,6 +1,7 @@
 #include "readers/mesh/stl_mesh.h"
 
 #include "core/log_file.h"
+#include "core/reasons.h"
 #include "readers/mesh/triangle.h"
 
 #include <QLocale>
@@ -17,12 +18,13 @@ namespace zr
 namespace
 {
 
-constexpr int kLineOpenErr = 15;
-constexpr int kLineCountTooLarge = 61;
-constexpr int kLineShortBatch = 97;
 constexpr int kLineBatchRead = 100;
-constexpr int kLineBatchMemOut = 156;
-constexpr int kLineBinarySizeErr = 170;
+
+constexpr ThrownKey kOpenErr{15, "fileOpenErr", reason::kCannotBeOpened};
+constexpr ThrownKey kCountTooLarge{61, "fileIsCanNoRender", reason::kMemoryShort};
+constexpr ThrownKey kShortBatch{97, "fileReadLess", reason::kTrianglesCut};
+constexpr ThrownKey kBatchMemOut{156, "memOut", reason::kMemoryShort};
+constexpr FailureLine kBinarySizeErr{170, " throw size  ", FailureLine::Rest::Anything, reason::kModelSizeWrong};
 
 constexpr qint64 kCountOffset = 80;
 constexpr qint64 kRecordsOffset = 84;
@@ -79,6 +81,14 @@ void StlMesh::clear()
     m_spareChunks.clear();
 }
 
+FailureLines StlMesh::failures()
+{
+    FailureLines failures{kOpenErr, kCountTooLarge, kShortBatch, kBatchMemOut, kBinarySizeErr};
+    const FailureLines ascii = asciiFailures();
+    failures.insert(failures.end(), ascii.begin(), ascii.end());
+    return failures;
+}
+
 bool StlMesh::parse(QFile& file)
 {
     try {
@@ -100,7 +110,7 @@ bool StlMesh::parse(QFile& file)
 void StlMesh::detectAscii(QFile& file)
 {
     if (!file.isOpen() && !file.open(QIODevice::ReadOnly))
-        throwKey(kLineOpenErr, "fileOpenErr");
+        throwKey(kOpenErr);
     // The header of many binary files begins with "solid" too, so the second line decides.
     if (nextLineContains(file, "solid"))
         m_isAscii = nextLineContains(file, "facet");
@@ -119,7 +129,7 @@ void StlMesh::parseBinary(QFile& file)
     startParse();
     // The count is still 0 here, so only a machine without any free memory fails.
     if (exceedsFreeMemory(m_triangleCount * kCountedBytes))
-        throwKey(kLineCountTooLarge, "fileIsCanNoRender");
+        throwKey(kCountTooLarge);
     std::array<char, sizeof(quint32)> count{};
     file.seek(kCountOffset);
     // A file that ends here has what it has of the count, the rest is zero.
@@ -130,8 +140,7 @@ void StlMesh::parseBinary(QFile& file)
     readBatches(file);
     const float extent = largestExtent();
     if (!extentIsUsable(extent)) {
-        logLine(kLineBinarySizeErr,
-                QStringLiteral(" throw size  %1").arg(double{extent}, 0, 'g', QLocale::FloatingPointShortest));
+        logLine(kBinarySizeErr, QStringLiteral("%1").arg(double{extent}, 0, 'g', QLocale::FloatingPointShortest));
         throw QStringLiteral("modelSizeIsErr");
     }
     file.close();
@@ -146,7 +155,7 @@ void StlMesh::readBatches(QFile& file)
         readBatch(file, static_cast<int>(batch), bounds);
         setBounds(bounds);
         if (memoryIsShort())
-            throwKey(kLineBatchMemOut, "memOut");
+            throwKey(kBatchMemOut);
         done += batch;
     }
 }
@@ -156,7 +165,7 @@ void StlMesh::readBatch(QFile& file, int triangles, Bounds& bounds)
 {
     // Do not make a chunk for triangles that cannot be there: any count can stand in a broken file.
     if (file.size() - file.pos() < triangles * kRecordBytes)
-        throwKey(kLineShortBatch, "fileReadLess");
+        throwKey(kShortBatch);
     auto chunk = std::make_unique<MeshChunk>();
     chunk->reserve(triangles * kFloatsPerTriangle);
     expectSequentialFill(chunk->data(), static_cast<std::size_t>(chunk->capacity()) * sizeof(float));
@@ -164,7 +173,7 @@ void StlMesh::readBatch(QFile& file, int triangles, Bounds& bounds)
     for (int done = 0; done < triangles;) {
         const int piece = std::min(triangles - done, kRecordsPerPiece);
         if (file.read(records.data(), piece * kRecordBytes) != piece * kRecordBytes)
-            throwKey(kLineShortBatch, "fileReadLess");
+            throwKey(kShortBatch);
         const int used = chunk->size();
         chunk->resize(used + piece * kFloatsPerTriangle);
         appendRecords(chunk->data() + used, records.data(), piece, bounds);

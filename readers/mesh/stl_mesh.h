@@ -1,5 +1,6 @@
 #pragma once
 
+#include "core/failure_line.h"
 #include "readers/mesh/mesh.h"
 
 namespace zr
@@ -14,6 +15,9 @@ public:
     ~StlMesh();
     StlMesh(const StlMesh&) = delete;
     StlMesh& operator=(const StlMesh&) = delete;
+
+    /// The failures of parse().
+    static FailureLines failures();
 
     /// Replaces the mesh by that of `file`, which is opened when it is not open and closed afterwards. A failure is
     /// logged and leaves a mesh without chunks; the result then is false.
@@ -34,6 +38,9 @@ private:
     /// Both throw an error key.
     void parseAscii(QFile& file);
     void parseBinary(QFile& file);
+
+    /// Those of parseAscii().
+    static FailureLines asciiFailures();
 
     void startParse();
     void readBatches(QFile& file);

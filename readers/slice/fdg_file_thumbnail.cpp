@@ -1,5 +1,6 @@
 #include "readers/slice/fdg_file_thumbnail.h"
 
+#include "core/reasons.h"
 #include "readers/slice/preview_block.h"
 #include "readers/slice/run_length_preview.h"
 #include "readers/slice/thumbnail_canvas.h"
@@ -9,21 +10,23 @@ namespace zr
 namespace
 {
 
-using Path = ReadFailure::Path;
+using Rest = FailureLine::Rest;
 using Rules = PreviewBlockRules;
 
 constexpr char kDocumentWrong[] = "There is something wrong with the document";
 
-constexpr ReadFailure kCannotOpen{20, "file open errr ", Path::None, "openFileErr"};
-constexpr ReadFailure kHeadShort{29, "FdgHead_t read less", Path::OnNextLine, "fileReadLess"};
-constexpr ReadFailure kSecondHeadPastEnd{35, kDocumentWrong, Path::OnNextLine, "filePrevErr"};
+constexpr ReadFailure kCannotOpen{{20, "file open errr ", Rest::None, reason::kCannotBeOpened}, "openFileErr"};
+constexpr ReadFailure kHeadShort{{29, "FdgHead_t read less", Rest::PathOnNextLine, reason::kHeaderCut}, "fileReadLess"};
+constexpr ReadFailure kSecondHeadPastEnd{{35, kDocumentWrong, Rest::PathOnNextLine, reason::kSecondPreviewPastEnd},
+                                         "filePrevErr"};
 constexpr PreviewBlockRules kPreviewRules{
     Rules::FirstCheck::Size,
     Rules::ZeroDataOffset::IsAnOffset,
-    /* headShort */ {44, "DlpPreviewHead_t read less", Path::OnNextLine, "fileReadLess"},
-    /* sizeWrong */ {52, kDocumentWrong, Path::OnNextLine, "filePrevErr"},
-    /* dataOffsetWrong */ {73, kDocumentWrong, Path::OnNextLine, "filePrevErr"},
-    /* dataShort */ {84, "src_RGB_Buffer read less", Path::OnNextLine, "filePrevErr"},
+    /* headShort */
+    {{44, "DlpPreviewHead_t read less", Rest::PathOnNextLine, reason::kPreviewHeaderCut}, "fileReadLess"},
+    /* sizeWrong */ {{52, kDocumentWrong, Rest::PathOnNextLine, reason::kPreviewSizeWrong}, "filePrevErr"},
+    /* dataOffsetWrong */ {{73, kDocumentWrong, Rest::PathOnNextLine, reason::kPixelsPastEnd}, "filePrevErr"},
+    /* dataShort */ {{84, "src_RGB_Buffer read less", Rest::PathOnNextLine, reason::kPreviewCut}, "filePrevErr"},
 };
 
 struct FdgHead_t {
@@ -39,6 +42,17 @@ struct FdgHead_t {
 };
 
 } // namespace
+
+FailureLines FdgFileThumbnail::failures()
+{
+    return {kCannotOpen,
+            kHeadShort,
+            kSecondHeadPastEnd,
+            kPreviewRules.headShort,
+            kPreviewRules.sizeWrong,
+            kPreviewRules.dataOffsetWrong,
+            kPreviewRules.dataShort};
+}
 
 void FdgFileThumbnail::readFile()
 {

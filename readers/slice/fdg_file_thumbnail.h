@@ -11,6 +11,9 @@ class FdgFileThumbnail : public FileReaderBase
 public:
     using FileReaderBase::FileReaderBase;
 
+    /// The failures that it logs.
+    static FailureLines failures();
+
     void readFile() override;
     QImage previewImage() override;
 };

@@ -1,5 +1,6 @@
 #include "readers/slice/gf_file_thumbnail.h"
 
+#include "core/reasons.h"
 #include "readers/slice/preview_block.h"
 #include "readers/slice/preview_shading.h"
 #include "readers/slice/thumbnail_canvas.h"
@@ -11,21 +12,23 @@ namespace zr
 namespace
 {
 
-using Path = ReadFailure::Path;
+using Rest = FailureLine::Rest;
 using Rules = PreviewBlockRules;
 
 constexpr char kDocumentWrong[] = "There is something wrong with the document";
 
-constexpr ReadFailure kCannotOpen{20, "file open errr ", Path::None, "openFileErr"};
-constexpr ReadFailure kHeadShort{29, "GfHead_t read less", Path::OnNextLine, "fileReadLess"};
-constexpr ReadFailure kPreviewPastEnd{36, kDocumentWrong, Path::OnNextLine, "filePrevErr"};
+constexpr ReadFailure kCannotOpen{{20, "file open errr ", Rest::None, reason::kCannotBeOpened}, "openFileErr"};
+constexpr ReadFailure kHeadShort{{29, "GfHead_t read less", Rest::PathOnNextLine, reason::kHeaderCut}, "fileReadLess"};
+constexpr ReadFailure kPreviewPastEnd{{36, kDocumentWrong, Rest::PathOnNextLine, reason::kPreviewPastEnd},
+                                      "filePrevErr"};
 constexpr PreviewBlockRules kPreviewRules{
     Rules::FirstCheck::Size,
     Rules::ZeroDataOffset::IsAnOffset,
-    /* headShort */ {46, "DlpPreviewHead_t read less", Path::OnNextLine, "fileReadLess"},
-    /* sizeWrong */ {54, kDocumentWrong, Path::OnNextLine, "filePrevErr"},
-    /* dataOffsetWrong */ {75, kDocumentWrong, Path::OnNextLine, "filePrevErr"},
-    /* dataShort */ {83, "src_RGB_Buffer read less", Path::OnNextLine, "fileReadLess"},
+    /* headShort */
+    {{46, "DlpPreviewHead_t read less", Rest::PathOnNextLine, reason::kPreviewHeaderCut}, "fileReadLess"},
+    /* sizeWrong */ {{54, kDocumentWrong, Rest::PathOnNextLine, reason::kPreviewSizeWrong}, "filePrevErr"},
+    /* dataOffsetWrong */ {{75, kDocumentWrong, Rest::PathOnNextLine, reason::kPixelsPastEnd}, "filePrevErr"},
+    /* dataShort */ {{83, "src_RGB_Buffer read less", Rest::PathOnNextLine, reason::kPreviewCut}, "fileReadLess"},
 };
 
 struct GfHead_t {
@@ -94,6 +97,17 @@ QImage shadedPicture(const PreviewBlock& preview)
 }
 
 } // namespace
+
+FailureLines GfFileThumbnail::failures()
+{
+    return {kCannotOpen,
+            kHeadShort,
+            kPreviewPastEnd,
+            kPreviewRules.headShort,
+            kPreviewRules.sizeWrong,
+            kPreviewRules.dataOffsetWrong,
+            kPreviewRules.dataShort};
+}
 
 void GfFileThumbnail::readFile()
 {

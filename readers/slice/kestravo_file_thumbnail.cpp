@@ -1,5 +1,6 @@
 #include "readers/slice/kestravo_file_thumbnail.h"
 
+#include "core/reasons.h"
 #include "readers/slice/preview_block.h"
 #include "readers/slice/run_length_preview.h"
 #include "readers/slice/thumbnail_canvas.h"
@@ -9,21 +10,23 @@ namespace zr
 namespace
 {
 
-using Path = ReadFailure::Path;
+using Rest = FailureLine::Rest;
 using Rules = PreviewBlockRules;
 
-constexpr ReadFailure kCannotOpen{18, "file open errr ", Path::None, "openFileErr"};
-constexpr ReadFailure kHeadShort{28, "read file head less", Path::OnNextLine, "fileReadLess"};
-constexpr ReadFailure kNoPreview{33, "thumbnail offset is zero", Path::Appended, "filePrevErr"};
-constexpr ReadFailure kPreviewPastEnd{39, "There is something wrong with the document", Path::OnNextLine,
-                                      "filePrevErr"};
+constexpr ReadFailure kCannotOpen{{18, "file open errr ", Rest::None, reason::kCannotBeOpened}, "openFileErr"};
+constexpr ReadFailure kHeadShort{{28, "read file head less", Rest::PathOnNextLine, reason::kHeaderCut}, "fileReadLess"};
+constexpr ReadFailure kNoPreview{{33, "thumbnail offset is zero", Rest::PathAppended, reason::kNoPreview},
+                                 "filePrevErr"};
+constexpr ReadFailure kPreviewPastEnd{
+    {39, "There is something wrong with the document", Rest::PathOnNextLine, reason::kPreviewPastEnd}, "filePrevErr"};
 constexpr PreviewBlockRules kPreviewRules{
     Rules::FirstCheck::DataOffset,
     Rules::ZeroDataOffset::MeansNoPreview,
-    /* headShort */ {50, "svgx file head read less", Path::OnNextLine, "fileReadLess"},
-    /* sizeWrong */ {62, "prev size is unlawful", Path::OnNextLine, "filePrevErr"},
-    /* dataOffsetWrong */ {56, "prev offset is unlawful", Path::OnNextLine, "filePrevErr"},
-    /* dataShort */ {80, "src_RGB_Buffer read less", Path::OnNextLine, "fileReadLess"},
+    /* headShort */ {{50, "svgx file head read less", Rest::PathOnNextLine, reason::kPreviewHeaderCut}, "fileReadLess"},
+    /* sizeWrong */ {{62, "prev size is unlawful", Rest::PathOnNextLine, reason::kPreviewSizeWrong}, "filePrevErr"},
+    /* dataOffsetWrong */
+    {{56, "prev offset is unlawful", Rest::PathOnNextLine, reason::kNoPixelsOrPastEnd}, "filePrevErr"},
+    /* dataShort */ {{80, "src_RGB_Buffer read less", Rest::PathOnNextLine, reason::kPreviewCut}, "fileReadLess"},
 };
 
 struct KestravoHead_t {
@@ -35,6 +38,18 @@ struct KestravoHead_t {
 };
 
 } // namespace
+
+FailureLines KestravoFileThumbnail::failures()
+{
+    return {kCannotOpen,
+            kHeadShort,
+            kNoPreview,
+            kPreviewPastEnd,
+            kPreviewRules.headShort,
+            kPreviewRules.sizeWrong,
+            kPreviewRules.dataOffsetWrong,
+            kPreviewRules.dataShort};
+}
 
 void KestravoFileThumbnail::readFile()
 {

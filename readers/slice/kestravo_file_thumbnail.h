@@ -12,6 +12,9 @@ class KestravoFileThumbnail : public FileReaderBase
 public:
     using FileReaderBase::FileReaderBase;
 
+    /// The failures that it logs.
+    static FailureLines failures();
+
     void readFile() override;
     QImage previewImage() override;
 };

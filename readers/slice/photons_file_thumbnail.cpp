@@ -1,5 +1,6 @@
 #include "readers/slice/photons_file_thumbnail.h"
 
+#include "core/reasons.h"
 #include "readers/slice/read_bytes.h"
 #include "readers/slice/thumbnail_canvas.h"
 
@@ -14,13 +15,16 @@ namespace zr
 namespace
 {
 
-using Path = ReadFailure::Path;
+using Rest = FailureLine::Rest;
 
-constexpr ReadFailure kCannotOpen{23, "file open errr ", Path::None, "openFileErr"};
-constexpr ReadFailure kLengthShort{39, "file read less", Path::OnNextLine, "fileReadLess"};
-constexpr ReadFailure kVersionShort{34, "file version read less", Path::OnNextLine, "fileReadLess"};
-constexpr ReadFailure kHeadShort{96, "file head read error", Path::OnNextLine, "filePrevErr"};
-constexpr ReadFailure kPixelsShort{48, "rgbBuf read less", Path::OnNextLine, "fileReadLess"};
+constexpr ReadFailure kCannotOpen{{23, "file open errr ", Rest::None, reason::kCannotBeOpened}, "openFileErr"};
+constexpr ReadFailure kLengthShort{{39, "file read less", Rest::PathOnNextLine, reason::kHeaderWrongOrCut},
+                                   "fileReadLess"};
+constexpr ReadFailure kVersionShort{{34, "file version read less", Rest::PathOnNextLine, reason::kHeaderCut},
+                                    "fileReadLess"};
+constexpr ReadFailure kHeadShort{{96, "file head read error", Rest::PathOnNextLine, reason::kHeaderCut}, "filePrevErr"};
+constexpr ReadFailure kPixelsShort{{48, "rgbBuf read less", Rest::PathOnNextLine, reason::kPreviewCutOrSizeWrong},
+                                   "fileReadLess"};
 
 constexpr int kPixelBytes = 2;
 
@@ -86,6 +90,11 @@ QImage decodedPicture(const PreviewSize& size, const std::vector<uchar>& pixels)
 }
 
 } // namespace
+
+FailureLines PhotonsFileThumbnail::failures()
+{
+    return {kCannotOpen, kLengthShort, kVersionShort, kHeadShort, kPixelsShort};
+}
 
 void PhotonsFileThumbnail::readFile()
 {

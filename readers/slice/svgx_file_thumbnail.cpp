@@ -1,5 +1,6 @@
 #include "readers/slice/svgx_file_thumbnail.h"
 
+#include "core/reasons.h"
 #include "readers/slice/embedded_bmp.h"
 #include "readers/slice/little_endian_block.h"
 #include "readers/slice/thumbnail_canvas.h"
@@ -9,12 +10,16 @@ namespace zr
 namespace
 {
 
-using Path = ReadFailure::Path;
+using Rest = FailureLine::Rest;
 
-constexpr ReadFailure kCannotOpen{18, "file open errr ", Path::None, "openFileErr"};
-constexpr ReadFailure kHeadShort{27, "file head read error", Path::OnNextLine, "fileReadLess"};
-constexpr ReadFailure kNoPreview{33, "There is something wrong with the document", Path::OnNextLine, "filePrevErr"};
-constexpr ReadFailure kPreviewShort{51, "rgbBuf read less", Path::OnNextLine, "fileReadLess"};
+constexpr ReadFailure kCannotOpen{{18, "file open errr ", Rest::None, reason::kCannotBeOpened}, "openFileErr"};
+constexpr ReadFailure kHeadShort{{27, "file head read error", Rest::PathOnNextLine, reason::kHeaderCut},
+                                 "fileReadLess"};
+constexpr ReadFailure kNoPreview{
+    {33, "There is something wrong with the document", Rest::PathOnNextLine, reason::kNoPreviewOrPastEnd},
+    "filePrevErr"};
+constexpr ReadFailure kPreviewShort{{51, "rgbBuf read less", Rest::PathOnNextLine, reason::kPreviewCut},
+                                    "fileReadLess"};
 
 // Always this much is read: a 24-bit BMP file of 44 x 44 pixels. Others have to fit into it.
 constexpr int kBmpBytes = 5862;
@@ -28,6 +33,11 @@ struct SvgxHead_t {
 };
 
 } // namespace
+
+FailureLines SvgxFileThumbnail::failures()
+{
+    return {kCannotOpen, kHeadShort, kNoPreview, kPreviewShort};
+}
 
 void SvgxFileThumbnail::readFile()
 {

@@ -1,5 +1,6 @@
 #include "readers/slice/vrx_file_thumbnail.h"
 
+#include "core/reasons.h"
 #include "readers/slice/preview_block.h"
 #include "readers/slice/run_length_preview.h"
 #include "readers/slice/thumbnail_canvas.h"
@@ -9,22 +10,26 @@ namespace zr
 namespace
 {
 
-using Path = ReadFailure::Path;
+using Rest = FailureLine::Rest;
 using Rules = PreviewBlockRules;
 
 constexpr char kDocumentWrong[] = "There is something wrong with the document";
 
-constexpr ReadFailure kCannotOpen{20, "file open errr ", Path::None, "openFileErr"};
-constexpr ReadFailure kDlpHeadShort{29, "DlpHead_t read less", Path::OnNextLine, "fileReadLess"};
-constexpr ReadFailure kVrxHeadShort{43, "VrxFileHeader_t read less", Path::OnNextLine, "fileReadLess"};
-constexpr ReadFailure kSecondHeadPastEnd{53, kDocumentWrong, Path::OnNextLine, "filePrevErr"};
+constexpr ReadFailure kCannotOpen{{20, "file open errr ", Rest::None, reason::kCannotBeOpened}, "openFileErr"};
+constexpr ReadFailure kDlpHeadShort{{29, "DlpHead_t read less", Rest::PathOnNextLine, reason::kHeaderCut},
+                                    "fileReadLess"};
+constexpr ReadFailure kVrxHeadShort{{43, "VrxFileHeader_t read less", Rest::PathOnNextLine, reason::kHeaderCut},
+                                    "fileReadLess"};
+constexpr ReadFailure kSecondHeadPastEnd{{53, kDocumentWrong, Rest::PathOnNextLine, reason::kSecondPreviewPastEnd},
+                                         "filePrevErr"};
 constexpr PreviewBlockRules kPreviewRules{
     Rules::FirstCheck::Size,
     Rules::ZeroDataOffset::IsAnOffset,
-    /* headShort */ {64, "DlpPreviewHead_t read less", Path::OnNextLine, "fileReadLess"},
-    /* sizeWrong */ {72, kDocumentWrong, Path::OnNextLine, "filePrevErr"},
-    /* dataOffsetWrong */ {93, kDocumentWrong, Path::OnNextLine, "filePrevErr"},
-    /* dataShort */ {104, "src_RGB_Buffer read less", Path::OnNextLine, "filePrevErr"},
+    /* headShort */
+    {{64, "DlpPreviewHead_t read less", Rest::PathOnNextLine, reason::kPreviewHeaderCut}, "fileReadLess"},
+    /* sizeWrong */ {{72, kDocumentWrong, Rest::PathOnNextLine, reason::kPreviewSizeWrong}, "filePrevErr"},
+    /* dataOffsetWrong */ {{93, kDocumentWrong, Rest::PathOnNextLine, reason::kPixelsPastEnd}, "filePrevErr"},
+    /* dataShort */ {{104, "src_RGB_Buffer read less", Rest::PathOnNextLine, reason::kPreviewCut}, "filePrevErr"},
 };
 
 // The first word of the newer layout, in which the preview header has one of two fixed places.
@@ -55,6 +60,18 @@ struct VrxFileHeader_t {
 };
 
 } // namespace
+
+FailureLines VrxFileThumbnail::failures()
+{
+    return {kCannotOpen,
+            kDlpHeadShort,
+            kVrxHeadShort,
+            kSecondHeadPastEnd,
+            kPreviewRules.headShort,
+            kPreviewRules.sizeWrong,
+            kPreviewRules.dataOffsetWrong,
+            kPreviewRules.dataShort};
+}
 
 void VrxFileThumbnail::readFile()
 {

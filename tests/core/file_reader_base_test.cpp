@@ -41,7 +41,7 @@ public:
 
     QString key;
     QString previewKey;
-    ReadFailure failure{0, "", ReadFailure::Path::None, nullptr};
+    ReadFailure failure{{0, "", FailureLine::Rest::None, ""}, nullptr};
     QImage picture;
     QImage partial; // what there is of a picture when readFile() fails
 };
@@ -148,15 +148,15 @@ TEST_F(FileReaderBaseTest, KeyWithoutAHandlerRaisesBadFunctionCall)
 TEST_F(FileReaderBaseTest, FailureLogsItsTextThenThrowThenTheKey)
 {
     const QString path = m_source.fileName();
-    const std::pair<ReadFailure::Path, QString> cases[] = {
-        {ReadFailure::Path::None, "40 message "},
-        {ReadFailure::Path::OnNextLine, "40 message \n" + path},
-        {ReadFailure::Path::Appended, "40 message " + path},
+    const std::pair<FailureLine::Rest, QString> cases[] = {
+        {FailureLine::Rest::None, "40 message "},
+        {FailureLine::Rest::PathOnNextLine, "40 message \n" + path},
+        {FailureLine::Rest::PathAppended, "40 message " + path},
     };
     for (const auto& [place, firstLine] : cases) {
         restartLog();
         ProbeReader reader(path);
-        reader.failure = {40, "message ", place, "fileReadLess"};
+        reader.failure = {{40, "message ", place, ""}, "fileReadLess"};
         EXPECT_TRUE(reader.getImage().isNull());
         EXPECT_EQ(logMessages(), QStringList({firstLine, "41  throw ", "29 fileReadLess"}));
     }

@@ -1,0 +1,82 @@
+#include "cache/database_check.h"
+
+#include "cache/thumbnail_database.h"
+
+#include <QSqlQuery>
+#include <QSqlRecord>
+#include <QUrl>
+
+namespace zr
+{
+namespace
+{
+
+// A connection of its own, since the default one is ThumbnailDatabase's.
+class Connection
+{
+public:
+    Connection(const QString& name, const QString& file, const QString& options) : m_name(name)
+    {
+        database = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), m_name);
+        database.setDatabaseName(file);
+        database.setConnectOptions(options);
+        database.open();
+    }
+    ~Connection()
+    {
+        database = QSqlDatabase();
+        QSqlDatabase::removeDatabase(m_name);
+    }
+    Connection(const Connection&) = delete;
+    Connection& operator=(const Connection&) = delete;
+
+    // The first value that the statement yields; null when it fails or yields none.
+    QVariant value(const QString& statement) const
+    {
+        QSqlQuery query(database);
+        return query.exec(statement) && query.next() ? query.value(0) : QVariant();
+    }
+
+    QSqlDatabase database;
+
+private:
+    QString m_name;
+};
+
+const QString kTable = QStringLiteral("thumbnail");
+
+QStringList columnNames(const QSqlDatabase& database)
+{
+    const QSqlRecord record = database.record(kTable);
+    QStringList names;
+    for (int i = 0; i < record.count(); ++i)
+        names.append(record.fieldName(i));
+    return names;
+}
+
+QStringList columnNamesOfTheCache()
+{
+    const Connection connection(QStringLiteral("new table"), QStringLiteral(":memory:"), QString());
+    QSqlQuery(connection.database).exec(QLatin1String(kCreateTable));
+    return columnNames(connection.database);
+}
+
+} // namespace
+
+// A file that is said never to change is read without locks and without the files that SQLite keeps beside it.
+DatabaseState inspectDatabase(const QString& path)
+{
+    const QString uri = QUrl::fromLocalFile(path).toString(QUrl::FullyEncoded) + QLatin1String("?immutable=1");
+    const Connection connection(QStringLiteral("check of the cache"), uri,
+                                QStringLiteral("QSQLITE_OPEN_URI;QSQLITE_OPEN_READONLY"));
+    if (connection.value(QStringLiteral("pragma quick_check(1)")) != QLatin1String("ok"))
+        return DatabaseState::Damaged;
+    const QVariant type =
+        connection.value(QStringLiteral("select type from sqlite_master where name = '%1' collate nocase").arg(kTable));
+    if (type.isNull())
+        return DatabaseState::Usable;
+    const bool isOurs = type == QLatin1String("table") && columnNames(connection.database) == columnNamesOfTheCache();
+    return isOurs ? DatabaseState::Usable : DatabaseState::Foreign;
+}
+
+} // namespace zr
