@@ -1,78 +1,76 @@
 #include "host/failure_reason.h"
 
 #include "core/data_location.h"
+#include "core/reader_table.h"
+#include "core/thumbnail_job.h"
+#include "host/cache_fault.h"
+#include "host/file_access.h"
+#include "host/log_tail.h"
 #include "host/platform.h"
 
 #include <QFileInfo>
-#include <QLatin1String>
+
+#include <algorithm>
 
 namespace zr
 {
 namespace
 {
 
-// What the log says in its own short words, in the users'. The first row that is found in any message wins, so the
-// cause of a failure stands before what follows from it.
-struct Explanation {
-    const char* message; ///< the message, or its beginning where it ends with "*"
-    const char* sentence;
+// What one request logged, and for which file.
+class RequestLog
+{
+public:
+    RequestLog(const QString& path, const QStringList& messages) : m_path(asLogged(path)), m_messages(messages) {}
+
+    bool isEmpty() const { return m_messages.isEmpty(); }
+
+    bool has(const FailureLine& line) const
+    {
+        return std::any_of(m_messages.cbegin(), m_messages.cend(),
+                           [&](const QString& message) { return isLine(message, line, m_path); });
+    }
+
+    // The reason of the first of the lines that the log has; empty when it has none.
+    QLatin1String reasonAmong(const FailureLines& lines) const
+    {
+        const auto line = std::find_if(lines.cbegin(), lines.cend(), [this](const auto& row) { return has(row); });
+        return line == lines.cend() ? QLatin1String() : QLatin1String(line->reason);
+    }
+
+private:
+    QString m_path;
+    const QStringList& m_messages;
 };
 
-constexpr Explanation kExplanations[] = {
-    {"60  throw ", "this kind of file is not supported"},
-    {"110 database no open", "the cache database cannot be opened"},
-    {"106 database create faild", "the cache database cannot be used"},
-    {"45 fileCanNotOpen", "the file cannot be opened"},
-    {"43 fileCanNotOpen", "the file cannot be opened"},
-    {"45 fileIsCanNoRender", "the file is too large for the free memory"},
-    {"45 memOut", "the machine is short of memory"},
-    {"45 memOutErr", "the machine is short of memory"},
-    {"45 modelSizeIsErr", "the model has no extent, or is larger than 10000 units"},
-    {"45 fileIsErr", "the model has no extent, or is larger than 10000 units"},
-    {"45 fileHeadErr", "the file's header is damaged"},
-    {"45 fileReadLess", "the file ends too early"},
-    {"170  throw size*", "the model has no extent, or is larger than 10000 units"},
-    {"184 *", "there is nothing to show: the model is empty, damaged or out of range"},
-    {"115 Builder*", "OpenGL could not be set up"},
-    {"69  throw ", "the picture could not be saved in the cache"},
-};
-
-bool matches(const QString& message, QLatin1String pattern)
+// Why there is nothing to read; empty when there is.
+QString contentFault(const QFileInfo& file)
 {
-    if (pattern.endsWith(QLatin1Char('*')))
-        return message.startsWith(pattern.chopped(1));
-    return message == pattern;
+    if (!supportedSuffixes().contains(file.suffix(), Qt::CaseInsensitive))
+        return QLatin1String(reason::kNotSupported);
+    return file.size() == 0 ? QStringLiteral("the file is empty") : QString();
 }
 
-QString explain(const QStringList& messages)
+// What the reader found; empty when it found nothing.
+QString readersReason(const QFileInfo& file, const RequestLog& log)
 {
-    for (const Explanation& row : kExplanations) {
-        for (const QString& message : messages) {
-            if (matches(message, QLatin1String(row.message)))
-                return QString::fromLatin1(row.sentence);
-        }
-    }
-    return {};
+    const QLatin1String reason = log.reasonAmong(readerFailures(file.suffix()));
+    const bool lacksOpenGl = reason == QLatin1String(reason::kNoOpenGl);
+    return lacksOpenGl && openGlLacksDisplay() ? QLatin1String(kOpenGlNeedsDisplay) : reason;
 }
 
-// A reader's own words: the line before its first " throw " line, without the path that follows them.
-QString readersWords(const QStringList& messages)
+QString jobsReason(const RequestLog& log)
 {
-    for (int i = 1; i < messages.size(); ++i) {
-        const QString& before = messages.at(i - 1);
-        if (messages.at(i).endsWith(QLatin1String("  throw ")) && !before.endsWith(QLatin1String("  throw "))) {
-            const QString words = before.section(QLatin1Char(' '), 1).section(QLatin1Char('\n'), 0, 0).trimmed();
-            if (!words.isEmpty() && words != QLatin1String("app after"))
-                return words;
-        }
-    }
-    return {};
-}
-
-bool mentionsMissingOpenGl(const QStringList& messages)
-{
-    return messages.contains(QStringLiteral("200 opengl version is not valid")) ||
-           messages.contains(QStringLiteral("208 opengl surface is not valid"));
+    if (log.isEmpty())
+        return QStringLiteral("the reason is not known, since nothing could be written to the log, %1")
+            .arg(defaultLogPath());
+    const QLatin1String reason = log.reasonAmong({kNoPicture, kDatabaseNotOpen, kTableNotMade, kNotSaved});
+    if (!reason.isEmpty())
+        return reason;
+    // An error that no reader foresees ended the job without a word, mostly a size that no memory has room for.
+    if (!log.has(kJobFailed))
+        return QLatin1String(reason::kDamagedOrNoMemory);
+    return QStringLiteral("no picture came back; see %1").arg(defaultLogPath());
 }
 
 } // namespace
@@ -80,21 +78,24 @@ bool mentionsMissingOpenGl(const QStringList& messages)
 QString failureReason(const QString& path, const QStringList& messages)
 {
     const QFileInfo file(path);
-    if (!file.exists())
-        return QStringLiteral("no such file");
-    if (file.isDir())
-        return QStringLiteral("it is a folder (--recursive makes thumbnails of the files below it)");
-    if (!file.isFile())
-        return QStringLiteral("it is not a regular file");
-    if (mentionsMissingOpenGl(messages) && openGlLacksDisplay())
-        return QString::fromLatin1(kOpenGlNeedsDisplay);
-    const QString sentence = explain(messages);
-    if (!sentence.isEmpty())
-        return sentence;
-    const QString words = readersWords(messages);
-    if (!words.isEmpty())
-        return words;
-    return QStringLiteral("no picture came back; see ") + defaultLogPath();
+    const RequestLog log(path, messages);
+    QString reason = sourceFault(path);
+    if (reason.isEmpty())
+        reason = contentFault(file);
+    if (reason.isEmpty())
+        reason = readersReason(file, log);
+    // Without a log, too, which may be missing for the same reason.
+    if (reason.isEmpty() && (log.isEmpty() || log.has(kNotSaved)))
+        reason = cacheFault(path);
+    return reason.isEmpty() ? jobsReason(log) : reason;
+}
+
+QString lostPictureReason(const QString& path, const QString& pngPath)
+{
+    if (!pngPath.isEmpty())
+        return QStringLiteral("the cached picture cannot be read: delete %1, which is made anew").arg(pngPath);
+    const QString reason = cacheFault(path);
+    return reason.isEmpty() ? QLatin1String(reason::kNotSaved) : reason;
 }
 
 } // namespace zr

@@ -42,12 +42,17 @@ QStringList splitMessages(const QString& text)
 
 } // namespace
 
+QString asLogged(const QString& path)
+{
+    return QString::fromLocal8Bit(path.toLocal8Bit());
+}
+
 LogTail::LogTail() : m_start(QFileInfo(defaultLogPath()).size()) {}
 
 QStringList LogTail::messagesOf(const QString& path) const
 {
     const QStringList messages = splitMessages(readFrom(m_start));
-    const auto begin = messages.lastIndexOf(QStringLiteral("37 in 2 ") + path);
+    const auto begin = messages.lastIndexOf(QStringLiteral("37 in 2 ") + asLogged(path));
     return messages.mid(begin + 1);
 }
 

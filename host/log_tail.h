@@ -6,6 +6,9 @@
 namespace zr
 {
 
+/// The path as it stands in the log, whose 8-bit code page may lack some of its characters.
+QString asLogged(const QString& path);
+
 /// What is appended to the log while the object lives. The log is read back from its file, since on Windows it is
 /// written by the server's DLL.
 class LogTail

@@ -2,6 +2,8 @@
 
 #include "cache/thumbnail_database.h"
 #include "core/data_location.h"
+#include "core/reasons.h"
+#include "host/console.h"
 #include "host/failure_reason.h"
 #include "host/log_tail.h"
 #include "host/thumbnail_client.h"
@@ -9,6 +11,8 @@
 #include <QFileInfo>
 
 #include <exception>
+#include <memory>
+#include <stdexcept>
 
 namespace zr
 {
@@ -21,29 +25,48 @@ QString cachedPngPath(const QString& path)
     return database.queryValue(path, QStringLiteral("thumPath")).toString();
 }
 
-RequestResult requestOnce(const QString& path, const QString& serverPath)
+// Whether the file was loaded. What an exception ended is a failure like others: the server's DLL tells of none either.
+bool load(ThumbnailClient& client, const QString& path)
+{
+    try {
+        return client.load(path);
+    } catch (const std::exception&) {
+        return false;
+    }
+}
+
+RequestResult requestFrom(ThumbnailClient& client, const QString& path)
 {
     const LogTail log;
     RequestResult result;
-    QString error;
-    try {
-        const auto client = makeThumbnailClient(serverPath);
-        bool loaded = false;
-        try {
-            loaded = client->load(path);
-        } catch (const std::exception& exception) {
-            error = QStringLiteral("unexpected error: ") + QString::fromLocal8Bit(exception.what());
-        }
-        // Also after a failure, since it ends the request's log instance.
-        result.picture = client->extract();
-        if (loaded)
-            result.pngPath = cachedPngPath(path);
-    } catch (const std::exception& exception) {
-        error = QString::fromLocal8Bit(exception.what());
-    }
-    if (result.picture.isNull() || result.pngPath.isEmpty())
-        result.reason = error.isEmpty() ? failureReason(path, log.messagesOf(path)) : error;
+    const bool loaded = load(client, path);
+    // Also after a failure, since it ends the request's log instance.
+    result.picture = client.extract();
+    if (loaded)
+        result.pngPath = cachedPngPath(path);
+    if (!loaded)
+        result.reason = failureReason(path, log.messagesOf(path));
+    else if (result.picture.isNull() || result.pngPath.isEmpty())
+        result.reason = lostPictureReason(path, result.pngPath);
     return result;
+}
+
+RequestResult failed(const QString& reason)
+{
+    RequestResult result;
+    result.reason = reason;
+    return result;
+}
+
+RequestResult requestOnce(const QString& path, const QString& serverPath)
+{
+    std::unique_ptr<ThumbnailClient> client;
+    try {
+        client = makeThumbnailClient(serverPath);
+    } catch (const std::runtime_error& error) {
+        return failed(QString::fromLocal8Bit(error.what()));
+    }
+    return requestFrom(*client, path);
 }
 
 // A user's very first request fails, since it comes before the data folder.
@@ -61,12 +84,13 @@ RequestResult requestUpToTwice(const QString& path, const QString& serverPath)
 RequestResult requestThumbnail(const QString& path, const QString& serverPath)
 {
     try {
-        return requestUpToTwice(path, serverPath);
-    } catch (const std::exception& exception) {
-        // Not the request itself failed but what is told about it, for lack of memory. Other files may do better.
-        RequestResult result;
-        result.reason = QString::fromLocal8Bit(exception.what());
+        RequestResult result = requestUpToTwice(path, serverPath);
+        // Names of files and folders stand in it.
+        result.reason = printable(result.reason);
         return result;
+    } catch (const std::exception&) {
+        // Not the request itself failed but what is told about it, for lack of memory. Other files may do better.
+        return failed(QLatin1String(reason::kMemoryShort));
     }
 }
 

@@ -1,13 +1,20 @@
 #include "host/failure_reason.h"
 
+#include "cache/thumbnail_database.h"
 #include "core/data_location.h"
 #include "core/log_file.h"
+#include "core/reader_table.h"
+#include "core/thumbnail_job.h"
 #include "host/log_tail.h"
+#include "tests/host/plain_words.h"
 #include "tests/support/data_folder_fixture.h"
 #include "tests/support/files.h"
 #include "tests/support/qt_printers.h"
 
+#include <QDir>
 #include <QTemporaryDir>
+
+#include <set>
 
 namespace zr::test
 {
@@ -20,66 +27,146 @@ protected:
     void SetUp() override
     {
         DataFolderTest::SetUp();
-        m_path = writeFile(m_folder.filePath("a.stl"), "x");
+        ASSERT_TRUE(QDir().mkpath(thumbnailImageFolder()));
+    }
+
+    QString source(const QString& name) const { return writeFile(m_folder.filePath(name), "x"); }
+
+    // What is read back when the line has been logged, with the lines around it that every failure has.
+    static QStringList logWith(const FailureLine& line, const QString& path)
+    {
+        restartLog();
+        const LogTail tail;
+        logLine(37, "in 2 " + path);
+        logLine(63, "app after");
+        logLine(84, " throw ");
+        logLine(line.number, textOf(line, path) + (line.rest == FailureLine::Rest::Anything ? "rest" : ""));
+        logLine(29, "fileReadLess");
+        throwAway([] { throwKey(kNoPicture); });
+        logLine(kJobFailed);
+        return tail.messagesOf(path);
+    }
+
+    template <typename Action>
+    static void throwAway(Action action)
+    {
+        EXPECT_THROW(action(), QString);
     }
 
     QTemporaryDir m_folder;
-    QString m_path;
 };
 
-TEST_F(FailureReasonTest, FileItselfComesFirst)
+TEST_F(FailureReasonTest, EachLineOfEachReaderHasItsWords)
 {
-    EXPECT_EQ(failureReason(m_folder.filePath("missing"), {}), "no such file");
-    EXPECT_TRUE(failureReason(m_folder.path(), {}).contains("folder"));
+    for (const QString& suffix : supportedSuffixes()) {
+        const QString path = source("a." + suffix);
+        EXPECT_FALSE(readerFailures(suffix).empty()) << suffix.toStdString();
+        std::set<QString> lines;
+        for (const FailureLine& line : readerFailures(suffix)) {
+            const QString text = QString::number(line.number) + ' ' + textOf(line, path);
+            SCOPED_TRACE(suffix.toStdString() + ": " + text.toStdString());
+            EXPECT_EQ(failureReason(path, logWith(line, path)), line.reason);
+            EXPECT_TRUE(lines.insert(text).second) << "stands for two failures";
+            expectPlainWords(line.reason);
+        }
+    }
+    EXPECT_TRUE(readerFailures("txt").empty());
 }
 
-TEST_F(FailureReasonTest, LogIsPutIntoWords)
+TEST_F(FailureReasonTest, CauseComesBeforeWhatFollowsFromIt)
 {
-    const QStringList before = {"63 app after", "84  throw "};
-    const QStringList after = {"29 fileReadLess", "65  throw ", "73 getImage False"};
+    const QString path = source("a.stl");
     const std::pair<QStringList, const char*> cases[] = {
-        {{"29 DlpHead_t read less\n/a b/c.vrx", "30  throw "}, "DlpHead_t read less"},
-        {{"20 file open errr ", "21  throw "}, "file open errr"},
-        {{"60  throw "}, "this kind of file is not supported"},
-        {{"143  throw ", "45 modelSizeIsErr"}, "the model has no extent, or is larger than 10000 units"},
-        {{"97  throw ", "184 ---------------renderListZero-----------------", "190 renderListZero"},
-         "there is nothing to show: the model is empty, damaged or out of range"},
-        {{"69  throw "}, "the picture could not be saved in the cache"},
-        {{"110 database no open", "69  throw "}, "the cache database cannot be opened"},
+        {{"200 opengl version is not valid", "279  throw ", "97  throw ",
+          "184 ---------------renderListZero-----------------"},
+         "the file ends before all of its triangles, or is no STL file"},
+        {{"115 Builder function failed\tvertexShaderErr", "184 ---------------renderListZero-----------------"},
+         "there is nothing to draw: the model is empty, or the file is damaged"},
+        {{"279  throw ", "115 Builder function failed\tvertexShaderErr"},
+         "models need OpenGL, which fails or is too old: 'zrthumb --check' tells more"},
     };
     for (const auto& [lines, reason] : cases)
-        EXPECT_EQ(failureReason(m_path, before + lines + after), reason);
+        EXPECT_EQ(failureReason(path, lines + QStringList({"65  throw ", "73 getImage False"})), reason);
 }
 
-TEST_F(FailureReasonTest, SilentLogNamesItself)
+// What other processes log meanwhile stands between a request's lines.
+TEST_F(FailureReasonTest, LinesForOtherFilesAreNotTaken)
 {
-    EXPECT_EQ(failureReason(m_path, {}), "no picture came back; see " + defaultLogPath());
+    const QString path = source("a.vrx");
+    const QStringList foreign = {"29 DlpHead_t read less\n/other.vrx", "97  throw ", "53 There is something wrong"};
+    const QStringList own = {"72 There is something wrong with the document\n" + path, "73  throw ", "29 filePrevErr",
+                             "65  throw ", "73 getImage False"};
+    EXPECT_EQ(failureReason(path, foreign + own + foreign), "the file's preview is damaged: its size is impossible");
+}
+
+TEST_F(FailureReasonTest, PathsThatTheLogCannotSpellAreFound)
+{
+    const QString path = source(QString::fromUtf8("\xD0\xB4\xE2\x88\x9E.vrx"));
+    const FailureLine line = readerFailures("vrx").at(1);
+    const QStringList messages = logWith(line, path);
+    EXPECT_EQ(messages.first(), "63 app after");
+    EXPECT_EQ(failureReason(path, messages), line.reason);
+}
+
+TEST_F(FailureReasonTest, JobThatEndsWithoutAWordMetDamageOrLackedMemory)
+{
+    const QString path = source("a.vrx");
+    const char reason[] = "the file is damaged, or there is not enough memory for it";
+    EXPECT_EQ(failureReason(path, {"63 app after", "84  throw "}), reason);
+    EXPECT_EQ(failureReason(path, {"84  throw ", "65  throw ", "73 getImage False"}), reason);
+}
+
+TEST_F(FailureReasonTest, FaultsOfTheCacheAreToldWhenNothingElseIsFound)
+{
+    const QString path = source("a.vrx");
+    const QStringList notSaved = {"69  throw ", "73 getImage False"};
+    EXPECT_EQ(failureReason(path, QStringList{"84  throw "} + notSaved),
+              "the picture could not be saved in the cache: another program may have its database locked; try again");
+    EXPECT_EQ(failureReason(path, QStringList{"110 database no open", "84  throw "} + notSaved),
+              "the database of the cache cannot be opened");
+    EXPECT_EQ(failureReason(path, QStringList{"106 database create faild", "84  throw "} + notSaved),
+              "the database of the cache cannot be used");
+}
+
+TEST_F(FailureReasonTest, MissingLogNamesItself)
+{
+    EXPECT_EQ(failureReason(source("a.vrx"), {}),
+              "the reason is not known, since nothing could be written to the log, " + defaultLogPath());
+    EXPECT_EQ(failureReason(source("a.txt"), {}), "this kind of file is not supported");
+    EXPECT_EQ(failureReason(m_folder.filePath("missing.vrx"), {}), "no such file");
+}
+
+TEST_F(FailureReasonTest, UnknownFailureNamesTheLog)
+{
+    EXPECT_EQ(failureReason(source("a.vrx"), {"73 getImage False"}), "no picture came back; see " + defaultLogPath());
 }
 
 TEST_F(FailureReasonTest, TailHoldsTheMessagesOfTheLastRequestForThePath)
 {
+    const QString path = source("a.vrx");
     restartLog();
-    logLine(37, "in 2 " + m_path);
+    logLine(37, "in 2 " + path);
     logLine(1, "before the tail");
     const LogTail tail;
-    logLine(37, "in 2 " + m_path);
+    logLine(37, "in 2 " + path);
     logLine(2, "earlier attempt");
-    logLine(37, "in 2 " + m_path);
+    logLine(37, "in 2 " + path);
     logLine(3, "two\nlines");
     logLine(4, " throw ");
-    EXPECT_EQ(tail.messagesOf(m_path), QStringList({"3 two\nlines", "4  throw "}));
+    EXPECT_EQ(tail.messagesOf(path), QStringList({"3 two\nlines", "4  throw "}));
 }
 
 TEST_F(FailureReasonTest, TailOfADeletedLogIsTheWholeNewOne)
 {
+    const QString path = source("a.vrx");
     restartLog();
     for (int i = 0; i < 10; ++i)
         logLine(1, "long");
     const LogTail tail;
     restartLog();
-    logLine(37, "in 2 " + m_path);
+    logLine(37, "in 2 " + path);
     logLine(2, "new");
-    EXPECT_EQ(tail.messagesOf(m_path), QStringList({"2 new"}));
+    EXPECT_EQ(tail.messagesOf(path), QStringList({"2 new"}));
 }
 
 } // namespace

@@ -37,7 +37,7 @@ struct NameCase {
     const char* reason = nullptr;
 };
 
-const char kNotSaved[] = "the picture could not be saved in the cache";
+const char kApostrophe[] = "its path has an apostrophe, which the cache cannot record: rename it";
 
 class HostileRequestTest : public DataFolderTest
 {
@@ -112,12 +112,12 @@ TEST_P(HostileNameTest, FailsOrIsAnsweredWithItsOwnPicture)
 }
 
 const NameCase kNames[] = {
-    {"it's.vrx", kNotSaved},
-    {"x' or 1 or '.vrx", kNotSaved},
-    {"x' or 1--.vrx", kNotSaved},
-    {"x' union select char(47),0,char(47),1,2--.vrx", kNotSaved},
-    {"x',0,char(47)||'a.vrx',1,2) on conflict(filePath) do update set fileSize=7--.vrx", kNotSaved},
-    {"x'; drop table thumbnail;--.vrx", kNotSaved},
+    {"it's.vrx", kApostrophe},
+    {"x' or 1 or '.vrx", kApostrophe},
+    {"x' or 1--.vrx", kApostrophe},
+    {"x' union select char(47),0,char(47),1,2--.vrx", kApostrophe},
+    {"x',0,char(47)||'a.vrx',1,2) on conflict(filePath) do update set fileSize=7--.vrx", kApostrophe},
+    {"x'; drop table thumbnail;--.vrx", kApostrophe},
     {"%1%2%3%4%5.vrx"},
     {"%L1 %99 %%.vrx"},
     {"a;drop table thumbnail;--.vrx"},
@@ -145,7 +145,8 @@ TEST_F(HostileRequestTest, NamesThatLeaveNoRoomForThePngsNameFail)
     const QByteArray fits(kLongestName - 2 * 4 - 3, 'n');
     const QByteArray tooLong = fits + 'n';
     EXPECT_EQ(requestThumbnail(writeFile(path(fits + ".vrx"), vrxOf(1)), QString()).reason, "");
-    EXPECT_EQ(requestThumbnail(writeFile(path(tooLong + ".vrx"), vrxOf(1)), QString()).reason, kNotSaved);
+    EXPECT_EQ(requestThumbnail(writeFile(path(tooLong + ".vrx"), vrxOf(1)), QString()).reason,
+              "its name is too long for that of its picture in the cache: shorten it");
     expectVictimUntouched();
 }
 
@@ -157,7 +158,7 @@ TEST_F(HostileRequestTest, NamesThatAreNoTextAreNoFiles)
     ASSERT_NE(stream, nullptr);
     std::fclose(stream);
     const RequestResult result = requestThumbnail(QFile::decodeName(name), QString());
-    EXPECT_EQ(result.reason, "no such file");
+    EXPECT_EQ(result.reason, "its name is not text (UTF-8): rename it");
     expectVictimUntouched();
     std::remove(name.constData());
 }
@@ -184,7 +185,7 @@ TEST_F(HostileRequestTest, LinesThatANameForgesConcernThatNameOnly)
         "short");
     const QString damaged = writeFile(m_folder.filePath("damaged.vrx"), "short");
     EXPECT_FALSE(requestThumbnail(forged, QString()).succeeded());
-    EXPECT_EQ(requestThumbnail(damaged, QString()).reason, "DlpHead_t read less");
+    EXPECT_EQ(requestThumbnail(damaged, QString()).reason, "the file ends before its header is complete");
     expectVictimUntouched();
 }
 

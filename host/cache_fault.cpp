@@ -1,0 +1,113 @@
+#include "host/cache_fault.h"
+
+#include "cache/database_check.h"
+#include "cache/thumbnail_database.h"
+#include "core/data_location.h"
+#include "core/thumbnail_job.h"
+#include "host/file_access.h"
+
+#include <QDir>
+#include <QFileInfo>
+#include <QStorageInfo>
+
+namespace zr
+{
+namespace
+{
+
+// Less than a picture, its row and the database's journal may take.
+constexpr qint64 kLeastFreeBytes = 1 << 20;
+
+QString apostropheFault(const QString& path)
+{
+    if (!fitsStatement(path))
+        return QStringLiteral("its path has an apostrophe, which the cache cannot record: rename it");
+    if (fitsStatement(dataFolder()))
+        return QString();
+#ifdef Q_OS_WIN
+    const QString remedy = QStringLiteral("use an account whose folder has none");
+#else
+    const QString remedy = QStringLiteral("set XDG_DATA_HOME to another one");
+#endif
+    return QStringLiteral("the data folder's path has an apostrophe, which the cache cannot record: %1").arg(remedy);
+}
+
+QString folderFault(const QString& folder)
+{
+    const QFileInfo info(folder);
+    if (info.isDir())
+        return QString();
+    if (info.exists() || info.isSymLink())
+        return QStringLiteral("%1 is in the place of a folder: move it away").arg(folder);
+    const QString parent = info.path();
+    const QString fault = folderFault(parent);
+    if (!fault.isEmpty() || mayWrite(parent))
+        return fault;
+    return QStringLiteral("the data folder cannot be made: %1 takes no new folders").arg(parent);
+}
+
+QString spaceFault()
+{
+    const QStorageInfo disk(dataFolder());
+    if (!disk.isValid() || disk.bytesAvailable() >= kLeastFreeBytes)
+        return QString();
+    return QStringLiteral("the disk is full: make room for the data folder, %1").arg(dataFolder());
+}
+
+// Something else than a file, or one that may not be written, at `path`; where there is nothing, a folder that takes no
+// new files.
+QString fileFault(const QString& path)
+{
+    const QFileInfo info(path);
+    if (info.exists() ? !info.isFile() : info.isSymLink())
+        return QStringLiteral("%1 is not a file: move it away").arg(path);
+    const QString written = info.exists() ? path : info.path();
+    return mayWrite(written) ? QString() : QStringLiteral("%1 cannot be written: permission denied").arg(written);
+}
+
+QString pictureFault(const QString& path)
+{
+    const QFileInfo picture(path);
+    if (!takesName(picture.path(), picture.fileName()))
+        return QStringLiteral("its name is too long for that of its picture in the cache: shorten it");
+    return fileFault(path);
+}
+
+// SQLite needs its journal beside the database.
+QString databaseFault(const QString& path)
+{
+    const QString fault = fileFault(path);
+    if (!fault.isEmpty() || !QFileInfo::exists(path))
+        return fault;
+    if (!mayWrite(QFileInfo(path).path()))
+        return fileFault(path + QLatin1String("-journal"));
+    switch (inspectDatabase(path)) {
+    case DatabaseState::Damaged:
+        return QStringLiteral("the cache's database is damaged: delete %1, which is made anew").arg(path);
+    case DatabaseState::Foreign:
+        return QStringLiteral("the cache's database is another program's or version's: move %1 away").arg(path);
+    case DatabaseState::Usable:
+        break;
+    }
+    return QString();
+}
+
+} // namespace
+
+QString cacheFault(const QString& path)
+{
+    for (const auto& check : {
+             +[](const QString& source) { return apostropheFault(source); },
+             +[](const QString&) { return folderFault(QDir::cleanPath(thumbnailImageFolder())); },
+             +[](const QString&) { return spaceFault(); },
+             +[](const QString& source) { return pictureFault(picturePath(source)); },
+             +[](const QString&) { return databaseFault(defaultDatabasePath()); },
+         }) {
+        const QString fault = check(path);
+        if (!fault.isEmpty())
+            return fault;
+    }
+    return QString();
+}
+
+} // namespace zr

@@ -1,0 +1,22 @@
+#pragma once
+
+#include <QRegularExpression>
+#include <QString>
+
+#include <gtest/gtest.h>
+
+namespace zr::test
+{
+
+/// Expects the reason to hold nothing that only a programmer reads: names of the code, keys and texts of the log.
+inline void expectPlainWords(QString reason)
+{
+    static const QRegularExpression internals(
+        QStringLiteral("_|[a-z][A-Z]|[eE]rrr?\\b|\\bless\\b|\\bthrow\\b|::|\\bfaild\\b"));
+    const QString text = QString(reason).replace(QLatin1String("OpenGL"), QLatin1String("OPENGL"));
+    EXPECT_FALSE(reason.isEmpty());
+    EXPECT_FALSE(text.contains(internals)) << reason.toStdString();
+    EXPECT_FALSE(text.contains(QLatin1Char('\n'))) << reason.toStdString();
+}
+
+} // namespace zr::test
