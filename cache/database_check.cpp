@@ -2,6 +2,7 @@
 
 #include "cache/thumbnail_database.h"
 
+#include <QFileInfo>
 #include <QSqlQuery>
 #include <QSqlRecord>
 #include <QUrl>
@@ -66,6 +67,9 @@ QStringList columnNamesOfTheCache()
 // A file that is said never to change is read without locks and without the files that SQLite keeps beside it.
 DatabaseState inspectDatabase(const QString& path)
 {
+    // In the middle of a transaction the file alone means nothing.
+    if (QFileInfo::exists(path + QLatin1String("-journal")))
+        return DatabaseState::Usable;
     const QString uri = QUrl::fromLocalFile(path).toString(QUrl::FullyEncoded) + QLatin1String("?immutable=1");
     const Connection connection(QStringLiteral("check of the cache"), uri,
                                 QStringLiteral("QSQLITE_OPEN_URI;QSQLITE_OPEN_READONLY"));

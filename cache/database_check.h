@@ -12,8 +12,8 @@ enum class DatabaseState {
     Foreign, ///< something else has the table's name, or the table has other columns
 };
 
-/// Looks at the file at `path`, which must be a regular one. Takes no lock, so it waits for nobody and nobody for it,
-/// and writes nothing.
+/// Looks at the file at `path`, which must be a regular one; one that somebody is about to change counts as usable.
+/// Takes no lock, so it waits for nobody and nobody for it, and writes nothing.
 DatabaseState inspectDatabase(const QString& path);
 
 } // namespace zr

@@ -4,63 +4,36 @@
 #include "tests/reliability/request_test.h"
 #include "tests/support/files.h"
 #include "tests/support/qt_printers.h"
+#include "tests/support/unprivileged.h"
 
-#include <QDir>
-#include <QDirIterator>
 #include <QFileInfo>
 
-#include <sys/stat.h>
-#include <unistd.h>
+#include <optional>
 
 namespace zr::test
 {
 namespace
 {
 
-constexpr uid_t kNobody = 65534;
-
-// Nothing is protected from root, so root's test is somebody else's while it lasts.
 class PermissionsTest : public RequestTest
 {
 protected:
     void SetUp() override
     {
         RequestTest::SetUp();
-        if (geteuid() != 0)
-            return;
-        for (const QString& folder : {QFileInfo(dataFolder()).path(), m_folder.path()})
-            giveAway(folder);
-        ASSERT_EQ(setresuid(kNobody, kNobody, 0), 0);
-        m_wasRoot = true;
+        m_user.emplace(QStringList{QFileInfo(dataFolder()).path(), m_folder.path()});
     }
 
     void TearDown() override
     {
-        if (m_wasRoot) {
-            EXPECT_EQ(setresuid(0, 0, 0), 0);
-        }
+        m_user.reset();
         setMode(thumbnailImageFolder(), 0755);
         setMode(dataFolder(), 0755);
         RequestTest::TearDown();
     }
 
-    static void setMode(const QString& path, mode_t mode)
-    {
-        EXPECT_EQ(chmod(QFile::encodeName(path).constData(), mode), 0) << path.toStdString();
-    }
-
 private:
-    static void giveAway(const QString& folder)
-    {
-        QStringList paths{folder};
-        QDirIterator walk(folder, QDir::AllEntries | QDir::NoDotAndDotDot, QDirIterator::Subdirectories);
-        while (walk.hasNext())
-            paths.append(walk.next());
-        for (const QString& path : qAsConst(paths))
-            ASSERT_EQ(chown(QFile::encodeName(path).constData(), kNobody, kNobody), 0) << path.toStdString();
-    }
-
-    bool m_wasRoot = false;
+    std::optional<Unprivileged> m_user;
 };
 
 TEST_F(PermissionsTest, WriteProtectedPngIsKept)
