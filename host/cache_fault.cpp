@@ -41,9 +41,9 @@ QString folderFault(const QString& folder)
         return QStringLiteral("%1 is in the place of a folder: move it away").arg(folder);
     const QString parent = info.path();
     const QString fault = folderFault(parent);
-    if (!fault.isEmpty() || mayWrite(parent))
+    if (!fault.isEmpty() || writeFault(parent).isEmpty())
         return fault;
-    return QStringLiteral("the data folder cannot be made: %1 takes no new folders").arg(parent);
+    return QStringLiteral("the data folder cannot be made in %1: %2").arg(parent, writeFault(parent));
 }
 
 QString spaceFault()
@@ -54,15 +54,22 @@ QString spaceFault()
     return QStringLiteral("the disk is full: make room for the data folder, %1").arg(dataFolder());
 }
 
-// Something else than a file, or one that may not be written, at `path`; where there is nothing, a folder that takes no
-// new files.
+// What is there may not be written, or take new files.
+QString accessFault(const QString& path)
+{
+    const QString fault = writeFault(path);
+    return fault.isEmpty() ? QString() : QStringLiteral("%1 cannot be written: %2").arg(path, fault);
+}
+
+// Something else than a file at `path`, a file that may not be written, or none in a folder that takes no new ones.
 QString fileFault(const QString& path)
 {
     const QFileInfo info(path);
     if (info.exists() ? !info.isFile() : info.isSymLink())
         return QStringLiteral("%1 is not a file: move it away").arg(path);
-    const QString written = info.exists() ? path : info.path();
-    return mayWrite(written) ? QString() : QStringLiteral("%1 cannot be written: permission denied").arg(written);
+    if (info.exists())
+        return accessFault(path);
+    return QFileInfo::exists(info.path()) ? accessFault(info.path()) : QString();
 }
 
 QString pictureFault(const QString& path)
@@ -73,14 +80,15 @@ QString pictureFault(const QString& path)
     return fileFault(path);
 }
 
-// SQLite needs its journal beside the database.
 QString databaseFault(const QString& path)
 {
-    const QString fault = fileFault(path);
+    QString fault = fileFault(path);
     if (!fault.isEmpty() || !QFileInfo::exists(path))
         return fault;
-    if (!mayWrite(QFileInfo(path).path()))
-        return fileFault(path + QLatin1String("-journal"));
+    // SQLite needs its journal beside the database.
+    fault = accessFault(QFileInfo(path).path());
+    if (!fault.isEmpty())
+        return fault;
     switch (inspectDatabase(path)) {
     case DatabaseState::Damaged:
         return QStringLiteral("the cache's database is damaged: delete %1, which is made anew").arg(path);

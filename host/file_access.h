@@ -13,14 +13,16 @@ constexpr char kIsFolder[] = "it is a folder (--recursive makes thumbnails of th
 constexpr char kNotRegular[] = "it is not a regular file";
 constexpr char kLooseLink[] = "it is a link to a file that does not exist";
 constexpr char kNotPermitted[] = "the file cannot be opened: permission denied";
+constexpr char kWriteNotPermitted[] = "permission denied";
 
 } // namespace reason
 
 /// Why the source file at the absolute `path` cannot be read, one line for the user; empty when it can.
 QString sourceFault(const QString& path);
 
-/// Whether the file at `path` may be written, or the folder take new files, for all that the system says beforehand.
-bool mayWrite(const QString& path);
+/// Why the file at `path` cannot be written, or the folder take new files, in a few words; empty when nothing is known
+/// against it.
+QString writeFault(const QString& path);
 
 /// Whether the file system of the folder that exists takes files of that name.
 bool takesName(const QString& folder, const QString& name);

@@ -77,10 +77,12 @@ QString sourceFault(const QString& path)
     return openFault(name);
 }
 
-bool mayWrite(const QString& path)
+QString writeFault(const QString& path)
 {
     const int mode = QFileInfo(path).isDir() ? W_OK | X_OK : W_OK;
-    return faccessat(AT_FDCWD, QFile::encodeName(path).constData(), mode, AT_EACCESS) == 0;
+    if (faccessat(AT_FDCWD, QFile::encodeName(path).constData(), mode, AT_EACCESS) == 0)
+        return QString();
+    return errno == EACCES ? QLatin1String(reason::kWriteNotPermitted) : qt_error_string(errno);
 }
 
 bool takesName(const QString& folder, const QString& name)

@@ -70,9 +70,19 @@ QString sourceFault(const QString& path)
     return QFileInfo(path).isFile() ? QString() : QLatin1String(reason::kNotRegular);
 }
 
-bool mayWrite(const QString& path)
+QString writeFault(const QString& path)
 {
-    return tryToOpen(path, QFileInfo(path).isDir() ? FILE_ADD_FILE : GENERIC_WRITE) == ERROR_SUCCESS;
+    const DWORD error = tryToOpen(path, QFileInfo(path).isDir() ? FILE_ADD_FILE : GENERIC_WRITE);
+    switch (error) {
+    case ERROR_SUCCESS:
+        return QString();
+    case ERROR_ACCESS_DENIED:
+        return QLatin1String(reason::kWriteNotPermitted);
+    case ERROR_SHARING_VIOLATION:
+        return QStringLiteral("another program keeps it to itself");
+    default:
+        return qt_error_string(static_cast<int>(error)).trimmed();
+    }
 }
 
 bool takesName(const QString& folder, const QString& name)

@@ -8,7 +8,8 @@ namespace
 {
 
 constexpr quint32 kShortMemoryPercent = 90;
-constexpr double kLargestModel = 10000.0; // as reason::kModelSizeWrong says
+constexpr double kLargestModel = 10000.0;
+static_assert(kLargestModel == 10000, "reason::kModelSizeWrong names it");
 
 } // namespace
 

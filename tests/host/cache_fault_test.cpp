@@ -243,7 +243,7 @@ TEST_F(CacheFaultTest, DataFolderThatCannotBeMadeIsTold)
     const QString parent = QFileInfo(dataFolder()).path();
     const Unprivileged user({parent, m_folder.path()});
     setMode(parent, 0555);
-    EXPECT_EQ(reasonOf(m_source), "the data folder cannot be made: " + parent + " takes no new folders");
+    EXPECT_EQ(reasonOf(m_source), "the data folder cannot be made in " + parent + ": permission denied");
     setMode(parent, 0755);
     expectRequestWorks();
 }

@@ -58,9 +58,9 @@ TEST_F(FileAccessTest, WhatIsNoFileIsTold)
 
 TEST_F(FileAccessTest, WhatMayBeWrittenIsKnown)
 {
-    EXPECT_TRUE(mayWrite(m_file));
-    EXPECT_TRUE(mayWrite(m_folder.path()));
-    EXPECT_FALSE(mayWrite(path("missing")));
+    EXPECT_EQ(writeFault(m_file), "");
+    EXPECT_EQ(writeFault(m_folder.path()), "");
+    EXPECT_NE(writeFault(path("missing")), "");
     EXPECT_EQ(readFile(m_file), "x");
     EXPECT_EQ(QDir(m_folder.path()).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot).size(), 1);
 }
@@ -120,10 +120,10 @@ TEST_F(FileAccessTest, MissingPermissionIsTold)
     expectFault(path("closed/b.vrx"),
                 "the file cannot be opened: permission denied, a folder above it may not be searched");
     setMode(m_file, 0400);
-    EXPECT_FALSE(mayWrite(m_file));
+    EXPECT_EQ(writeFault(m_file), "permission denied");
     for (const mode_t mode : {0500, 0600}) {
         setMode(path("closed"), mode);
-        EXPECT_FALSE(mayWrite(path("closed"))) << mode;
+        EXPECT_EQ(writeFault(path("closed")), "permission denied") << mode;
     }
     setMode(path("closed"), 0700);
     expectFault(path("closed/b.vrx"), "");
@@ -137,7 +137,7 @@ TEST_F(FileAccessTest, FileThatAnotherProgramKeepsToItselfIsTold)
                                     0, nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr);
     ASSERT_NE(file, INVALID_HANDLE_VALUE);
     expectFault(m_file, "the file cannot be opened: another program keeps it to itself");
-    EXPECT_FALSE(mayWrite(m_file));
+    EXPECT_EQ(writeFault(m_file), "another program keeps it to itself");
     CloseHandle(file);
     expectFault(m_file, "");
 }
