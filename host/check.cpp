@@ -1,64 +1,77 @@
 #include "host/check.h"
 
-#include "core/data_location.h"
 #include "host/check_data.h"
+#include "host/check_database.h"
 #include "host/check_drawing.h"
 #include "host/check_installation.h"
-#include "host/console.h"
+#include "host/check_log.h"
+#include "host/check_report.h"
+#include "host/check_request.h"
+#include "host/check_watch.h"
+#include "host/platform.h"
 
-#include <QFile>
-#include <QStringList>
+#include <QtGlobal>
+
+#include <algorithm>
 
 namespace zr
 {
 namespace
 {
 
-constexpr int kAllIsWell = 0;
-constexpr int kSomethingIsWrong = 1;
-
-constexpr int kShownLogLines = 10;
-constexpr qint64 kShownLogBytes = 8192;
-
-// In the order of a request, so that the first failure is the one to mend first.
-constexpr Findings (*kChecks[])() = {
-    checkInstallation, checkQt, checkOpenGl, checkDataFolder, checkDatabase,
+struct Check {
+    Findings (*run)();
+    const char* what;
+    const char* whenStuck; ///< what to do when it does not end
 };
 
-void print(const Finding& finding)
+// In the order of a request, so that the first failure is the one to mend first. The request itself is the last.
+constexpr Check kChecks[] = {
+    {checkInstallation, "installation", "the system does not answer; restart it"},
+    {checkQt, "Qt", "the display does not answer; start it anew, or unset DISPLAY and WAYLAND_DISPLAY"},
+    {checkOpenGl, "OpenGL", "the graphics driver does not answer; install it anew"},
+    {checkDataFolder, "data folder", "its disk does not answer; see whether it is connected"},
+    {checkDatabase, "database", "its disk does not answer; see whether it is connected"},
+    {checkLog, "log", "its disk does not answer; see whether it is connected"},
+};
+constexpr const char* kRequest = "sample";
+constexpr const char* kWhenRequestIsStuck = "its request does not end; the end of the log tells how far it came";
+
+// Where Qt is in the middle of something that it cannot do, it ends the process when this returns.
+void tellFatalMessage(QtMsgType type, const QMessageLogContext&, const QString& message)
 {
-    printLine(stdout, printable(QStringLiteral("%1 %2: %3")
-                                    .arg(finding.ok ? QStringLiteral("ok  ") : QStringLiteral("FAIL"), finding.what,
-                                         finding.detail)));
+    if (type != QtFatalMsg)
+        return;
+    CheckReport& report = CheckReport::instance();
+    report.add({Verdict::Fail, QStringLiteral("Qt"), qtFailure(message)});
+    leave(report.end());
 }
 
-void printEndOfLog()
+bool hasFailed(const Findings& findings)
 {
-    QFile log(defaultLogPath());
-    if (!log.open(QIODevice::ReadOnly)) {
-        print({true, QStringLiteral("log"), QStringLiteral("none yet")});
-        return;
-    }
-    print({true, QStringLiteral("log"), QStringLiteral("the last lines of ") + defaultLogPath()});
-    log.seek(qMax<qint64>(0, log.size() - kShownLogBytes));
-    const QStringList lines = QString::fromLocal8Bit(log.readAll()).split(QLatin1Char('\n'), Qt::SkipEmptyParts);
-    for (const QString& line : lines.mid(qMax(0, lines.size() - kShownLogLines)))
-        printLine(stdout, QLatin1String("       ") + printable(line));
+    return std::any_of(findings.cbegin(), findings.cend(),
+                       [](const Finding& finding) { return finding.verdict == Verdict::Fail; });
 }
 
 } // namespace
 
 int runChecks()
 {
-    int failures = 0;
-    for (const auto& check : kChecks) {
-        for (const Finding& finding : check()) {
-            print(finding);
-            failures += finding.ok ? 0 : 1;
-        }
+    qInstallMessageHandler(tellFatalMessage);
+    CheckReport& report = CheckReport::instance();
+    CheckWatch watch;
+    bool drawsModels = true;
+    for (const Check& check : kChecks) {
+        watch.begin(check.what, check.whenStuck);
+        const Findings findings = check.run();
+        report.add(findings);
+        if (check.run == checkOpenGl)
+            drawsModels = !hasFailed(findings);
     }
-    printEndOfLog();
-    return failures == 0 ? kAllIsWell : kSomethingIsWrong;
+    watch.begin(kRequest, kWhenRequestIsStuck);
+    report.add(checkRequests(drawsModels));
+    watch.end();
+    return report.end();
 }
 
 } // namespace zr

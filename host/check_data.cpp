@@ -2,14 +2,16 @@
 
 #include "core/data_location.h"
 
-#include <QCoreApplication>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
-#include <QSqlDatabase>
-#include <QSqlQuery>
 #include <QTemporaryFile>
-#include <QVariant>
+
+#include <cerrno>
+
+#ifdef Q_OS_WIN
+#include <windows.h>
+#endif
 
 namespace zr
 {
@@ -17,50 +19,68 @@ namespace
 {
 
 const QString kDataFolder = QStringLiteral("data folder");
-const QString kDatabase = QStringLiteral("database");
 
-// Tried out, since the permissions that a system tells are not all it goes by. The trace disappears again.
-bool takesFiles(const QString& folder)
-{
-    return QTemporaryFile(folder + QLatin1String("/check-XXXXXX")).open();
-}
+#ifdef Q_OS_WIN
+constexpr int kDiskFull = ERROR_DISK_FULL;
+const QString kOtherFolder = QStringLiteral("only a user whose folder has none gets thumbnails");
+#else
+constexpr int kDiskFull = ENOSPC;
+const QString kOtherFolder = QStringLiteral("set XDG_DATA_HOME to a folder without one");
+#endif
 
-bool isMissingOrWritable(const QString& path)
+// As much as a large picture takes.
+constexpr int kTrialBytes = 1 << 19;
+
+// What keeps files from being written to the folder, and what to do; empty when nothing does. Tried out, since the
+// permissions that a system tells are not all it goes by. The trace disappears again.
+QString writeFault(const QString& folder)
 {
-    return !QFileInfo::exists(path) || QFile(path).open(QIODevice::ReadWrite | QIODevice::ExistingOnly);
+    QTemporaryFile file(folder + QLatin1String("/check-XXXXXX"));
+    const bool isOpen = file.open();
+    if (isOpen && file.write(QByteArray(kTrialBytes, '\0')) == kTrialBytes && file.flush())
+        return {};
+    if (isOpen || file.errorString() == qt_error_string(kDiskFull))
+        return QStringLiteral("%1 takes no more data (%2): make room on that disk").arg(folder, file.errorString());
+    return QStringLiteral("%1 is read-only: get the right to write there").arg(folder);
 }
 
 // The closest folder above that exists.
 QString existingParent(QString folder)
 {
-    while (!QFileInfo::exists(folder) && !QDir(folder).isRoot())
+    while (!QFileInfo::exists(folder) && QFileInfo(folder).path() != folder)
         folder = QFileInfo(folder).path();
     return folder;
 }
 
 Finding missingDataFolder()
 {
-    const QString parent = existingParent(dataFolder());
-    if (QFileInfo(parent).isDir() && takesFiles(parent))
-        return {true, kDataFolder,
-                QStringLiteral("%1 is not there yet; the first thumbnail makes it").arg(dataFolder())};
-    return {false, kDataFolder, QStringLiteral("%1 cannot be made: %2 is read-only").arg(dataFolder(), parent)};
+    const QString folder = dataFolder();
+    if (QFileInfo(folder).isSymLink())
+        return {Verdict::Fail, kDataFolder,
+                QStringLiteral("%1 is a link to a folder that is not there: make that folder, or delete the link")
+                    .arg(folder)};
+    const QString parent = existingParent(folder);
+    const QString fault = QFileInfo(parent).isDir() ? writeFault(parent) : parent + QStringLiteral(" is no folder");
+    if (fault.isEmpty())
+        return {Verdict::Ok, kDataFolder,
+                QStringLiteral("%1 is not there yet; the first thumbnail makes it").arg(folder)};
+    return {Verdict::Fail, kDataFolder, QStringLiteral("%1 cannot be made: %2").arg(folder, fault)};
 }
 
-// Counts the pictures without making or changing a file.
-Finding openDatabase(const QString& connection)
+Finding existingDataFolder()
 {
-    auto database = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), connection);
-    database.setDatabaseName(defaultDatabasePath());
-    database.setConnectOptions(QStringLiteral("QSQLITE_OPEN_READONLY"));
-    database.open();
-    QSqlQuery query(database);
-    if (!query.exec(QStringLiteral("SELECT name FROM sqlite_master")))
-        return {false, kDatabase,
-                QStringLiteral("%1 is damaged; delete it, and it is made anew").arg(defaultDatabasePath())};
-    // The table is missing until the first request has ended.
-    const bool hasTable = query.exec(QStringLiteral("SELECT count(*) FROM thumbnail")) && query.next();
-    return {true, kDatabase, QStringLiteral("pictures in it: %1").arg(hasTable ? query.value(0).toInt() : 0)};
+    for (const QString& path : {dataFolder(), thumbnailImageFolder().chopped(1)}) {
+        const QFileInfo folder(path);
+        if (!folder.exists())
+            continue;
+        if (!folder.isDir())
+            return {Verdict::Fail, kDataFolder,
+                    QStringLiteral("%1 is a file, where a folder should be: move it elsewhere").arg(path)};
+        const QString fault = writeFault(path);
+        if (!fault.isEmpty())
+            return {Verdict::Fail, kDataFolder, fault};
+    }
+    return {Verdict::Ok, kDataFolder, QStringLiteral("%1 is writable").arg(dataFolder())};
 }
 
 } // namespace
@@ -68,31 +88,35 @@ Finding openDatabase(const QString& connection)
 Findings checkDataFolder()
 {
     const QFileInfo folder(dataFolder());
-    if (!folder.exists())
-        return {missingDataFolder()};
-    if (!folder.isDir())
-        return {{false, kDataFolder, QStringLiteral("%1 is a file, where a folder should be").arg(folder.filePath())}};
-    for (const QString& path : {folder.filePath(), thumbnailImageFolder()}) {
-        if (QFileInfo::exists(path) && !takesFiles(path))
-            return {{false, kDataFolder, QStringLiteral("%1 is read-only").arg(path)}};
-    }
-    for (const QString& path : {defaultDatabasePath(), defaultLogPath()}) {
-        if (!isMissingOrWritable(path))
-            return {{false, kDataFolder, QStringLiteral("%1 cannot be written").arg(path)}};
-    }
-    return {{true, kDataFolder, QStringLiteral("%1 is writable").arg(folder.filePath())}};
+    Findings findings;
+    if (folder.isRelative())
+        findings += {Verdict::Note, kDataFolder,
+                     QStringLiteral("%1 is another one for each folder that zrthumb is started in: set XDG_DATA_HOME "
+                                    "to a whole path")
+                         .arg(folder.filePath())};
+    // The cache's statements have no place for such a text, see ThumbnailDatabase.
+    if (folder.absoluteFilePath().contains(QLatin1Char('\'')))
+        findings += {Verdict::Fail, kDataFolder,
+                     QStringLiteral("%1 has an apostrophe in its path, so the cache cannot record any picture: %2")
+                         .arg(folder.absoluteFilePath(), kOtherFolder)};
+    else
+        findings += folder.exists() ? existingDataFolder() : missingDataFolder();
+    return findings;
 }
 
-Findings checkDatabase()
+QString fileFault(const QString& path)
 {
-    if (!QSqlDatabase::isDriverAvailable(QStringLiteral("QSQLITE")))
-        return {{false, kDatabase, QStringLiteral("Qt's plug-in for SQLite is missing or damaged")}};
-    if (!QFileInfo::exists(defaultDatabasePath()))
-        return {{true, kDatabase, QStringLiteral("none yet; the first thumbnail makes it")}};
-    const QString connection = QStringLiteral("check");
-    const Finding finding = openDatabase(connection);
-    QSqlDatabase::removeDatabase(connection);
-    return {finding};
+    const QFileInfo file(path);
+    if (!file.exists())
+        return {};
+    if (file.isDir())
+        return QStringLiteral("%1 is a folder, where a file should be: move it elsewhere").arg(path);
+    // Opening it might wait for somebody at the other end.
+    if (!file.isFile())
+        return QStringLiteral("%1 is a pipe or a device, where a file should be: delete it").arg(path);
+    if (!QFile(path).open(QIODevice::ReadWrite | QIODevice::ExistingOnly))
+        return QStringLiteral("%1 cannot be written: get the right to write it, or delete it").arg(path);
+    return {};
 }
 
 } // namespace zr

@@ -8,7 +8,8 @@ namespace zr
 /// Whether the data folder takes the cache and the log, or can be made.
 Findings checkDataFolder();
 
-/// Whether the cache database can be read. Comes after checkQt(), which finds the driver's plug-in.
-Findings checkDatabase();
+/// What keeps the file `path` of the data folder from being written, and what to do; empty when nothing does, or when
+/// there is none yet. Waits for nobody, whatever has taken the place of the file.
+QString fileFault(const QString& path);
 
 } // namespace zr

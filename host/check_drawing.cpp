@@ -14,10 +14,23 @@ namespace zr
 namespace
 {
 
+const QString kQt = QStringLiteral("Qt");
 const QString kOpenGl = QStringLiteral("OpenGL");
 
 // The first version with shaders.
 constexpr int kFirstUsableMajorVersion = 2;
+
+// With the command that mends it.
+Finding failureOf(const QStringList& settings)
+{
+    QStringList names;
+    for (const QString& setting : settings)
+        names += setting.section(QLatin1Char('='), 0, 0);
+    return {
+        Verdict::Fail, kQt,
+        QStringLiteral("does not start with %1, and went without; type 'unset %2', and take it out of where it is set")
+            .arg(settings.join(QLatin1Char(' ')), names.join(QLatin1Char(' ')))};
+}
 
 QString glText(QOpenGLFunctions* functions, GLenum name)
 {
@@ -26,9 +39,14 @@ QString glText(QOpenGLFunctions* functions, GLenum name)
 
 Finding noContext()
 {
+    if (isPlatformOfUser() && QGuiApplication::platformName() != QLatin1String("xcb"))
+        return {Verdict::Fail, kOpenGl,
+                QStringLiteral("the platform '%1' has none here, so models have no thumbnails: unset QT_QPA_PLATFORM, "
+                               "which asks for it")
+                    .arg(QGuiApplication::platformName())};
     if (openGlLacksDisplay())
-        return {false, kOpenGl, QLatin1String(kOpenGlNeedsDisplay)};
-    return {false, kOpenGl,
+        return {Verdict::Fail, kOpenGl, QLatin1String(kOpenGlNeedsDisplay)};
+    return {Verdict::Fail, kOpenGl,
             QStringLiteral("there is no OpenGL, so models have no thumbnails; a driver of the graphics "
                            "card's maker brings it")};
 }
@@ -38,8 +56,13 @@ Finding noContext()
 Findings checkQt()
 {
     startQt();
-    return {{true, QStringLiteral("Qt"),
-             QStringLiteral("%1 starts, platform %2").arg(QLatin1String(qVersion()), QGuiApplication::platformName())}};
+    Findings findings = {
+        {Verdict::Ok, kQt,
+         QStringLiteral("%1 starts, platform %2").arg(QLatin1String(qVersion()), QGuiApplication::platformName())}};
+    const QStringList unused = unusedPlatformSettings();
+    if (!unused.isEmpty())
+        findings += failureOf(unused);
+    return findings;
 }
 
 Findings checkOpenGl()
@@ -54,9 +77,11 @@ Findings checkOpenGl()
     const bool isUsable = context.format().majorVersion() >= kFirstUsableMajorVersion;
     context.doneCurrent();
     if (isUsable)
-        return {{true, kOpenGl, text}};
-    return {{false, kOpenGl,
-             QStringLiteral("too old for models, which need %1.0: %2").arg(kFirstUsableMajorVersion).arg(text)}};
+        return {{Verdict::Ok, kOpenGl, text}};
+    return {{Verdict::Fail, kOpenGl,
+             QStringLiteral("too old for models, which need %1.0: %2; a newer driver of the graphics card's maker may "
+                            "bring it")
+                 .arg(QString::number(kFirstUsableMajorVersion), text)}};
 }
 
 } // namespace zr

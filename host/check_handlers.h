@@ -7,7 +7,14 @@
 namespace zr
 {
 
-/// Whether the file browser shows thumbnails at all, and whom it asks for those of each suffix (Windows).
+/// What brings the registration back.
+const QString kRegisterAnew =
+    QStringLiteral("run the installer again, or register.cmd in the folder of ZRThumbnail.dll");
+
+/// Whether the file browser shows thumbnails at all, and lets the server in (Windows).
+Findings checkPolicies();
+
+/// Whom the file browser asks for the thumbnails of each suffix (Windows).
 Findings checkHandlers();
 
 /// The identifier as the registry spells it.

@@ -1,5 +1,6 @@
 #include "host/check_handlers.h"
 
+#include "core/reader_table.h"
 #include "shell/windows/identifiers.h"
 
 #include <QStringList>
@@ -58,31 +59,19 @@ QString describe(const QString& classId)
 Finding checkSuffix(const wchar_t* suffix)
 {
     const QString what = QString::fromWCharArray(suffix);
+    // A suffix is registered that has no reader. Whoever is asked, nothing can be done about it here.
+    if (!supportedSuffixes().contains(what.mid(1)))
+        return {
+            Verdict::Note, what,
+            QStringLiteral("ZRThumbnail is registered for such files and cannot read them: they show no thumbnail")};
     const QString handler = handlerOf(suffix);
     if (handler.isEmpty())
-        return {false, what, QStringLiteral("no program makes thumbnails")};
+        return {Verdict::Fail, what, QStringLiteral("no program makes thumbnails: %1").arg(kRegisterAnew)};
     if (handler.compare(classIdText(kExtractorClassId), Qt::CaseInsensitive) != 0)
-        return {false, what, QStringLiteral("another program makes the thumbnails: ") + describe(handler)};
-    return {true, what, QStringLiteral("ZRThumbnail makes the thumbnails")};
-}
-
-bool isSet(const wchar_t* key, const wchar_t* name)
-{
-    DWORD value = 0;
-    DWORD size = sizeof value;
-    RegGetValueW(HKEY_CURRENT_USER, key, name, RRF_RT_REG_DWORD, nullptr, &value, &size);
-    return value != 0;
-}
-
-Finding checkFileBrowser()
-{
-    const QString what = QStringLiteral("file browser");
-    if (isSet(L"Software\\Microsoft\\Windows\\CurrentVersion\\Explorer\\Advanced", L"IconsOnly"))
-        return {false, what,
-                QStringLiteral("its option 'Always show icons, never thumbnails' is on: no program's thumbnails show")};
-    if (isSet(L"Software\\Microsoft\\Windows\\CurrentVersion\\Policies\\Explorer", L"DisableThumbnails"))
-        return {false, what, QStringLiteral("the policy 'DisableThumbnails' turns all thumbnails off")};
-    return {true, what, QStringLiteral("shows thumbnails")};
+        return {Verdict::Fail, what,
+                QStringLiteral("another program makes the thumbnails (%1): turn that off there, or %2")
+                    .arg(describe(handler), kRegisterAnew)};
+    return {Verdict::Ok, what, QStringLiteral("ZRThumbnail makes the thumbnails")};
 }
 
 } // namespace
@@ -96,7 +85,7 @@ QString classIdText(const GUID& id)
 
 Findings checkHandlers()
 {
-    Findings findings = {checkFileBrowser()};
+    Findings findings;
     for (const wchar_t* const suffix : kRegisteredSuffixes)
         findings += checkSuffix(suffix);
     return findings;

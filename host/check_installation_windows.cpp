@@ -18,8 +18,7 @@ namespace
 
 const QString kClass = QStringLiteral("class");
 const QString kServer = QStringLiteral("server");
-const QString kRegisterAnew =
-    QStringLiteral("run the installer again, or register.cmd in the folder of ZRThumbnail.dll");
+const QString kInstallAnew = QStringLiteral("run the installer again, or unpack the zip again and run register.cmd");
 
 constexpr std::size_t kMaxRegisteredPath = 1024;
 
@@ -29,7 +28,7 @@ QString loadFault(const QString& path)
     const QString native = QDir::toNativeSeparators(path);
     if (LoadLibraryExW(reinterpret_cast<LPCWSTR>(native.utf16()), nullptr, LOAD_WITH_ALTERED_SEARCH_PATH))
         return {};
-    return QStringLiteral("%1 does not load (error %2)").arg(path).arg(GetLastError());
+    return QStringLiteral("%1 does not load (error %2): %3").arg(path, QString::number(GetLastError()), kInstallAnew);
 }
 
 // Where the registry says that the class's DLL is; empty when it says nothing.
@@ -46,28 +45,27 @@ QString registeredPath()
 Finding checkClass(const QString& path)
 {
     if (path.isEmpty())
-        return {false, kClass, QStringLiteral("not registered: ") + kRegisterAnew};
-    return {true, kClass, QStringLiteral("registered, %1").arg(classIdText(kExtractorClassId))};
+        return {Verdict::Fail, kClass, QStringLiteral("not registered: ") + kRegisterAnew};
+    return {Verdict::Ok, kClass, QStringLiteral("registered, %1").arg(classIdText(kExtractorClassId))};
 }
 
 // Made and released, as the file browser's first step. Nothing of Qt starts by that.
 Finding checkServer(const QString& path)
 {
     if (!QFileInfo(path).isFile())
-        return {false, kServer, QStringLiteral("%1 is not there: %2").arg(path, kRegisterAnew)};
+        return {Verdict::Fail, kServer, QStringLiteral("%1 is not there: %2").arg(path, kRegisterAnew)};
     const QString fault = loadFault(path);
     if (!fault.isEmpty())
-        return {false, kServer, fault};
+        return {Verdict::Fail, kServer, fault};
     CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED);
     Microsoft::WRL::ComPtr<IPersistFile> object;
     const HRESULT result =
         CoCreateInstance(kExtractorClassId, nullptr, CLSCTX_INPROC_SERVER, IID_PPV_ARGS(object.GetAddressOf()));
     if (FAILED(result))
-        return {false, kServer,
-                QStringLiteral("%1 makes no object (error 0x%2)")
-                    .arg(path)
-                    .arg(static_cast<quint32>(result), 8, 16, QLatin1Char('0'))};
-    return {true, kServer, path};
+        return {Verdict::Fail, kServer,
+                QStringLiteral("%1 makes no object (error 0x%2): %3")
+                    .arg(path, QString::number(static_cast<quint32>(result), 16), kInstallAnew)};
+    return {Verdict::Ok, kServer, path};
 }
 
 } // namespace
@@ -78,7 +76,7 @@ Findings checkInstallation()
     Findings findings = {checkClass(path)};
     if (!path.isEmpty())
         findings += checkServer(path);
-    return findings + checkHandlers();
+    return findings + checkPolicies() + checkHandlers();
 }
 
 } // namespace zr

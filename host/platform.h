@@ -10,9 +10,19 @@ namespace zr
 /// The program's arguments, its own name first, decoded without Qt's application object.
 QStringList commandLineArguments(int argc, char** argv);
 
-/// Lets Qt run where there is no display, unless QT_QPA_PLATFORM says what to use. To be called before the first
-/// request.
+/// Lets Qt run with what QT_QPA_PLATFORM asks for, else with what there is, also where there is no display. Where no
+/// platform works the program ends with status 1 and a line on stderr. To be called before the first request and any
+/// thread, after the message handler is set.
 void chooseQtPlatform();
+
+/// The variables of the user that Qt did not start with, as "NAME=VALUE". To be called after the first request.
+QStringList unusedPlatformSettings();
+
+/// Whether Qt's platform is one that the user asked for. To be called after the first request.
+bool isPlatformOfUser();
+
+/// What to tell the user when Qt ends the process with `message`, one line.
+QString qtFailure(const QString& message);
 
 /// Makes the application object without which Qt draws no text, if the program has none: that of a server in a DLL is
 /// not the program's.

@@ -28,7 +28,23 @@ QStringList commandLineArguments(int, char**)
     return arguments;
 }
 
+// There is one platform, and no variable changes it, see host_shield.cpp.
 void chooseQtPlatform() {}
+
+QStringList unusedPlatformSettings()
+{
+    return {};
+}
+
+bool isPlatformOfUser()
+{
+    return false;
+}
+
+QString qtFailure(const QString& message)
+{
+    return QStringLiteral("Qt cannot go on: ") + message.simplified();
+}
 
 void prepareDrawing()
 {

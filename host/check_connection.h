@@ -1,0 +1,41 @@
+#pragma once
+
+#include <QString>
+#include <QStringList>
+#include <QVariant>
+
+namespace zr
+{
+
+/// The checks' own connection to the cache database, which exists. Like a request, it waits 5 seconds for a database
+/// that is in use.
+class CheckConnection
+{
+public:
+    CheckConnection();
+    ~CheckConnection();
+    CheckConnection(const CheckConnection&) = delete;
+    CheckConnection& operator=(const CheckConnection&) = delete;
+
+    /// The first column of what the statement yields.
+    QStringList texts(const QString& statement);
+
+    /// Runs the statement, `value` in its place "?" if it has one. False, with the error(), when that fails.
+    bool run(const QString& statement, const QVariant& value = {});
+
+    /// The names of the columns of the cache's table.
+    QStringList columns();
+
+    /// What went wrong with the last statement; empty when nothing did.
+    const QString& error() const { return m_error; }
+    /// Whether it was that another program uses the database.
+    bool isBusy() const { return m_isBusy; }
+
+private:
+    QStringList column(const QString& statement, int index, const QVariant& value = {});
+
+    QString m_error;
+    bool m_isBusy = false;
+};
+
+} // namespace zr

@@ -1,0 +1,38 @@
+#pragma once
+
+#include <condition_variable>
+#include <mutex>
+#include <thread>
+
+namespace zr
+{
+
+/// Ends the program with a line of the report when a check does not end: displays, drivers and disks may let a call
+/// wait for ever.
+class CheckWatch
+{
+public:
+    CheckWatch();
+    ~CheckWatch();
+    CheckWatch(const CheckWatch&) = delete;
+    CheckWatch& operator=(const CheckWatch&) = delete;
+
+    /// A check begins, and the one before has ended. Both texts must outlive this object.
+    void begin(const char* what, const char* whenStuck);
+
+    /// All checks have ended.
+    void end();
+
+private:
+    void watch();
+
+    std::mutex m_mutex;
+    std::condition_variable m_changed;
+    int m_begun = 0;
+    bool m_ended = false;
+    const char* m_what = "";
+    const char* m_whenStuck = "";
+    std::thread m_thread;
+};
+
+} // namespace zr

@@ -1,0 +1,42 @@
+#pragma once
+
+#include "tests/support/data_folder_fixture.h"
+#include "tests/support/program_run.h"
+
+#include <QTemporaryDir>
+
+namespace zr::test
+{
+
+/// A test of zrthumb --check in a data folder of its own.
+class CheckTest : public DataFolderTest
+{
+protected:
+    ProgramRun check() const;
+
+    /// Makes the thumbnail of a sample, as the user's.
+    void makeThumbnail() const;
+
+    /// Expects a failure as the only one, told by exactly this line, and the thumbnails of the check's own samples.
+    void expectOnlyFailure(const QString& line) const;
+
+    /// Expects a failure that keeps thumbnails from being made: this line, then that of the request, and the count.
+    void expectFailureOfRequest(const QString& line) const;
+
+    /// Expects a failure of this text before any other, whatever it leads to.
+    void expectFirstFailure(const QString& line) const;
+
+    /// The lines with that mark: "ok", "note" or "FAIL".
+    static QStringList marked(const ProgramRun& run, const QString& mark);
+
+    static QString path(const QString& name);
+
+    /// Every file and folder below the data folder, what the database's rows are, and the bytes of all files but the
+    /// database and the log.
+    static QStringList snapshot();
+
+    QTemporaryDir m_folder;
+    QProcessEnvironment m_environment = QProcessEnvironment::systemEnvironment();
+};
+
+} // namespace zr::test
