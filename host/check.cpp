@@ -37,11 +37,15 @@ constexpr Check kChecks[] = {
 constexpr const char* kRequest = "sample";
 constexpr const char* kWhenRequestIsStuck = "its request does not end; the end of the log tells how far it came";
 
-// Where Qt is in the middle of something that it cannot do, it ends the process when this returns.
-void tellFatalMessage(QtMsgType type, const QMessageLogContext&, const QString& message)
+QtMessageHandler previousHandler = nullptr;
+
+// Qt would abort the process when this returns.
+void tellFatalMessage(QtMsgType type, const QMessageLogContext& context, const QString& message)
 {
-    if (type != QtFatalMsg)
+    if (type != QtFatalMsg) {
+        previousHandler(type, context, message);
         return;
+    }
     CheckReport& report = CheckReport::instance();
     report.add({Verdict::Fail, QStringLiteral("Qt"), qtFailure(message)});
     leave(report.end());
@@ -57,7 +61,7 @@ bool hasFailed(const Findings& findings)
 
 int runChecks()
 {
-    qInstallMessageHandler(tellFatalMessage);
+    previousHandler = qInstallMessageHandler(tellFatalMessage);
     CheckReport& report = CheckReport::instance();
     CheckWatch watch;
     bool drawsModels = true;

@@ -21,9 +21,9 @@ struct Finding {
 using Findings = QVector<Finding>;
 
 /// Checks all that a thumbnail needs on this machine, and at last makes one. Prints what it finds and the end of the
-/// log, and returns the program's exit status: 0 when nothing failed, else 1. Ends the program with that line by line
-/// report, too, when Qt gives up or nothing goes on. What the thumbnail left is taken back, but for its lines in a log
-/// that was there.
+/// log, and returns the program's exit status: 0 when nothing failed, else 1. When Qt gives up or a check does not end,
+/// tells that likewise and ends the program. What the thumbnail left is taken back, but for its lines in a log that was
+/// there.
 int runChecks();
 
 } // namespace zr

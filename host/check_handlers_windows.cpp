@@ -59,11 +59,9 @@ QString describe(const QString& classId)
 Finding checkSuffix(const wchar_t* suffix)
 {
     const QString what = QString::fromWCharArray(suffix);
-    // A suffix is registered that has no reader. Whoever is asked, nothing can be done about it here.
+    // Registered without a reader. Whoever is asked for their thumbnails, there is nothing to mend.
     if (!supportedSuffixes().contains(what.mid(1)))
-        return {
-            Verdict::Note, what,
-            QStringLiteral("ZRThumbnail is registered for such files and cannot read them: they show no thumbnail")};
+        return {Verdict::Note, what, QStringLiteral("ZRThumbnail cannot read such files, so they show no thumbnail")};
     const QString handler = handlerOf(suffix);
     if (handler.isEmpty())
         return {Verdict::Fail, what, QStringLiteral("no program makes thumbnails: %1").arg(kRegisterAnew)};

@@ -22,7 +22,7 @@ const std::wstring kOtherPolicies = L"Software\\Policies\\Microsoft\\Windows\\Ex
 const std::wstring kShellExtensions = L"Software\\Microsoft\\Windows\\CurrentVersion\\Shell Extensions\\";
 const std::wstring kClassId = L"{E45A903D-53AE-4A14-906E-0260D13FF77F}";
 
-const QString kNoReader = "ZRThumbnail is registered for such files and cannot read them: they show no thumbnail";
+const QString kNoReader = "ZRThumbnail cannot read such files, so they show no thumbnail";
 const QString kRegisterAnew = "run the installer again, or register.cmd in the folder of ZRThumbnail.dll";
 
 // A value of the registry while the object lives. It had none before.
