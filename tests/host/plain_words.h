@@ -9,7 +9,7 @@ namespace zr::test
 {
 
 /// Expects the reason to hold nothing that only a programmer reads: names of the code, keys and texts of the log.
-inline void expectPlainWords(QString reason)
+inline void expectPlainWords(const QString& reason)
 {
     static const QRegularExpression internals(
         QStringLiteral("_|[a-z][A-Z]|[eE]rrr?\\b|\\bless\\b|\\bthrow\\b|::|\\bfaild\\b"));
