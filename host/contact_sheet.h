@@ -1,31 +1,58 @@
 #pragma once
 
+#include "host/cell_labels.h"
+
 #include <QImage>
 #include <QString>
+#include <QStringList>
 
+#include <functional>
 #include <vector>
 
 namespace zr
 {
 
-/// One picture that shows many, each with its name below it.
+/// Names of the pictures that a contact sheet of `count` files is saved as: `file`, and when one does not hold them
+/// all, the same with numbers: all.png, all-2.png, all-3.png.
+QStringList sheetFiles(const QString& file, int count);
+
+/// Pictures that show many, each file in a cell of its own with its name below. The cells come in the order of the
+/// files; each page is handed over as soon as it is full, and only the one in work is kept.
 class ContactSheet
 {
 public:
-    /// Keeps a scaled copy of `picture`.
-    void add(const QImage& picture, const QString& name);
+    /// Saves a page as `file`, one of sheetFiles().
+    using SavePage = std::function<void(const QImage& page, const QString& file)>;
 
-    bool isEmpty() const { return m_cells.empty(); }
+    /// The sheet of the files at `paths`.
+    ContactSheet(const QString& file, const QStringList& paths, SavePage savePage);
 
-    /// The sheet. Needs the application object, for its fonts.
-    QImage draw() const;
+    /// The next file's cell, with its picture.
+    void addPicture(const QImage& picture);
+
+    /// The next file's cell, with the reason why it has no picture.
+    void addFailure(const QString& reason);
+
+    /// Hands over the page that is in work, if any, cropped to its cells. For runs that end early.
+    void finish();
 
 private:
     struct Cell {
-        QImage picture;
-        QString name;
+        QRect area;
+        CellLabel label;
+        QString reason; ///< empty when there is a picture
     };
-    std::vector<Cell> m_cells;
+
+    QRect nextCell();
+    void addCell(const Cell& cell);
+    void endPage();
+
+    QString m_file;
+    std::vector<CellLabel> m_labels;
+    SavePage m_savePage;
+    int m_added = 0;
+    QImage m_page;             ///< null between two pages
+    std::vector<Cell> m_cells; ///< of the page
 };
 
 } // namespace zr

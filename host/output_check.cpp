@@ -2,6 +2,7 @@
 
 #include "core/reader_table.h"
 #include "host/console.h"
+#include "host/contact_sheet.h"
 #include "host/output_file.h"
 #include "host/platform.h"
 
@@ -75,14 +76,21 @@ QString faultOf(const QString& option, const QString& output, const std::vector<
 
 QString outputFault(const Options& options, const std::vector<ListedFile>& files)
 {
-    for (const auto& [option, output] : {std::make_pair(QStringLiteral("--output"), options.output),
-                                         std::make_pair(QStringLiteral("--sheet"), options.sheet)}) {
-        const QString fault = faultOf(option, output, files);
-        if (!fault.isEmpty())
-            return fault;
+    const int count = options.sheet.isEmpty() ? 0 : static_cast<int>(files.size());
+    const QStringList sheets = sheetFiles(options.sheet, count);
+    QString fault = faultOf(QStringLiteral("--output"), options.output, files);
+    for (const QString& sheet : sheets) {
+        if (fault.isEmpty())
+            fault = faultOf(QStringLiteral("--sheet"), sheet, files);
     }
-    const bool areBothGiven = !options.output.isEmpty() && !options.sheet.isEmpty();
-    if (areBothGiven && QFileInfo(options.output).absoluteFilePath() == QFileInfo(options.sheet).absoluteFilePath())
+    if (!fault.isEmpty())
+        return fault;
+    if (options.sheet == QLatin1String(kStdoutName) && sheets.size() > 1)
+        return QStringLiteral("--sheet -: so many files need several sheets; name a PNG");
+    const auto isOutput = [&options](const QString& sheet) {
+        return QFileInfo(options.output).absoluteFilePath() == QFileInfo(sheet).absoluteFilePath();
+    };
+    if (!options.output.isEmpty() && std::any_of(sheets.cbegin(), sheets.cend(), isOutput))
         return QStringLiteral("--output and --sheet name the same file");
     return {};
 }

@@ -4,9 +4,9 @@
 #include "host/console.h"
 #include "host/contact_sheet.h"
 #include "host/file_list.h"
+#include "host/interruption.h"
 #include "host/output_check.h"
 #include "host/output_file.h"
-#include "host/platform.h"
 #include "host/progress.h"
 #include "host/request.h"
 #include "host/visibility.h"
@@ -24,29 +24,59 @@ constexpr int kAllSucceeded = 0;
 constexpr int kSomeFailed = 1;
 constexpr int kWrongUsage = 2;
 
-void printError(const QString& text)
-{
-    printLine(stderr, QStringLiteral("zrthumb: ") + text);
-}
-
 QImage fitted(const QImage& picture, int sizePx)
 {
     return sizePx > 0 ? picture.scaled(sizePx, sizePx, Qt::KeepAspectRatio, Qt::SmoothTransformation) : picture;
+}
+
+QStringList pathsOf(const std::vector<ListedFile>& files)
+{
+    QStringList paths;
+    for (const ListedFile& file : files)
+        paths.append(file.path);
+    return paths;
 }
 
 // One run of the program over its files.
 class Run
 {
 public:
-    Run(const Options& options, const FileList& list)
-        : m_options(options), m_list(list), m_progress(static_cast<int>(list.files.size()), options.quiet)
+    Run(const Options& options, const FileList& list, Progress& progress)
+        : m_options(options), m_list(list), m_progress(progress)
     {
         // Only for what leaves the cache: there, files of equal names share their PNG.
         if (!options.output.isEmpty() || !options.sheet.isEmpty())
             m_sharedPictures.emplace();
+        if (!options.sheet.isEmpty()) {
+            const auto savePage = [this](const QImage& page, const QString& file) { write(page, file); };
+            m_sheet.emplace(options.sheet, pathsOf(list.files), savePage);
+        }
     }
 
     int make()
+    {
+        tellWhatWasNotListed();
+        const Interruption interruption;
+        for (const ListedFile& file : m_list.files) {
+            if (interruption.isRequested())
+                break;
+            m_progress.showFile(++m_done, QFileInfo(file.path).fileName(), m_failures);
+            make(file);
+        }
+        if (m_sheet)
+            m_sheet->finish();
+        m_progress.end(m_done, m_failures);
+        if (interruption.isRequested()) {
+            printError(QStringLiteral("interrupted after %1 of %2 files").arg(m_done).arg(m_list.files.size()));
+            return interruption.status();
+        }
+        return m_failures == 0 && m_list.faults.isEmpty() && m_outputsWritten ? kAllSucceeded : kSomeFailed;
+    }
+
+private:
+    void printError(const QString& text) { m_progress.print(stderr, QStringLiteral("zrthumb: ") + text); }
+
+    void tellWhatWasNotListed()
     {
         for (const QString& fault : m_list.faults)
             printError(fault);
@@ -54,31 +84,23 @@ public:
             if (!m_options.quiet)
                 printError(note);
         }
-        for (const ListedFile& file : m_list.files)
-            make(file);
-        writeSheet();
-        return m_failures == 0 && m_list.faults.isEmpty() && m_outputsWritten ? kAllSucceeded : kSomeFailed;
     }
 
-private:
     void make(const ListedFile& file)
     {
-        const QString name = QFileInfo(file.path).fileName();
-        m_progress.show(m_done++, printable(name), m_failures);
         if (m_sharedPictures)
             m_sharedPictures->prepare(file.path);
         const RequestResult result = requestThumbnail(file.path, m_options.server);
-        m_progress.clear();
         if (!result.succeeded()) {
             ++m_failures;
             printError(QStringLiteral("%1: no thumbnail: %2").arg(printable(file.shown), result.reason));
+            if (m_sheet)
+                m_sheet->addFailure(result.reason);
             return;
         }
         if (m_sharedPictures)
             m_sharedPictures->handedOut(file.path, result.pngPath);
         handOut(file, result);
-        if (!m_options.sheet.isEmpty())
-            m_sheet.add(result.picture, name);
     }
 
     void handOut(const ListedFile& file, const RequestResult& result)
@@ -86,19 +108,13 @@ private:
         const bool isPictureOnStdout =
             m_options.output == QLatin1String(kStdoutName) || m_options.sheet == QLatin1String(kStdoutName);
         if (!m_options.quiet && !isPictureOnStdout)
-            printLine(stdout, result.pngPath);
+            m_progress.print(stdout, result.pngPath);
         if (!m_options.quiet && isInvisible(result.picture))
             printError(printable(file.shown) + QLatin1String(": ") + invisibilityReason(file.path));
         if (!m_options.output.isEmpty())
             write(fitted(result.picture, m_options.sizePx), m_options.output);
-    }
-
-    void writeSheet()
-    {
-        if (m_sheet.isEmpty())
-            return;
-        prepareDrawing();
-        write(m_sheet.draw(), m_options.sheet);
+        if (m_sheet)
+            m_sheet->addPicture(result.picture);
     }
 
     void write(const QImage& picture, const QString& path)
@@ -112,9 +128,9 @@ private:
 
     const Options& m_options;
     const FileList& m_list;
-    const Progress m_progress;
+    Progress& m_progress;
     std::optional<SharedPictures> m_sharedPictures;
-    ContactSheet m_sheet;
+    std::optional<ContactSheet> m_sheet;
     int m_done = 0;
     int m_failures = 0;
     bool m_outputsWritten = true;
@@ -124,13 +140,16 @@ private:
 
 int makeThumbnails(const Options& options)
 {
-    const FileList list = listFiles(options.files, options.recursive);
+    Progress progress(options.quiet);
+    const auto showFound = [&progress](std::size_t found) { progress.showListing(static_cast<int>(found)); };
+    const FileList list = listFiles(options.files, options.recursive, showFound);
+    progress.begin(static_cast<int>(list.files.size()));
     const QString fault = outputFault(options, list.files);
     if (!fault.isEmpty()) {
-        printError(fault + QLatin1String("\nTry 'zrthumb --help'."));
+        progress.print(stderr, QStringLiteral("zrthumb: %1\nTry 'zrthumb --help'.").arg(fault));
         return kWrongUsage;
     }
-    return Run(options, list).make();
+    return Run(options, list, progress).make();
 }
 
 } // namespace zr

@@ -241,9 +241,32 @@ TEST_F(OutputsTest, ModelsThatCannotBeSeenAreTold)
 
 TEST_F(OutputsTest, SheetShowsThePicturesOfTheRun)
 {
-    const ProgramRun outcome = run({"--sheet", "sheet.png", source("a.vrx"), source("b.vrx"), "missing"});
+    const ProgramRun outcome = run({"--sheet", "sheet.png", source("a.vrx"), "missing", source("b.vrx", 0x001F)});
     EXPECT_EQ(outcome.status, 1);
-    EXPECT_FALSE(picture("sheet.png").isNull());
+    const QImage sheet(m_folder.filePath("sheet.png"));
+    ASSERT_EQ(sheet.size(), QSize(648, 246));
+    const auto pictureIn = [&sheet](int column) { return sheet.copy(12 + column * 212, 12, 200, 200); };
+    const auto pictureOf = [](const QString& name) {
+        const QImage picture = QImage(png(name)).convertToFormat(QImage::Format_ARGB32);
+        return picture.scaled(200, 200, Qt::KeepAspectRatio, Qt::SmoothTransformation)
+            .convertToFormat(QImage::Format_RGB32);
+    };
+    EXPECT_EQ(pictureIn(0), pictureOf("a.vrxvrx.png"));
+    EXPECT_EQ(pictureIn(1).pixel(0, 0), qRgb(232, 228, 226)) << "the failure has no cell";
+    EXPECT_EQ(pictureIn(2), pictureOf("b.vrxvrx.png"));
+}
+
+TEST_F(OutputsTest, SheetOfManyFilesIsSplit)
+{
+    QStringList arguments = {"--sheet", "sheet.png"};
+    for (int i = 0; i < 503; ++i)
+        arguments.append("missing");
+    const ProgramRun outcome = run(arguments);
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_EQ(outcome.err.size(), 503);
+    EXPECT_EQ(QImage(m_folder.filePath("sheet.png")).size(), QSize(2132, 11712));
+    EXPECT_EQ(QImage(m_folder.filePath("sheet-2.png")).size(), QSize(648, 246));
+    EXPECT_EQ(QDir(m_folder.path()).entryList(QDir::Files), QStringList({"sheet-2.png", "sheet.png"}));
 }
 
 } // namespace

@@ -11,15 +11,12 @@
 #include <QDir>
 #include <QFileInfo>
 #include <QImage>
-#include <QProcess>
 #include <QTemporaryDir>
 
 namespace zr::test
 {
 namespace
 {
-
-constexpr int kTimeoutMs = 60000;
 
 TEST_F(ZrthumbTest, PrintsTheCachedPngOfEachFileInAFreshProfile)
 {
@@ -92,6 +89,16 @@ TEST_F(ZrthumbTest, FailuresAreToldAndDoNotStopTheRun)
                 ": no thumbnail: it is a folder (--recursive makes thumbnails of the files below it)",
         }));
     EXPECT_EQ(QDir(thumbnailImageFolder()).entryList(QDir::Files), QStringList({"good.vrxvrx.png"}));
+}
+
+TEST_F(ZrthumbTest, FolderStandsForTheSupportedFilesBelowIt)
+{
+    for (const char* name : {"m/b.vrx", "m/a/z.VRXDLP", "m/a/c.vrx", "m/ignored.txt", "m/ignored.photon"})
+        source(name);
+    const ProgramRun outcome = run({"-r", "m"});
+    EXPECT_EQ(outcome.status, 0);
+    EXPECT_EQ(outcome.out, QStringList({png("c.vrxvrx.png"), png("z.VRXDLPVRXDLP.png"), png("b.vrxvrx.png")}));
+    EXPECT_EQ(outcome.err, QStringList());
 }
 
 TEST_F(ZrthumbTest, QuietPrintsFailuresOnly)
@@ -179,28 +186,6 @@ TEST_F(ZrthumbTest, ModelsWithoutADisplaySayWhatTheyNeed)
                                "'xvfb-run zrthumb ...' (package xvfb)"}))
             << sample.name;
     }
-}
-
-TEST_F(ZrthumbTest, ProgressIsShownOnATerminalForMoreThanAFewFiles)
-{
-    for (const char* name : {"a.vrx", "b.vrx", "c.vrx", "d.vrx"})
-        source(name);
-    const auto onTerminal = [this](const QString& arguments) {
-        QProcess process;
-        process.setProcessEnvironment(m_environment);
-        process.setWorkingDirectory(m_folder.path());
-        process.start("script", {"-qec", QStringLiteral(ZRTHUMB_PROGRAM " ") + arguments, "/dev/null"});
-        EXPECT_TRUE(process.waitForFinished(kTimeoutMs));
-        return process.readAllStandardOutput();
-    };
-    const QByteArray shown = onTerminal("a.vrx missing b.vrx c.vrx d.vrx");
-    EXPECT_TRUE(shown.contains("[0/5] a.vrx\x1b[K")) << shown.toStdString();
-    EXPECT_TRUE(shown.contains("[4/5] d.vrx (1 failed)\x1b[K")) << shown.toStdString();
-    EXPECT_TRUE(shown.contains("\r\x1b[K" + png("d.vrxvrx.png").toLocal8Bit())) << shown.toStdString();
-
-    EXPECT_FALSE(onTerminal("a.vrx b.vrx c.vrx").contains("/3]"));
-    EXPECT_FALSE(onTerminal("-q a.vrx b.vrx c.vrx d.vrx").contains("/4]"));
-    EXPECT_EQ(run({"a.vrx", "b.vrx", "c.vrx", "d.vrx"}).err, QStringList());
 }
 
 TEST_F(ZrthumbTest, LogAndPathsFollowTheLocale)

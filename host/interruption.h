@@ -1,0 +1,23 @@
+#pragma once
+
+namespace zr
+{
+
+/// Notes the first request to end the program, Ctrl+C or another, instead of ending at once, so that what is begun can
+/// be completed. A second one ends the program as usual. One object at a time.
+class Interruption
+{
+public:
+    Interruption();
+    ~Interruption();
+    Interruption(const Interruption&) = delete;
+    Interruption& operator=(const Interruption&) = delete;
+
+    /// Whether the program is to end.
+    bool isRequested() const;
+
+    /// The exit status of a program that ends so: 128 and the number of the signal.
+    int status() const;
+};
+
+} // namespace zr

@@ -1,0 +1,20 @@
+#pragma once
+
+#include "host/cell_labels.h"
+
+#include <QFontMetrics>
+
+class QPainter;
+class QRect;
+
+namespace zr
+{
+
+/// The label within `widthPx`, with dots in place of what is left out. What tells it from others stays as long as it
+/// can.
+QString elided(const CellLabel& label, const QFontMetrics& metrics, int widthPx);
+
+/// Draws the text in as many centred lines as fit into `area`, the last one elided.
+void drawWrapped(QPainter& painter, const QRect& area, const QString& text);
+
+} // namespace zr
