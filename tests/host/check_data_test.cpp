@@ -67,13 +67,6 @@ TEST_F(CheckDataTest, RelativePathIsNoted)
     EXPECT_FALSE(QFileInfo::exists(m_folder.filePath("relative")));
 }
 
-TEST_F(CheckDataTest, HomeThatIsUnsetIsTheRootFolder)
-{
-    m_environment.remove("XDG_DATA_HOME");
-    m_environment.remove("HOME");
-    EXPECT_TRUE(check().out.filter(" data folder: ").first().contains("//.local/share/KESTRAVO_Thumbnail "));
-}
-
 TEST_F(CheckDataTest, DataFolderThatCannotBeMadeIsTold)
 {
     m_environment.insert("XDG_DATA_HOME", kReadOnlyFolder);
