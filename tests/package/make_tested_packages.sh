@@ -22,4 +22,13 @@ for file in Qt5{Core,Gui,Sql,Widgets}.dll platforms/qwindows.dll sqldrivers/qsql
 done
 mkdir "$older/older"
 echo "what this version had and the next one has not" >"$older/older/only.txt"
-SOURCE_DATE_EPOCH=$(stat -c %Y "$output/payload") "$top/packaging/make-setup" "$older" 0.9.0.0 "$output/older-setup.exe"
+SOURCE_DATE_EPOCH=$(stat -c %Y "$output/payload")
+export SOURCE_DATE_EPOCH
+make_setup() { "$top/packaging/make-setup" "$1" "$build/uninstall.exe" "$2" "$output/$3"; }
+make_setup "$older" 0.9.0.0 older-setup.exe
+
+# One whose server loads but cannot be registered.
+mkdir "$older/unfit"
+cp "$decoy" "$older/unfit/ZRThumbnail.dll"
+cp "$output/payload/"{LICENSE.txt,README.txt} "$older/unfit/"
+make_setup "$older/unfit" 1.1.0.0 unfit-setup.exe

@@ -58,6 +58,7 @@ void forgetServer()
          {L"Software\\Classes\\ZRThumbnail.ZReExtract.1", L"Software\\Classes\\ZRThumbnail.ZReExtract"})
         removeTree(HKEY_LOCAL_MACHINE, key);
     removeTree(HKEY_CLASSES_ROOT, kClassKey);
+    removeTree(HKEY_LOCAL_MACHINE, kUninstallKey);
     for (const QString& suffix : kSuffixes)
         removeTree(HKEY_CLASSES_ROOT, suffix.toStdWString());
 }
@@ -161,19 +162,10 @@ int PackageTest::install(const QString& setup, const QStringList& arguments)
 void PackageTest::uninstall(const QStringList& arguments, bool inUse)
 {
     EXPECT_EQ(run(kInstallFolder + "/uninstall.exe", QStringList("/S") + arguments).status, 0);
-    // The uninstaller goes on from a copy of itself, so that it can remove itself. The copy can be deleted when it has
-    // ended.
-    EXPECT_TRUE(waitUntil([] {
-        bool hasEnded = true;
-        for (const QString& path : filesBelow(QDir::tempPath()).filter(QRegularExpression("/~nsu.*\\.exe$")))
-            hasEnded &= QFile::remove(path);
-        return hasEnded;
-    }));
-    EXPECT_TRUE(waitUntil([inUse] {
-        return inUse ? filesBelow(kInstallFolder).filter("/retired").size() == filesBelow(kInstallFolder).size() &&
-                           !keyExists(HKEY_LOCAL_MACHINE, kUninstallKey)
-                     : !QFileInfo::exists(kInstallFolder);
-    }));
+    EXPECT_FALSE(keyExists(HKEY_LOCAL_MACHINE, kUninstallKey));
+    const QStringList left = filesBelow(kInstallFolder);
+    EXPECT_EQ(QFileInfo::exists(kInstallFolder), inUse);
+    EXPECT_EQ(left, left.filter("/ZRThumbnail.retired"));
 }
 
 void PackageTest::copyFolder(const QString& from, const QString& to)
@@ -261,8 +253,7 @@ MachineState MachineState::now()
     }
     std::sort(state.registry.begin(), state.registry.end());
     state.files = filesBelow("C:/");
-    // The folders for temporary files are anybody's. Uninstallers of this kind leave a copy of themselves there until
-    // the next start.
+    // The folders for temporary files are anybody's. The uninstaller leaves a program there until the next start.
     const QRegularExpression temporary("/Temp(/|$)", QRegularExpression::CaseInsensitiveOption);
     state.files.erase(std::remove_if(state.files.begin(), state.files.end(),
                                      [&](const QString& path) { return path.contains(temporary); }),

@@ -16,6 +16,9 @@ namespace zr::test
 
 const QString kInstallFolder = QStringLiteral("C:/Program Files/ZRThumbnail");
 
+/// The entry of the start menu.
+const QString kShortcut = QStringLiteral("C:/ProgramData/Microsoft/Windows/Start Menu/Programs/ZRThumbnail check.lnk");
+
 const std::wstring kClassKey = L"CLSID\\{E45A903D-53AE-4A14-906E-0260D13FF77F}";
 const std::wstring kHandlerSubkey = L"\\shellex\\{BB2E617C-0920-11d1-9A0B-00C04FC2D6C1}";
 const std::wstring kProviderSubkey = L"\\shellex\\{e357fccd-a995-4576-b01f-234630154e96}";
@@ -65,7 +68,7 @@ protected:
 
     /// Silently; `arguments` besides.
     static int install(const QString& setup, const QStringList& arguments = {});
-    /// Silently, until nothing of it is left or, with `inUse`, all but what is in use.
+    /// Silently; nothing of it is left then but, with `inUse`, what is in use.
     static void uninstall(const QStringList& arguments = {}, bool inUse = false);
 
     /// Copies a folder with all that is below it.
