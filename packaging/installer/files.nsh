@@ -282,7 +282,7 @@ Function ${un}MoveAside
 FunctionEnd
 
 # Removes one of the two folders that come and go, the one on the stack, as far as its files are not in use. One that has
-# no list of ours is not ours.
+# no list of ours is not ours. The list goes last, so that this can be interrupted.
 Function ${un}RemoveWorkFolder
     Exch $0
     Push $1
@@ -294,6 +294,7 @@ Function ${un}RemoveWorkFolder
     ${Call} KindOf
     Pop $2
     ${If} $2 == "folder"
+        RMDir $Root # when it is empty
         Push $Root
         ${Call} IsMarked
         Pop $1

@@ -8,7 +8,9 @@ Var EntryBefore  # not empty when there was an installation before
 Function GiveUp
     Call Tell
     SetOutPath "$TEMP"
-    # Made in this run: it was not there before.
+    Push "$INSTDIR\${INCOMING}"
+    Call RemoveWorkFolder
+    # Without its list, on a full disk, it is still known as made in this run.
     RMDir /r "$INSTDIR\${INCOMING}"
     Call RemoveMadeFolders
     ${Note} "result: 2, nothing is changed"
@@ -134,8 +136,8 @@ Function Withdraw
     Call Tell
     StrCpy $Root $INSTDIR
     Call RetireFiles
-    SetOutPath "$TEMP"
-    RMDir /r "$INSTDIR\${INCOMING}"
+    Push "$INSTDIR\${INCOMING}"
+    Call RemoveWorkFolder
     Call RemoveRoot
     Call RemoveShortcut
     StrCpy $EntryBefore ""
@@ -174,7 +176,8 @@ Function MoveIn
     CopyFiles /SILENT /FILESONLY "$PLUGINSDIR\${LIST}" "$INSTDIR\${LIST}"
     # Files that wait for the next start of Windows stay there with their list.
     ${If} $RestartNeeded != 1
-        RMDir /r "$INSTDIR\${INCOMING}"
+        Push "$INSTDIR\${INCOMING}"
+        Call RemoveWorkFolder
     ${EndIf}
 FunctionEnd
 
