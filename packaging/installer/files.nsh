@@ -3,7 +3,7 @@
 # they are empty then.
 
 !define LIST "files.txt"
-# The first line of a list of ours; as a path it would not be valid. Versions up to 1.0.0.1 have none.
+# The first line of a list of ours; as a path it would not be valid. Those of older versions have none.
 !define LIST_MARK "# ${PRODUCT}: files that were installed here, to be removed with it"
 # New files, until the old ones are gone; removed again before an installation ends.
 !define INCOMING "${PRODUCT}.incoming"
