@@ -7,6 +7,8 @@
 !define LIST_MARK "# ${PRODUCT}: files that were installed here, to be removed with it"
 # New files, until the old ones are gone; removed again before an installation ends.
 !define INCOMING "${PRODUCT}.incoming"
+# There, the list that the installation gets next.
+!define NEXT_LIST "files.next"
 # Old files that are in use, until they are not.
 !define RETIRED "${PRODUCT}.retired"
 
@@ -315,6 +317,7 @@ Function ${un}RemoveWorkFolder
         ${Loop}
         FileClose $9
         ${If} $2 == 0
+            Delete "$Root\${NEXT_LIST}"
             Delete "$Root\${LIST}"
             RMDir $Root
         ${EndIf}

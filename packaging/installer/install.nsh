@@ -91,28 +91,40 @@ Function TryRegistration
     ${EndIf}
 FunctionEnd
 
+# Makes the list that lies ready that of the installation, at one stroke: at no time there is none. Leaves "0" in $0 when
+# that is impossible.
+Function PutList
+    System::Call 'kernel32::MoveFileExW(w "$INSTDIR\${INCOMING}\${NEXT_LIST}", w "$INSTDIR\${LIST}", i 1) i .r0'
+FunctionEnd
+
 # From here on until the new list is in its place, the list has the old files and the new ones, and what is interrupted
 # is still known as ours.
 Function JoinLists
-    ${IfNot} ${FileExists} "$INSTDIR\${LIST}"
-        FileOpen $1 "$INSTDIR\${LIST}" w
-        FileWrite $1 "${LIST_MARK}$\r$\n"
-    ${Else}
-        FileOpen $1 "$INSTDIR\${LIST}" a
+    CopyFiles /SILENT /FILESONLY "$PLUGINSDIR\${LIST}" "$INSTDIR\${INCOMING}\${NEXT_LIST}"
+    ${If} ${FileExists} "$INSTDIR\${LIST}"
+        CopyFiles /SILENT /FILESONLY "$INSTDIR\${LIST}" "$INSTDIR\${INCOMING}\${NEXT_LIST}"
+        FileOpen $1 "$INSTDIR\${INCOMING}\${NEXT_LIST}" a
         FileSeek $1 0 END
-        FileWrite $1 "$\r$\n"
+        FileOpen $9 "$PLUGINSDIR\${LIST}" r
+        ${Do}
+            FileWrite $1 "$\r$\n"
+            Call ReadLine
+            FileWrite $1 $8
+        ${LoopUntil} $8 == ""
+        FileClose $9
+        FileClose $1
     ${EndIf}
-    FileOpen $9 "$PLUGINSDIR\${LIST}" r
-    ${Do}
-        Call ReadLine
-        FileWrite $1 "$8$\r$\n"
-    ${LoopUntil} $8 == ""
-    FileClose $9
-    FileClose $1
+    Call PutList
+    ${If} $0 == 0
+        Call RestoreRegistration
+        Push "$INSTDIR\${LIST} cannot be written."
+        Call GiveUp
+    ${EndIf}
 FunctionEnd
 
 # The older version may be in another folder. What the registry has may be anybody's folder.
 Function RetireOldVersion
+    Call JoinLists
     ReadRegStr $Root HKLM "${UNINSTALL_KEY}" "InstallLocation"
     ${If} $Root != ""
     ${AndIf} $Root != $INSTDIR
@@ -126,7 +138,6 @@ Function RetireOldVersion
             ${Note} "left alone: $Root, it is no installation"
         ${EndIf}
     ${EndIf}
-    Call JoinLists
     StrCpy $Root $INSTDIR
     Call RetireFiles
 FunctionEnd
@@ -173,7 +184,8 @@ Function MoveIn
         ${Note} "installed: $INSTDIR\$8"
     ${Loop}
     FileClose $9
-    CopyFiles /SILENT /FILESONLY "$PLUGINSDIR\${LIST}" "$INSTDIR\${LIST}"
+    CopyFiles /SILENT /FILESONLY "$PLUGINSDIR\${LIST}" "$INSTDIR\${INCOMING}\${NEXT_LIST}"
+    Call PutList
     # Files that wait for the next start of Windows stay there with their list.
     ${If} $RestartNeeded != 1
         Push "$INSTDIR\${INCOMING}"

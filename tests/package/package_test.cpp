@@ -115,6 +115,7 @@ void PackageTest::TearDown()
         QDir(kInstallFolder).removeRecursively();
     }
     forgetServer();
+    QFile::remove(kShortcut);
     QDir(dataFolder()).removeRecursively();
 }
 
