@@ -17,8 +17,6 @@ const QString kConnection = QStringLiteral("check");
 constexpr int kBusy = 5;
 constexpr int kPrimaryCode = 0xFF;
 
-constexpr int kNameOfColumn = 1;
-
 } // namespace
 
 CheckConnection::CheckConnection()
@@ -33,23 +31,13 @@ CheckConnection::~CheckConnection()
     QSqlDatabase::removeDatabase(kConnection);
 }
 
-QStringList CheckConnection::texts(const QString& statement)
-{
-    return column(statement, 0);
-}
-
 bool CheckConnection::run(const QString& statement, const QVariant& value)
 {
-    column(statement, 0, value);
+    texts(statement, value);
     return m_error.isEmpty();
 }
 
-QStringList CheckConnection::columns()
-{
-    return column(QStringLiteral("PRAGMA table_info(thumbnail)"), kNameOfColumn);
-}
-
-QStringList CheckConnection::column(const QString& statement, int index, const QVariant& value)
+QStringList CheckConnection::texts(const QString& statement, const QVariant& value)
 {
     QSqlQuery query(QSqlDatabase::database(kConnection, false));
     QStringList texts;
@@ -58,7 +46,7 @@ QStringList CheckConnection::column(const QString& statement, int index, const Q
             query.addBindValue(value);
         query.exec();
         while (query.next())
-            texts += query.value(index).toString();
+            texts += query.value(0).toString();
     }
     m_isBusy = (query.lastError().nativeErrorCode().toInt() & kPrimaryCode) == kBusy;
     m_error = query.lastError().isValid() ? query.lastError().databaseText() : QString();

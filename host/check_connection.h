@@ -17,14 +17,11 @@ public:
     CheckConnection(const CheckConnection&) = delete;
     CheckConnection& operator=(const CheckConnection&) = delete;
 
-    /// The first column of what the statement yields.
-    QStringList texts(const QString& statement);
+    /// The first column of what the statement yields, with `value` in its place "?" if it has one.
+    QStringList texts(const QString& statement, const QVariant& value = {});
 
-    /// Runs the statement, `value` in its place "?" if it has one. False, with the error(), when that fails.
+    /// Runs the statement. False, with the error(), when that fails.
     bool run(const QString& statement, const QVariant& value = {});
-
-    /// The names of the columns of the cache's table.
-    QStringList columns();
 
     /// What went wrong with the last statement; empty when nothing did.
     const QString& error() const { return m_error; }
@@ -32,8 +29,6 @@ public:
     bool isBusy() const { return m_isBusy; }
 
 private:
-    QStringList column(const QString& statement, int index, const QVariant& value = {});
-
     QString m_error;
     bool m_isBusy = false;
 };

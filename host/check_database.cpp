@@ -1,5 +1,6 @@
 #include "host/check_database.h"
 
+#include "cache/database_check.h"
 #include "core/data_location.h"
 #include "host/check_connection.h"
 #include "host/check_data.h"
@@ -15,10 +16,6 @@ namespace
 const QString kDatabase = QStringLiteral("database");
 const QString kDeleteIt = QStringLiteral("delete it, and the next thumbnail makes it anew");
 
-// What the cache's statements go by, the first of them by the order.
-const QStringList kColumns = {QStringLiteral("thumPath"), QStringLiteral("thumTime"), QStringLiteral("filePath"),
-                              QStringLiteral("fileTime"), QStringLiteral("fileSize")};
-
 Finding failure(const QString& sentence)
 {
     return {Verdict::Fail, kDatabase, QStringLiteral("%1 %2").arg(defaultDatabasePath(), sentence)};
@@ -28,16 +25,7 @@ Finding failureOf(const CheckConnection& connection)
 {
     if (connection.isBusy())
         return failure(QStringLiteral("is in use by another program for more than 5 seconds: end that program"));
-    return failure(QStringLiteral("is damaged (%1): %2").arg(connection.error(), kDeleteIt));
-}
-
-// What is called as the cache's table is another kind of thing, or has other columns.
-bool isForeign(CheckConnection& connection)
-{
-    const QStringList kinds = connection.texts(QStringLiteral("SELECT type FROM sqlite_master WHERE name='thumbnail'"));
-    if (kinds.isEmpty())
-        return false;
-    return kinds != QStringList(QStringLiteral("table")) || connection.columns() != kColumns;
+    return failure(QStringLiteral("cannot be used (%1): %2").arg(connection.error(), kDeleteIt));
 }
 
 // Nobody else may be in the middle of something, as when a row is written. Changes nothing.
@@ -46,23 +34,29 @@ bool takesChanges(CheckConnection& connection)
     return connection.run(QStringLiteral("BEGIN EXCLUSIVE")) && connection.run(QStringLiteral("ROLLBACK"));
 }
 
-Finding lookAtDatabase()
+Finding lookAtUse()
 {
     CheckConnection connection;
-    const QStringList integrity = connection.texts(QStringLiteral("PRAGMA quick_check(1)"));
-    if (!connection.error().isEmpty())
-        return failureOf(connection);
-    if (integrity != QStringList(QStringLiteral("ok")))
-        return failure(QStringLiteral("is damaged: ") + kDeleteIt);
-    if (isForeign(connection))
-        return failure(
-            QStringLiteral("has a table with other columns, by another program or version: move it elsewhere, and the "
-                           "next thumbnail makes it anew"));
     if (!takesChanges(connection))
         return failureOf(connection);
     // The table is missing until the first request has ended.
     const QStringList count = connection.texts(QStringLiteral("SELECT count(*) FROM thumbnail"));
     return {Verdict::Ok, kDatabase, QStringLiteral("pictures in it: %1").arg(count.value(0, QStringLiteral("0")))};
+}
+
+Finding lookAtDatabase()
+{
+    switch (inspectDatabase(defaultDatabasePath())) {
+    case DatabaseState::Damaged:
+        return failure(QStringLiteral("is damaged: ") + kDeleteIt);
+    case DatabaseState::Foreign:
+        return failure(
+            QStringLiteral("has a table with other columns, by another program or version: move it elsewhere, and the "
+                           "next thumbnail makes it anew"));
+    case DatabaseState::Usable:
+        break;
+    }
+    return lookAtUse();
 }
 
 } // namespace

@@ -1,6 +1,7 @@
 #include "host/check_traces.h"
 
 #include "core/data_location.h"
+#include "core/thumbnail_job.h"
 #include "host/check_connection.h"
 
 #include <QDir>
@@ -21,13 +22,6 @@ bool isThere(const QString& path)
     return QFileInfo::exists(path) || QFileInfo(path).isSymLink();
 }
 
-// As ThumbnailJob names it.
-QString pictureOf(const QString& path)
-{
-    const QFileInfo source(path);
-    return thumbnailImageFolder() + source.fileName() + source.suffix() + QLatin1String(".png");
-}
-
 QStringList pictures()
 {
     return QDir(thumbnailImageFolder())
@@ -40,7 +34,8 @@ bool removeRow(const QString& path, QString& error)
     if (!QFileInfo(defaultDatabasePath()).isFile())
         return true;
     CheckConnection connection;
-    const QString column = connection.columns().value(kColumnOfSource);
+    const QStringList columns = connection.texts(QStringLiteral("SELECT name FROM pragma_table_info('thumbnail')"));
+    const QString column = columns.value(kColumnOfSource);
     error = connection.error();
     // A database that cannot be read has taken no row, unless it is so for a moment only.
     if (column.isEmpty())
@@ -67,7 +62,7 @@ QStringList CheckTraces::takeBack(const QString& path)
 {
     m_samples += path;
     QStringList rest;
-    const QString picture = pictureOf(path);
+    const QString picture = picturePath(path);
     if (QFileInfo::exists(picture) && !QFile::remove(picture))
         rest += QStringLiteral("its picture could not be taken away again; delete %1").arg(picture);
     QString error;
