@@ -26,8 +26,8 @@ QString invisibilityReason(const QString& path)
     const QString suffix = QFileInfo(path).suffix().toLower();
     // An index that is no plain number counts as the first point, and the first point has the number 0.
     if (suffix == QLatin1String("obj"))
-        return nothing + QStringLiteral("; mostly that is since its faces have slashes ('f 1/2/3') or negative "
-                                        "numbers, which are not understood");
+        return nothing + QStringLiteral("; mostly because its faces have slashes ('f 1/2/3') or negative numbers, "
+                                        "which are not understood");
     if (suffix == QLatin1String("stl") || suffix == QLatin1String("slc"))
         return nothing + QStringLiteral("; its triangles may have no area");
     return nothing + QStringLiteral("; the preview in it is empty");

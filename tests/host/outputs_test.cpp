@@ -233,7 +233,7 @@ TEST_F(OutputsTest, ModelsThatCannotBeSeenAreTold)
     EXPECT_EQ(outcome.status, 0);
     EXPECT_EQ(outcome.out, QStringList({png("s.objobj.png")}));
     EXPECT_EQ(outcome.err, QStringList({"zrthumb: " + slashed +
-                                        ": nothing can be seen in its thumbnail; mostly that is since its faces have "
+                                        ": nothing can be seen in its thumbnail; mostly because its faces have "
                                         "slashes ('f 1/2/3') or negative numbers, which are not understood"}));
     EXPECT_EQ(run({"-q", slashed}).err, QStringList());
     EXPECT_EQ(run({sourceOf("seen.obj", "v 0 0 0\nv 1 0 0\nv 0 1 0\nf 0 1 2\nf 0 2 1\n")}).err, QStringList());
