@@ -58,7 +58,7 @@ QStringList columnNames(const QSqlDatabase& database)
 QStringList columnNamesOfTheCache()
 {
     const Connection connection(QStringLiteral("new table"), QStringLiteral(":memory:"), QString());
-    QSqlQuery(connection.database).exec(QLatin1String(kCreateTable));
+    QSqlQuery(connection.database).exec(createTableStatement());
     return columnNames(connection.database);
 }
 

@@ -35,6 +35,12 @@ bool fitsStatement(const QString& text)
     return !text.contains(QLatin1Char('\''));
 }
 
+QString createTableStatement()
+{
+    return QStringLiteral("create table if not exists thumbnail (thumPath text, thumTime int, filePath text unique, "
+                          "fileTime int, fileSize int)");
+}
+
 ThumbnailDatabase::ThumbnailDatabase(const QString& path) : m_turn(connectionMutex()), m_path(path)
 {
     if (!m_path.endsWith(QLatin1String(".db")) || !QFileInfo(m_path).isFile())
@@ -69,7 +75,7 @@ void ThumbnailDatabase::open()
 void ThumbnailDatabase::createTable()
 {
     auto query = newQuery();
-    if (!query.exec(QLatin1String(kCreateTable))) {
+    if (!query.exec(createTableStatement())) {
         logLine(kTableNotMade);
         m_ok = false;
     }

@@ -16,9 +16,8 @@ namespace zr
 constexpr FailureLine kDatabaseNotOpen{110, "database no open", FailureLine::Rest::None, reason::kDatabaseNotOpen};
 constexpr FailureLine kTableNotMade{106, "database create faild", FailureLine::Rest::None, reason::kDatabaseNotUsable};
 
-/// Makes the table of the cache.
-constexpr char kCreateTable[] = "create table if not exists thumbnail (thumPath text, thumTime int, filePath text "
-                                "unique, fileTime int, fileSize int)";
+/// The statement that makes the table of the cache. Needs no memory.
+QString createTableStatement();
 
 /// Whether the text can be recorded: statements hold their texts unescaped, and an apostrophe would end one.
 bool fitsStatement(const QString& text);
