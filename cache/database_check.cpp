@@ -44,7 +44,7 @@ private:
     QString m_name;
 };
 
-const QString kTable = QStringLiteral("thumbnail");
+constexpr QLatin1String kTable("thumbnail");
 
 QStringList columnNames(const QSqlDatabase& database)
 {

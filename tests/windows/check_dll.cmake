@@ -6,7 +6,7 @@ cmake_minimum_required(VERSION 3.25)
 
 set(exports DllCanUnloadNow DllGetClassObject DllRegisterServer DllUnregisterServer)
 set(system
-    advapi32.dll dwmapi.dll gdi32.dll imm32.dll kernel32.dll msvcrt.dll netapi32.dll ole32.dll oleaut32.dll opengl32.dll
+    advapi32.dll dwmapi.dll gdi32.dll imm32.dll kernel32.dll mpr.dll msvcrt.dll netapi32.dll ole32.dll oleaut32.dll opengl32.dll
     shell32.dll shlwapi.dll user32.dll userenv.dll uxtheme.dll version.dll winmm.dll winspool.drv ws2_32.dll wtsapi32.dll)
 
 function(run result)

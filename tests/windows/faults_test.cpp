@@ -185,7 +185,7 @@ TEST_F(FaultsTest, ProcessesSideBySideLeaveWholeLinesAndEveryRow)
     for (const QString& message : messages)
         ++counts[message];
     for (const QString& file : qAsConst(files)) {
-        EXPECT_EQ(counts["37 in 2 " + file], kProcesses) << file.toStdString();
+        EXPECT_EQ(counts["37 in 2 " + QDir::toNativeSeparators(file)], kProcesses) << file.toStdString();
         EXPECT_EQ(QImage(thumbnailImageFolder() + QFileInfo(file).fileName() + "vrx.png").width(), m_picture.width());
     }
     EXPECT_EQ(counts["63 app after"], kProcesses * kFiles);
