@@ -44,11 +44,11 @@ private:
     QString m_name;
 };
 
-constexpr QLatin1String kTable("thumbnail");
+constexpr char kTable[] = "thumbnail";
 
 QStringList columnNames(const QSqlDatabase& database)
 {
-    const QSqlRecord record = database.record(kTable);
+    const QSqlRecord record = database.record(QLatin1String(kTable));
     QStringList names;
     for (int i = 0; i < record.count(); ++i)
         names.append(record.fieldName(i));
@@ -75,8 +75,8 @@ DatabaseState inspectDatabase(const QString& path)
                                 QStringLiteral("QSQLITE_OPEN_URI;QSQLITE_OPEN_READONLY"));
     if (connection.value(QStringLiteral("pragma quick_check(1)")) != QLatin1String("ok"))
         return DatabaseState::Damaged;
-    const QVariant type =
-        connection.value(QStringLiteral("select type from sqlite_master where name = '%1' collate nocase").arg(kTable));
+    const QVariant type = connection.value(
+        QStringLiteral("select type from sqlite_master where name = '%1' collate nocase").arg(QLatin1String(kTable)));
     if (type.isNull())
         return DatabaseState::Usable;
     const bool isOurs = type == QLatin1String("table") && columnNames(connection.database) == columnNamesOfTheCache();

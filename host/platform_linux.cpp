@@ -53,7 +53,8 @@ PlatformChoice& platformChoice()
 void endWithFatalMessage(QtMsgType type, const QMessageLogContext& context, const QString& message)
 {
     if (type != QtFatalMsg) {
-        platformChoice().previousHandler(type, context, message);
+        if (const QtMessageHandler previous = platformChoice().previousHandler)
+            previous(type, context, message);
         return;
     }
     printLine(stderr, QStringLiteral("zrthumb: ") + printable(qtFailure(message)));

@@ -121,7 +121,7 @@ TEST_F(FileAccessTest, MissingPermissionIsTold)
                 "the file cannot be opened: permission denied, a folder above it may not be searched");
     setMode(m_file, 0400);
     EXPECT_EQ(writeFault(m_file), "permission denied");
-    for (const mode_t mode : {0500, 0600}) {
+    for (const mode_t mode : {0500U, 0600U}) {
         setMode(path("closed"), mode);
         EXPECT_EQ(writeFault(path("closed")), "permission denied") << mode;
     }
