@@ -24,10 +24,6 @@ bool isPlatformOfUser();
 /// What to tell the user when Qt ends the process with `message`, one line.
 QString qtFailure(const QString& message);
 
-/// Makes the application object without which Qt draws no text, if the program has none: that of a server in a DLL is
-/// not the program's.
-void prepareDrawing();
-
 /// Whether OpenGL lacks the display that it needs here.
 bool openGlLacksDisplay();
 

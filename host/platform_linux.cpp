@@ -190,17 +190,6 @@ QString qtFailure(const QString& message)
     return QStringLiteral("Qt cannot go on: ") + message.simplified();
 }
 
-// The first request has made it, unless there was none.
-void prepareDrawing()
-{
-    static int argc = 1;
-    static char name[] = "zrthumb";
-    static char* argv[] = {name, nullptr};
-    // Never destroyed, see leave().
-    static auto* const application = QCoreApplication::startingUp() ? new QGuiApplication(argc, argv) : nullptr;
-    Q_UNUSED(application)
-}
-
 bool openGlLacksDisplay()
 {
     return QStringList{QStringLiteral("offscreen"), QStringLiteral("minimal")}.contains(

@@ -1,7 +1,5 @@
 #include "host/platform.h"
 
-#include <QGuiApplication>
-
 #include <cerrno>
 #include <cstdio>
 #include <cstdlib>
@@ -44,16 +42,6 @@ bool isPlatformOfUser()
 QString qtFailure(const QString& message)
 {
     return QStringLiteral("Qt cannot go on: ") + message.simplified();
-}
-
-void prepareDrawing()
-{
-    static int argc = 1;
-    static char name[] = "zrthumb";
-    static char* argv[] = {name, nullptr};
-    // Never destroyed, see leave().
-    static auto* const application = QCoreApplication::startingUp() ? new QGuiApplication(argc, argv) : nullptr;
-    Q_UNUSED(application)
 }
 
 bool openGlLacksDisplay()

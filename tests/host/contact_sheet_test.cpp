@@ -1,6 +1,5 @@
 #include "host/contact_sheet.h"
 
-#include "host/platform.h"
 #include "host/sheet_text.h"
 #include "tests/support/qt_printers.h"
 
