@@ -39,9 +39,9 @@ int run(const zr::Options& options)
     }
     if (qEnvironmentVariableIsEmpty("QT_LOGGING_RULES"))
         qInstallMessageHandler(dropWarnings);
-    if (!zr::findHome()) {
-        zr::printLine(stderr,
-                      QStringLiteral("zrthumb: you have no home folder for the cache: set HOME or XDG_DATA_HOME"));
+    const QString fault = zr::homeFault();
+    if (!fault.isEmpty()) {
+        zr::printLine(stderr, QLatin1String("zrthumb: ") + fault);
         return kFailed;
     }
     zr::chooseQtPlatform();

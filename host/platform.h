@@ -35,9 +35,9 @@ bool stdoutIsTerminal();
 /// place of one of them. To be called before anything else.
 void openStandardStreams();
 
-/// Gives the process the home folder that the system knows of the user when the environment names none. False when
-/// there is none either, so that the cache has no place.
-bool findHome();
+/// Gives the process the home folder that the system knows of the user when the environment names none. Returns what to
+/// tell the user when there is none either, so that the cache has no place; else empty.
+QString homeFault();
 
 /// Writes the text to `stream` and empties its buffer; false, with errno, when it does not get there. In the terminal's
 /// encoding; on Windows consoles get any character, files and pipes UTF-8.

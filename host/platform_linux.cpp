@@ -215,14 +215,16 @@ void openStandardStreams()
     }
 }
 
-bool findHome()
+QString homeFault()
 {
     if (!qEnvironmentVariableIsEmpty("HOME") || !qEnvironmentVariableIsEmpty("XDG_DATA_HOME"))
-        return true;
+        return {};
     const passwd* const user = getpwuid(getuid());
     // The root folder is what services have that need none.
     const bool hasHome = user && user->pw_dir && *user->pw_dir && std::strcmp(user->pw_dir, "/") != 0;
-    return hasHome && qputenv("HOME", user->pw_dir);
+    if (hasHome && qputenv("HOME", user->pw_dir))
+        return {};
+    return QStringLiteral("you have no home folder for the cache: set HOME or XDG_DATA_HOME");
 }
 
 bool writeText(std::FILE* stream, const QString& text)

@@ -248,22 +248,6 @@ TEST_F(CacheFaultTest, DataFolderThatCannotBeMadeIsTold)
     expectRequestWorks();
 }
 
-// A file system of its own, which only this test's processes see.
-TEST_F(CacheFaultTest, FullDiskIsTold)
-{
-    const QString unshare = geteuid() == 0 ? "unshare -m" : "unshare -rm";
-    const QString mount = "mount -t tmpfs -o size=64k tmpfs " + dataFolder();
-    const auto run = [&](const QString& commands) {
-        return runProgram("sh", {"-c", unshare + " sh -c '" + mount + " && " + commands + "'"}, m_folder.path());
-    };
-    if (run("true").status != 0)
-        GTEST_SKIP() << "no file system can be mounted here";
-    const QString fill = "{ head -c 1000000 /dev/zero > " + dataFolder() + "/full 2> /dev/null; ";
-    EXPECT_EQ(run(fill + ZRTHUMB_PROGRAM " " + m_source + "; }").err,
-              QStringList("zrthumb: " + m_source + ": no thumbnail: the disk is full: make room for the data folder, " +
-                          dataFolder()));
-}
-
 #endif
 
 } // namespace

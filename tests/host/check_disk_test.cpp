@@ -1,9 +1,10 @@
-// zrthumb --check on a full disk. The checks run in the test program, where calls of the operating system can be made
+// zrthumb and its --check on a full disk. They run in the test program, where calls of the operating system can be made
 // to fail.
 
 #include "core/data_location.h"
 #include "host/check.h"
 #include "host/check_data.h"
+#include "host/request.h"
 #include "tests/reliability/fault_hooks.h"
 #include "tests/reliability/request_test.h"
 #include "tests/support/qt_printers.h"
@@ -68,6 +69,20 @@ TEST_F(CheckDiskTest, EachFullFolderIsTold)
             << findings[0].detail.toStdString();
     }
     EXPECT_EQ(checkDataFolder().first().verdict, Verdict::Ok);
+}
+
+TEST_F(CheckDiskTest, FailedRequestTellsTheFullDisk)
+{
+    expectRequestWorks(source("a.vrx"));
+    const QString path = source("b.vrx");
+    {
+        const InjectedFault writing({SystemCall::Write, "/thumbnailImage/", ENOSPC});
+        const InjectedFault asking({SystemCall::AskForRoom, "/"});
+        EXPECT_EQ(requestThumbnail(path, QString()).reason,
+                  "the disk is full: make room for the data folder, " + dataFolder());
+        EXPECT_GT(asking.hits(), 0);
+    }
+    EXPECT_EQ(requestThumbnail(path, QString()).reason, "");
 }
 
 } // namespace

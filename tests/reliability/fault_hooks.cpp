@@ -16,6 +16,7 @@
 #include <dlfcn.h>
 #include <fcntl.h>
 #include <sys/stat.h>
+#include <sys/statvfs.h>
 #include <unistd.h>
 
 namespace zr::test
@@ -236,6 +237,14 @@ int fdatasync(int file)
     if (zr::test::fails(zr::test::touch(SystemCall::Sync, file)))
         return -1;
     return zr::test::systemsOwn<int(int)>("fdatasync")(file);
+}
+
+int statvfs64(const char* path, struct statvfs64* disk) noexcept
+{
+    const int result = zr::test::systemsOwn<int(const char*, struct statvfs64*)>("statvfs64")(path, disk);
+    if (result == 0 && zr::test::touch(SystemCall::AskForRoom, path))
+        disk->f_bavail = 0;
+    return result;
 }
 
 int rename(const char* from, const char* to) noexcept

@@ -9,9 +9,10 @@ namespace zr::test
 {
 
 /// The calls of the operating system that can be made to fail.
-enum class SystemCall { OpenToRead, OpenToWrite, MakeFolder, Read, Write, Sync, Rename };
+enum class SystemCall { OpenToRead, OpenToWrite, MakeFolder, Read, Write, Sync, Rename, AskForRoom };
 
-/// What happens to calls on files whose path holds `pathPart`.
+/// What happens to calls on files whose path holds `pathPart`. AskForRoom, which is about the disk's folder, does not
+/// fail but tells that there is none.
 struct Fault {
     SystemCall call;
     QByteArray pathPart;
