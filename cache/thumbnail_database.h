@@ -1,6 +1,7 @@
 #pragma once
 
 #include "core/failure_line.h"
+#include "core/log_contract.h"
 #include "core/reasons.h"
 
 #include <QSqlDatabase>
@@ -13,8 +14,10 @@ namespace zr
 {
 
 // The log's lines by which a failure of the database is known.
-constexpr FailureLine kDatabaseNotOpen{110, "database no open", FailureLine::Rest::None, reason::kDatabaseNotOpen};
-constexpr FailureLine kTableNotMade{106, "database create faild", FailureLine::Rest::None, reason::kDatabaseNotUsable};
+constexpr FailureLine kDatabaseNotOpen{line::kDatabaseNotOpen, "database no open", FailureLine::Rest::None,
+                                       reason::kDatabaseNotOpen};
+constexpr FailureLine kTableNotMade{line::kTableNotMade, "database create faild", FailureLine::Rest::None,
+                                    reason::kDatabaseNotUsable};
 
 /// The statement that makes the table of the cache. Needs no memory.
 QString createTableStatement();

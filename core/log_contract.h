@@ -38,7 +38,6 @@ constexpr char kNothingToRender[] = "renderListZero";
 constexpr char kBufferBind[] = "vboBindErrInRender";
 
 // Of the job.
-constexpr char kNeedsPicture[] = "needCreateImage";
 constexpr char kNotSupported[] = "fileIsNotSupport";
 constexpr char kNoPicture[] = "prevImageGetErr";
 constexpr char kNotSaved[] = "pushDataErr";
@@ -54,7 +53,7 @@ constexpr int kLoad = 37;
 constexpr int kApplicationStarted = 61;
 constexpr int kApplicationReady = 63;
 
-// The job.
+// The job, and the cache for it.
 constexpr int kNotSupported = 60;
 constexpr int kNoPicture = 65;
 constexpr int kNotSaved = 69;

@@ -3,9 +3,9 @@
 // drawn, unless QT_QPA_PLATFORM names a platform with OpenGL.
 
 #include "core/data_location.h"
-#include "core/reader_table.h"
+#include "core/job/reader_table.h"
 #include "fuzz/preview_limits.h"
-#include "shell/thumbnail_extractor.h"
+#include "request/thumbnail_extractor.h"
 
 #include <QDir>
 #include <QFile>

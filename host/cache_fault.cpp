@@ -1,10 +1,11 @@
 #include "host/cache_fault.h"
 
+#include "cache/cached_pictures.h"
 #include "cache/database_check.h"
 #include "cache/thumbnail_database.h"
 #include "core/data_location.h"
-#include "core/thumbnail_job.h"
 #include "host/file_access.h"
+#include "host/platform.h"
 
 #include <QDir>
 #include <QFileInfo>
@@ -24,12 +25,8 @@ QString apostropheFault(const QString& path)
         return QStringLiteral("its path has an apostrophe, which the cache cannot record: rename it");
     if (fitsStatement(dataFolder()))
         return QString();
-#ifdef Q_OS_WIN
-    const QString remedy = QStringLiteral("use an account whose folder has none");
-#else
-    const QString remedy = QStringLiteral("set XDG_DATA_HOME to another one");
-#endif
-    return QStringLiteral("the data folder's path has an apostrophe, which the cache cannot record: %1").arg(remedy);
+    return QStringLiteral("the data folder's path has an apostrophe, which the cache cannot record: %1")
+        .arg(otherDataFolder());
 }
 
 QString folderFault(const QString& folder)

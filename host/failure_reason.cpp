@@ -1,12 +1,12 @@
 #include "host/failure_reason.h"
 
 #include "core/data_location.h"
-#include "core/reader_table.h"
-#include "core/thumbnail_job.h"
+#include "core/job/reader_table.h"
+#include "core/job/thumbnail_job.h"
 #include "host/cache_fault.h"
 #include "host/file_access.h"
 #include "host/log_tail.h"
-#include "host/platform.h"
+#include "host/qt_platform.h"
 
 #include <QFileInfo>
 

@@ -1,6 +1,6 @@
 #include "host/file_list.h"
 
-#include "core/reader_table.h"
+#include "core/job/reader_table.h"
 #include "host/console.h"
 #include "host/folder_entries.h"
 

@@ -1,6 +1,8 @@
 #include "host/log_tail.h"
 
 #include "core/data_location.h"
+#include "core/log_contract.h"
+#include "request/thumbnail_extractor.h"
 
 #include <QFile>
 #include <QFileInfo>
@@ -52,7 +54,8 @@ LogTail::LogTail() : m_start(QFileInfo(defaultLogPath()).size()) {}
 QStringList LogTail::messagesOf(const QString& path) const
 {
     const QStringList messages = splitMessages(readFrom(m_start));
-    const auto begin = messages.lastIndexOf(QStringLiteral("37 in 2 ") + asLogged(path));
+    const auto begin =
+        messages.lastIndexOf(QStringLiteral("%1 ").arg(line::kLoad) + QLatin1String(kLoadText) + asLogged(path));
     return messages.mid(begin + 1);
 }
 

@@ -1,5 +1,7 @@
 #include "host/options.h"
 
+#include "host/thumbnail_client.h"
+
 #include <QCommandLineParser>
 #include <QCoreApplication>
 
@@ -40,9 +42,8 @@ struct CommandLine {
         parser.addPositionalArgument(QStringLiteral("FILE"), QStringLiteral("Files to make thumbnails of."),
                                      QStringLiteral("FILE..."));
         parser.addOptions({output, size, sheet, recursive, quiet});
-#ifdef Q_OS_WIN
-        parser.addOption(server);
-#endif
+        if (talksToServer())
+            parser.addOption(server);
         parser.addOptions({check, help, version});
     }
 
@@ -134,9 +135,8 @@ Options parseOptions(const QStringList& arguments)
     options.sheet = line.parser.value(line.sheet);
     options.recursive = line.parser.isSet(line.recursive);
     options.quiet = line.parser.isSet(line.quiet);
-#ifdef Q_OS_WIN
-    options.server = line.parser.value(line.server);
-#endif
+    if (talksToServer())
+        options.server = line.parser.value(line.server);
     const QString error = usageError(line, options);
     return error.isEmpty() ? options : reject(error);
 }

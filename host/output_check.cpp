@@ -1,6 +1,6 @@
 #include "host/output_check.h"
 
-#include "core/reader_table.h"
+#include "core/job/reader_table.h"
 #include "host/console.h"
 #include "host/contact_sheet.h"
 #include "host/output_file.h"

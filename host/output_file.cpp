@@ -1,6 +1,6 @@
 #include "host/output_file.h"
 
-#include "core/whole_file.h"
+#include "cache/whole_file.h"
 #include "host/console.h"
 
 #include <QBuffer>

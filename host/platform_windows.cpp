@@ -26,29 +26,6 @@ QStringList commandLineArguments(int, char**)
     return arguments;
 }
 
-// There is one platform, and no variable changes it, see host_shield.cpp.
-void chooseQtPlatform() {}
-
-QStringList unusedPlatformSettings()
-{
-    return {};
-}
-
-bool isPlatformOfUser()
-{
-    return false;
-}
-
-QString qtFailure(const QString& message)
-{
-    return QStringLiteral("Qt cannot go on: ") + message.simplified();
-}
-
-bool openGlLacksDisplay()
-{
-    return false;
-}
-
 bool stderrIsTerminal()
 {
     return _isatty(_fileno(stderr)) != 0;
@@ -73,6 +50,16 @@ void openStandardStreams()
 QString homeFault()
 {
     return {};
+}
+
+QString otherDataFolder()
+{
+    return QStringLiteral("use an account whose folder has none");
+}
+
+QString diskFullText()
+{
+    return qt_error_string(ERROR_DISK_FULL);
 }
 
 bool writeText(std::FILE* stream, const QString& text)

@@ -1,6 +1,6 @@
 #include "host/request.h"
 
-#include "cache/thumbnail_database.h"
+#include "cache/cached_pictures.h"
 #include "core/data_location.h"
 #include "core/reasons.h"
 #include "host/console.h"
@@ -18,12 +18,6 @@ namespace zr
 {
 namespace
 {
-
-QString cachedPngPath(const QString& path)
-{
-    const ThumbnailDatabase database{QString()};
-    return database.queryValue(path, QStringLiteral("thumPath")).toString();
-}
 
 // Whether the file was loaded. What an exception ended is a failure like others: the server's DLL tells of none either.
 bool load(ThumbnailClient& client, const QString& path)
@@ -43,7 +37,7 @@ RequestResult requestFrom(ThumbnailClient& client, const QString& path)
     // Also after a failure, since it ends the request's log instance.
     result.picture = client.extract();
     if (loaded)
-        result.pngPath = cachedPngPath(path);
+        result.pngPath = findPicture(path);
     if (!loaded)
         result.reason = failureReason(path, log.messagesOf(path));
     else if (result.picture.isNull() || result.pngPath.isEmpty())

@@ -22,6 +22,9 @@ public:
     virtual QImage extract() = 0;
 };
 
+/// Whether clients talk to a server, which can be named.
+bool talksToServer();
+
 /// A new client. `serverPath` names the DLL to use without registration (Windows only), empty for the registered one.
 /// Throws std::runtime_error with a sentence for the user when there is no server to talk to.
 std::unique_ptr<ThumbnailClient> makeThumbnailClient(const QString& serverPath);

@@ -2,8 +2,8 @@
 
 #include "host/cache_fault.h"
 
+#include "cache/cached_pictures.h"
 #include "core/data_location.h"
-#include "core/thumbnail_job.h"
 #include "host/request.h"
 #include "tests/host/plain_words.h"
 #include "tests/support/data_folder_fixture.h"
@@ -202,7 +202,7 @@ TEST_F(CacheFaultTest, ApostropheInTheDataFolderIsTold)
     const QByteArray before = qgetenv("XDG_DATA_HOME");
     qputenv("XDG_DATA_HOME", QFile::encodeName(m_folder.filePath("it's")));
     expectReason(m_source, "the data folder's path has an apostrophe, which the cache cannot record: set XDG_DATA_HOME "
-                           "to another one");
+                           "to a folder without one");
     qputenv("XDG_DATA_HOME", before);
 }
 

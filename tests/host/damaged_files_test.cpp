@@ -1,6 +1,6 @@
 // What a person is told of files that are cut short, damaged or of another kind than their names say.
 
-#include "core/reader_table.h"
+#include "core/job/reader_table.h"
 #include "host/request.h"
 #include "tests/host/plain_words.h"
 #include "tests/support/data_folder_fixture.h"

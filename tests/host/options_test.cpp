@@ -1,6 +1,6 @@
 #include "host/options.h"
 
-#include "core/reader_table.h"
+#include "core/job/reader_table.h"
 #include "tests/support/qt_printers.h"
 
 #include <QRegularExpression>

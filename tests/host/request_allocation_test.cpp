@@ -4,7 +4,7 @@
 #include "core/data_location.h"
 #include "core/log_file.h"
 #include "host/request.h"
-#include "shell/thumbnail_extractor.h"
+#include "request/thumbnail_extractor.h"
 #include "tests/support/allocation_failure.h"
 #include "tests/support/data_folder_fixture.h"
 #include "tests/support/files.h"

@@ -2,9 +2,9 @@
 
 #include "cache/thumbnail_database.h"
 #include "core/data_location.h"
+#include "core/job/reader_table.h"
 #include "core/log_file.h"
-#include "core/reader_table.h"
-#include "shell/thumbnail_extractor.h"
+#include "request/thumbnail_extractor.h"
 #include "tests/support/files.h"
 #include "tests/support/qt_printers.h"
 #include "tools/samples/vrx_bytes.h"

@@ -4,7 +4,7 @@
 #include "core/log_file.h"
 #include "readers/mesh/stl_mesh.h"
 #include "render/offscreen_renderer.h"
-#include "shell/thumbnail_extractor.h"
+#include "request/thumbnail_extractor.h"
 #include "tests/reliability/setting.h"
 #include "tests/support/data_folder_fixture.h"
 #include "tests/support/files.h"

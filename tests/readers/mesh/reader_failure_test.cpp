@@ -1,6 +1,6 @@
 // What the readers make of errors that come out of the renderer's or the mesh's making. The readers differ here.
 
-#include "core/thumbnail_job.h"
+#include "core/job/thumbnail_job.h"
 #include "readers/mesh/obj_file_thumbnail.h"
 #include "readers/mesh/slc_file_thumbnail.h"
 #include "readers/mesh/stl_file_thumbnail.h"

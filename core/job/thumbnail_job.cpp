@@ -1,0 +1,53 @@
+#include "core/job/thumbnail_job.h"
+
+#include "cache/cached_pictures.h"
+#include "core/data_location.h"
+#include "core/job/reader_table.h"
+#include "core/log_file.h"
+
+#include <QDir>
+#include <QFileInfo>
+
+namespace zr
+{
+
+ThumbnailJob::ThumbnailJob(const QString& sourcePath)
+    : m_sourcePath(sourcePath), m_database(QString()), m_imageDir(thumbnailImageFolder())
+{
+    // After the database, which therefore stays closed in a profile that has no data folder yet: the very first
+    // request of a user fails, the next one finds the folder.
+    if (!QDir().mkpath(m_imageDir))
+        m_imageDir.clear();
+}
+
+bool ThumbnailJob::run()
+{
+    if (!needCreateImage())
+        return true;
+    try {
+        m_reader = makeReader(QFileInfo(m_sourcePath).suffix(), m_sourcePath);
+        if (!m_reader)
+            throwKey(kNotSupported);
+        m_image = m_reader->getImage();
+        if (m_image.isNull())
+            throwKey(kNoPicture);
+        if (!saveImage())
+            throwKey(kNotSaved);
+        return true;
+    } catch (const QString&) {
+        logLine(kJobFailed);
+        return false;
+    }
+}
+
+bool ThumbnailJob::needCreateImage()
+{
+    return !freshPicture(m_database, m_sourcePath);
+}
+
+bool ThumbnailJob::saveImage()
+{
+    return !m_imageDir.isEmpty() && store(m_database, m_sourcePath, m_image);
+}
+
+} // namespace zr

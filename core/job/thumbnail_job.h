@@ -1,0 +1,48 @@
+#pragma once
+
+#include "cache/thumbnail_database.h"
+#include "core/failure_line.h"
+#include "core/file_reader_base.h"
+#include "core/log_contract.h"
+#include "core/reasons.h"
+
+#include <QImage>
+#include <QString>
+
+#include <memory>
+
+namespace zr
+{
+
+// The log's lines by which it is known where a job failed. Each failed job's last line is kJobFailed, unless an error
+// other than a QString ended it.
+constexpr ThrownKey kNotSupported{line::kNotSupported, key::kNotSupported, reason::kNotSupported};
+constexpr ThrownKey kNoPicture{line::kNoPicture, key::kNoPicture, reason::kDamagedOrNoMemory};
+constexpr ThrownKey kNotSaved{line::kNotSaved, key::kNotSaved, reason::kNotSaved};
+constexpr FailureLine kJobFailed{line::kJobFailed, "getImage False", FailureLine::Rest::None,
+                                 reason::kDamagedOrNoMemory};
+
+/// One thumbnail request for one source file: made, run once and destroyed by the extractor, on its thread.
+class ThumbnailJob
+{
+public:
+    /// Opens the cache database and makes the folder of the cached pictures.
+    explicit ThumbnailJob(const QString& sourcePath);
+
+    /// Makes sure that the cache has a picture of the source file's present state: when it has none, the reader for the
+    /// file's suffix makes one, which is stored. False, with the reason in the log, when there is none in the end.
+    /// Errors other than a QString pass through.
+    bool run();
+
+private:
+    bool needCreateImage();
+    bool saveImage();
+
+    QString m_sourcePath;
+    QImage m_image;
+    ThumbnailDatabase m_database;
+    QString m_imageDir; ///< with a trailing "/"; empty when the folder could not be made
+    std::unique_ptr<FileReaderBase> m_reader;
+};
+
+} // namespace zr

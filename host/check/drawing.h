@@ -1,0 +1,15 @@
+#pragma once
+
+#include "host/check/check.h"
+
+namespace zr
+{
+
+/// Whether Qt starts here as the server starts it, and with what the user has set for it. Makes the process's
+/// application object.
+Findings checkQt();
+
+/// Whether OpenGL gives a context that models can be drawn with. Comes after checkQt().
+Findings checkOpenGl();
+
+} // namespace zr

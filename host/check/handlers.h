@@ -1,0 +1,18 @@
+#pragma once
+
+#include "host/check/check.h"
+
+namespace zr
+{
+
+/// What brings the registration back.
+const QString kRegisterAnew =
+    QStringLiteral("run the installer again, or register.cmd in the folder of ZRThumbnail.dll");
+
+/// Whether the file browser shows thumbnails at all, and lets the server in (Windows).
+Findings checkPolicies();
+
+/// Whom the file browser asks for the thumbnails of each suffix (Windows).
+Findings checkHandlers();
+
+} // namespace zr

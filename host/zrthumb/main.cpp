@@ -1,0 +1,67 @@
+// zrthumb: makes thumbnails from the command line, by the same requests that the file browser makes.
+
+#include "host/check/check.h"
+#include "host/console.h"
+#include "host/options.h"
+#include "host/platform.h"
+#include "host/qt_platform.h"
+#include "host/run.h"
+
+#include <QtGlobal>
+
+#include <cstdio>
+
+namespace
+{
+
+constexpr int kFailed = 1;
+constexpr int kWrongUsage = 2;
+
+// Qt warns of much that a request copes with: a display that cannot be reached, a damaged picture. The host tells
+// failures itself, one line each.
+void dropWarnings(QtMsgType type, const QMessageLogContext& context, const QString& message)
+{
+    if (type == QtCriticalMsg || type == QtFatalMsg)
+        zr::printLine(stderr, qFormatLogMessage(type, context, message));
+}
+
+int run(const zr::Options& options)
+{
+    switch (options.action) {
+    case zr::Options::Action::ShowText:
+        zr::printText(stdout, options.text);
+        return 0;
+    case zr::Options::Action::RejectUsage:
+        zr::printText(stderr, options.text);
+        return kWrongUsage;
+    case zr::Options::Action::MakeThumbnails:
+    case zr::Options::Action::RunChecks:
+        break;
+    }
+    if (qEnvironmentVariableIsEmpty("QT_LOGGING_RULES"))
+        qInstallMessageHandler(dropWarnings);
+    const QString fault = zr::homeFault();
+    if (!fault.isEmpty()) {
+        zr::printLine(stderr, QLatin1String("zrthumb: ") + fault);
+        return kFailed;
+    }
+    zr::chooseQtPlatform();
+    return options.action == zr::Options::Action::RunChecks ? zr::runChecks() : zr::makeThumbnails(options);
+}
+
+// What did not reach its reader was not had.
+int withFaultOfStdout(int status)
+{
+    if (zr::stdoutFault().isEmpty())
+        return status;
+    zr::printLine(stderr, QStringLiteral("zrthumb: stdout cannot be written: ") + zr::stdoutFault());
+    return status == 0 ? kFailed : status;
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    zr::openStandardStreams();
+    zr::leave(withFaultOfStdout(run(zr::parseOptions(zr::commandLineArguments(argc, argv)))));
+}

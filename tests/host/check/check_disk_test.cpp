@@ -1,0 +1,89 @@
+// zrthumb and its --check on a full disk. They run in the test program, where calls of the operating system can be made
+// to fail.
+
+#include "core/data_location.h"
+#include "host/check/check.h"
+#include "host/check/data.h"
+#include "host/request.h"
+#include "tests/reliability/fault_hooks.h"
+#include "tests/reliability/request_test.h"
+#include "tests/support/qt_printers.h"
+
+#include <QFileInfo>
+
+#include <cerrno>
+
+namespace zr::test
+{
+namespace
+{
+
+class CheckDiskTest : public RequestTest
+{
+protected:
+    static QStringList linesOfChecks(int& status)
+    {
+        ::testing::internal::CaptureStdout();
+        status = runChecks();
+        return QString::fromStdString(::testing::internal::GetCapturedStdout()).split('\n', Qt::SkipEmptyParts);
+    }
+};
+
+TEST_F(CheckDiskTest, FullDiskIsTold)
+{
+    expectRequestWorks(source("a.vrx"));
+    int status = 0;
+    QStringList lines;
+    {
+        const InjectedFault injected({SystemCall::Write, "/KESTRAVO_Thumbnail", ENOSPC});
+        lines = linesOfChecks(status);
+        EXPECT_GT(injected.hits(), 0);
+    }
+    EXPECT_EQ(status, 1);
+    const QStringList failures = lines.filter("FAIL ").filter("data folder");
+    EXPECT_EQ(failures, QStringList("FAIL data folder: " + dataFolder() +
+                                    " takes no more data (No space left on device): make room on that disk"));
+    EXPECT_EQ(lines.filter("FAIL sample slice file: no thumbnail: ").size(), 1);
+    EXPECT_EQ(cachedFiles(), QStringList({"a.vrxvrx.png", "earlier.vrxvrx.png"}));
+}
+
+struct Fullness {
+    const char* name;
+    SystemCall call;
+    const char* pathPart;
+};
+
+// Wherever the room ends.
+TEST_F(CheckDiskTest, EachFullFolderIsTold)
+{
+    for (const Fullness& row : {Fullness{"folder", SystemCall::Write, "/KESTRAVO_Thumbnail"},
+                                {"pictures", SystemCall::Write, "/thumbnailImage"},
+                                {"no more files", SystemCall::OpenToWrite, "/KESTRAVO_Thumbnail"}}) {
+        SCOPED_TRACE(row.name);
+        const InjectedFault injected({row.call, row.pathPart, ENOSPC});
+        const Findings findings = checkDataFolder();
+        ASSERT_EQ(findings.size(), 1);
+        EXPECT_EQ(findings[0].verdict, Verdict::Fail);
+        EXPECT_TRUE(
+            findings[0].detail.endsWith(" takes no more data (No space left on device): make room on that disk"))
+            << findings[0].detail.toStdString();
+    }
+    EXPECT_EQ(checkDataFolder().first().verdict, Verdict::Ok);
+}
+
+TEST_F(CheckDiskTest, FailedRequestTellsTheFullDisk)
+{
+    expectRequestWorks(source("a.vrx"));
+    const QString path = source("b.vrx");
+    {
+        const InjectedFault writing({SystemCall::Write, "/thumbnailImage/", ENOSPC});
+        const InjectedFault asking({SystemCall::AskForRoom, "/"});
+        EXPECT_EQ(requestThumbnail(path, QString()).reason,
+                  "the disk is full: make room for the data folder, " + dataFolder());
+        EXPECT_GT(asking.hits(), 0);
+    }
+    EXPECT_EQ(requestThumbnail(path, QString()).reason, "");
+}
+
+} // namespace
+} // namespace zr::test

@@ -1,0 +1,34 @@
+#!/usr/bin/env bash
+# make_tested_packages.sh BUILD QT VERSION DECOY OUTPUT: makes the packages of BUILD in the folder OUTPUT, unpacks the zip
+# there and makes the installer of an older version, whose files all differ and whose server still works. As older versions
+# did, it has libraries and plug-ins beside the server; copies of DECOY play them.
+set -euo pipefail
+build=$(realpath "$1") qt=$(realpath "$2") version=$3 decoy=$(realpath "$4") output=$(realpath -m "$5")
+top=$(cd "$(dirname "${BASH_SOURCE[0]}")/../.." && pwd)
+
+"$top/packaging/windows/make-packages" "$build" "$qt" "$version" "$output"
+(cd "$output" && sha256sum --quiet --check SHA256SUMS)
+mkdir "$output/unpacked"
+(cd "$output/unpacked" && cmake -E tar xf "$output/ZRThumbnail-$version-windows.zip")
+
+older=$(mktemp -d)
+trap 'rm -rf "$older"' EXIT
+cp -R "$output/payload/." "$older/"
+# What follows the last section of a DLL is not loaded.
+find "$older" -type f -exec sh -c 'for file; do echo older >>"$file"; done' sh {} +
+for file in Qt5{Core,Gui,Sql,Widgets}.dll platforms/qwindows.dll sqldrivers/qsqlite.dll \
+    libgcc_s_seh-1.dll libstdc++-6.dll libwinpthread-1.dll; do
+    install -D -m 644 "$decoy" "$older/$file"
+done
+mkdir "$older/older"
+echo "what this version had and the next one has not" >"$older/older/only.txt"
+SOURCE_DATE_EPOCH=$(stat -c %Y "$output/payload")
+export SOURCE_DATE_EPOCH
+make_setup() { "$top/packaging/windows/make-setup" "$1" "$build/uninstall.exe" "$build/generated/suffixes.nsh" "$2" "$output/$3"; }
+make_setup "$older" 0.9.0.0 older-setup.exe
+
+# One whose server loads but cannot be registered.
+mkdir "$older/unfit"
+cp "$decoy" "$older/unfit/ZRThumbnail.dll"
+cp "$output/payload/"{LICENSE.txt,README.txt} "$older/unfit/"
+make_setup "$older/unfit" 1.1.0.0 unfit-setup.exe
