@@ -1,22 +1,20 @@
 #include "core/file_reader_base.h"
 
+#include "core/log_contract.h"
 #include "core/log_file.h"
+
+#include <functional>
 
 namespace zr
 {
-namespace
-{
 
-constexpr int kLineCaughtKey = 29;
+constexpr FileReaderBase::ErrorHandler FileReaderBase::m_errorHandlers[] = {
+    {key::kOpenFile, &FileReaderBase::onFileOpenError},
+    {key::kReadShort, &FileReaderBase::onFileError},
+    {key::kPreview, &FileReaderBase::onFileError},
+};
 
-} // namespace
-
-FileReaderBase::FileReaderBase(const QString& filePath) : m_file(filePath), m_filePath(filePath)
-{
-    m_errorHandlers.insert(QStringLiteral("openFileErr"), [this](const QString& key) { onFileOpenError(key); });
-    m_errorHandlers.insert(QStringLiteral("fileReadLess"), [this](const QString& key) { onFileError(key); });
-    m_errorHandlers.insert(QStringLiteral("filePrevErr"), [this](const QString& key) { onFileError(key); });
-}
+FileReaderBase::FileReaderBase(const QString& filePath) : m_file(filePath), m_filePath(filePath) {}
 
 FileReaderBase::~FileReaderBase()
 {
@@ -31,10 +29,8 @@ QImage FileReaderBase::getImage()
         m_image = previewImage();
         return m_image;
     } catch (const QString& key) {
-        logLine(kLineCaughtKey, key);
-        // A key without a handler gives an empty function, whose call raises std::bad_function_call: such a key is
-        // a reader's mistake, and it must not look like an ordinary unreadable file.
-        m_errorHandlers.value(key)(key);
+        logLine(line::kCaughtKey, key);
+        handleError(key);
         return {};
     }
 }
@@ -45,16 +41,24 @@ void FileReaderBase::fail(const ReadFailure& failure) const
     throwKey(failure.line.number + 1, failure.key);
 }
 
-// There is nothing to close.
-void FileReaderBase::onFileOpenError(const QString& key)
+void FileReaderBase::onFileOpenError(const QString&)
 {
-    Q_UNUSED(key)
+    // There is nothing to close.
 }
 
-void FileReaderBase::onFileError(const QString& key)
+void FileReaderBase::onFileError(const QString&)
 {
-    Q_UNUSED(key)
     m_file.close();
+}
+
+void FileReaderBase::handleError(const QString& key)
+{
+    for (const ErrorHandler& handler : m_errorHandlers) {
+        if (key == QLatin1String(handler.key))
+            return (this->*handler.handle)(key);
+    }
+    // A reader's mistake, which must not look like an ordinary unreadable file.
+    throw std::bad_function_call();
 }
 
 } // namespace zr

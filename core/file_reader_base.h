@@ -3,19 +3,16 @@
 #include "core/failure_line.h"
 
 #include <QFile>
-#include <QHash>
 #include <QImage>
 #include <QString>
-
-#include <functional>
 
 namespace zr
 {
 
-/// One way in which a reader can fail: the log line that tells it and the error key that is thrown.
+/// One way in which a reader can fail: the log line that reports it and the error key that is thrown.
 /// Readers keep theirs as a table at the top of their file.
 struct ReadFailure {
-    FailureLine line; ///< the " throw " line behind it has the next number
+    FailureLine line; ///< the " throw " line after it has the next number
     const char* key;  ///< error key, see FileReaderBase
 
     constexpr operator FailureLine() const { return line; }
@@ -23,8 +20,8 @@ struct ReadFailure {
 
 /// The reader of one source file, made by the thumbnail job for a single getImage() call.
 ///
-/// Subclasses throw a QString error key for everything that they cannot read. The keys "openFileErr", "fileReadLess"
-/// and "filePrevErr" have handlers here; any other key that reaches getImage() leaves it as std::bad_function_call.
+/// Subclasses throw a QString error key for everything that they cannot read. The keys in m_errorHandlers are handled
+/// here; any other key that reaches getImage() leaves it as std::bad_function_call.
 class FileReaderBase
 {
 public:
@@ -40,7 +37,7 @@ public:
     virtual QImage previewImage() = 0;
 
     /// Reads the file and returns its picture; a null image after a failure, which is logged.
-    /// Errors that are no QString pass through.
+    /// Exceptions other than QString pass through.
     virtual QImage getImage();
 
 protected:
@@ -50,11 +47,18 @@ protected:
     QImage m_image;
     QFile m_file;
     QString m_filePath;
-    QHash<QString, std::function<void(QString)>> m_errorHandlers;
+
+    /// What is done for an error key that reaches getImage().
+    struct ErrorHandler {
+        const char* key;
+        void (FileReaderBase::*handle)(const QString& key);
+    };
+    static const ErrorHandler m_errorHandlers[3];
 
 private:
     void onFileOpenError(const QString& key);
     void onFileError(const QString& key);
+    void handleError(const QString& key);
 };
 
 } // namespace zr
