@@ -14,8 +14,8 @@ namespace
 
 constexpr char kFormat[] = "bmp";
 
-// Rows as Qt lays them out. The memory comes from calloc(), since the size is the file's word: pages that no row
-// reaches are never touched. A null picture where Qt makes none of that size.
+// Rows as Qt lays them out. The memory comes from calloc(), since the file may announce any size: pages that no
+// row reaches are never touched. A null picture where Qt makes none of that size.
 QImage zeroedPicture(QSize size, QImage::Format format)
 {
     const qint64 bitsPerLine = qint64{size.width()} * QImage::toPixelFormat(format).bitsPerPixel();
@@ -51,7 +51,7 @@ QImage pictureOfBmp(const QByteArray& bmp)
     if (picture.format() == format)
         return picture;
 
-    // Transparency is a thing that Qt does not announce. Alpha is never shown, but pixels that are missing would be.
+    // Qt does not announce transparency. Alpha is never shown, but missing pixels would be.
     const QImage::Format actualFormat = picture.format();
     picture = QImage();
     picture = zeroedPicture(size, actualFormat);

@@ -6,13 +6,13 @@
 namespace zr
 {
 
-/// The picture of a BMP file that nobody vouches for; a null image when it is none.
+/// The picture of an untrusted BMP file; a null image when the bytes are not one.
 ///
 /// Rows that the file announces but does not hold, and pixels that its compression jumps over, are zero. Qt alone
-/// leaves there what the memory held before, which is the host process's own.
+/// leaves there what the memory of the host process held before.
 QImage pictureOfBmp(const QByteArray& bmp);
 
-/// Makes each pixel of a picture with a palette readable: colours that the palette lacks become black. Qt reads behind
+/// Makes each pixel of a picture with a palette readable: colours that the palette lacks become black. Qt reads past
 /// the palette's end for them.
 void completePalette(QImage& picture);
 

@@ -1,8 +1,7 @@
 #include "readers/slice/fdg_file_thumbnail.h"
 
-#include "core/reasons.h"
-#include "readers/slice/preview_block.h"
 #include "readers/slice/run_length_preview.h"
+#include "readers/slice/slice_failures.h"
 #include "readers/slice/thumbnail_canvas.h"
 
 namespace zr
@@ -10,71 +9,33 @@ namespace zr
 namespace
 {
 
-using Rest = FailureLine::Rest;
-using Rules = PreviewBlockRules;
+constexpr ReadFailure kCannotOpen = cannotOpen(20);
+constexpr ReadFailure kHeadShort = readShort(29, "FdgHead_t read less", reason::kHeaderCut);
+constexpr ReadFailure kSecondHeadPastEnd = documentWrong(35, reason::kSecondPreviewPastEnd);
+constexpr PreviewFailures kPreviewFailures = previewFailures(
+    /* headShort */ 44, /* sizeWrong */ 52, /* dataOffsetWrong */ 73, /* dataShort */ 84, key::kPreview);
 
-constexpr char kDocumentWrong[] = "There is something wrong with the document";
-
-constexpr ReadFailure kCannotOpen{{20, "file open errr ", Rest::None, reason::kCannotBeOpened}, "openFileErr"};
-constexpr ReadFailure kHeadShort{{29, "FdgHead_t read less", Rest::PathOnNextLine, reason::kHeaderCut}, "fileReadLess"};
-constexpr ReadFailure kSecondHeadPastEnd{{35, kDocumentWrong, Rest::PathOnNextLine, reason::kSecondPreviewPastEnd},
-                                         "filePrevErr"};
-constexpr PreviewBlockRules kPreviewRules{
-    Rules::FirstCheck::Size,
-    Rules::ZeroDataOffset::IsAnOffset,
-    /* headShort */
-    {{44, "DlpPreviewHead_t read less", Rest::PathOnNextLine, reason::kPreviewHeaderCut}, "fileReadLess"},
-    /* sizeWrong */ {{52, kDocumentWrong, Rest::PathOnNextLine, reason::kPreviewSizeWrong}, "filePrevErr"},
-    /* dataOffsetWrong */ {{73, kDocumentWrong, Rest::PathOnNextLine, reason::kPixelsPastEnd}, "filePrevErr"},
-    /* dataShort */ {{84, "src_RGB_Buffer read less", Rest::PathOnNextLine, reason::kPreviewCut}, "filePrevErr"},
-};
-
-struct FdgHead_t {
-    using Block = LittleEndianBlock<216>;
-
-    explicit FdgHead_t(const Block& block)
-        : previewHeadOffset(block.field<qint32, 44>()), secondHeadOffset(block.field<qint32, 48>())
-    {
-    }
-
-    qint32 previewHeadOffset;
-    qint32 secondHeadOffset;
+struct FdgHead_t : LittleEndianBlock<216> {
+    qint32 previewHeadOffset() const { return field<qint32, 44>(); }
+    qint32 secondHeadOffset() const { return field<qint32, 48>(); }
 };
 
 } // namespace
 
 FailureLines FdgFileThumbnail::failures()
 {
-    return {kCannotOpen,
-            kHeadShort,
-            kSecondHeadPastEnd,
-            kPreviewRules.headShort,
-            kPreviewRules.sizeWrong,
-            kPreviewRules.dataOffsetWrong,
-            kPreviewRules.dataShort};
+    return kPreviewFailures.after({kCannotOpen, kHeadShort, kSecondHeadPastEnd});
 }
 
 void FdgFileThumbnail::readFile()
 {
-    m_image = QImage();
-    if (!m_file.isOpen() && !m_file.open(QIODevice::ReadOnly))
-        fail(kCannotOpen);
-
-    const auto head = readHead<FdgHead_t>(m_file);
-    if (!head)
-        fail(kHeadShort);
+    openFile(kCannotOpen);
+    const auto head = readHead<FdgHead_t>(kHeadShort);
     // Not the offset that is followed: files whose second one lies past the end count as damaged as a whole.
-    if (head->secondHeadOffset >= m_file.size())
+    if (head.secondHeadOffset() >= m_file.size())
         fail(kSecondHeadPastEnd);
-
-    const PreviewBlock preview = loadPreviewBlock(m_file, head->previewHeadOffset, kPreviewRules,
-                                                  [this](const ReadFailure& failure) { fail(failure); });
+    const PreviewBlock preview = loadPreviewBlock(head.previewHeadOffset(), kPreviewFailures);
     m_image = fittedToThumbnail(decodeRunLengthPreview(preview, PreviewShading::Dark, 0));
-}
-
-QImage FdgFileThumbnail::previewImage()
-{
-    return m_image;
 }
 
 } // namespace zr

@@ -1,8 +1,7 @@
 #include "readers/slice/gf_file_thumbnail.h"
 
-#include "core/reasons.h"
-#include "readers/slice/preview_block.h"
 #include "readers/slice/preview_shading.h"
+#include "readers/slice/slice_failures.h"
 #include "readers/slice/thumbnail_canvas.h"
 
 #include <new>
@@ -12,31 +11,14 @@ namespace zr
 namespace
 {
 
-using Rest = FailureLine::Rest;
-using Rules = PreviewBlockRules;
+constexpr ReadFailure kCannotOpen = cannotOpen(20);
+constexpr ReadFailure kHeadShort = readShort(29, "GfHead_t read less", reason::kHeaderCut);
+constexpr ReadFailure kPreviewPastEnd = documentWrong(36, reason::kPreviewPastEnd);
+constexpr PreviewFailures kPreviewFailures = previewFailures(
+    /* headShort */ 46, /* sizeWrong */ 54, /* dataOffsetWrong */ 75, /* dataShort */ 83, key::kReadShort);
 
-constexpr char kDocumentWrong[] = "There is something wrong with the document";
-
-constexpr ReadFailure kCannotOpen{{20, "file open errr ", Rest::None, reason::kCannotBeOpened}, "openFileErr"};
-constexpr ReadFailure kHeadShort{{29, "GfHead_t read less", Rest::PathOnNextLine, reason::kHeaderCut}, "fileReadLess"};
-constexpr ReadFailure kPreviewPastEnd{{36, kDocumentWrong, Rest::PathOnNextLine, reason::kPreviewPastEnd},
-                                      "filePrevErr"};
-constexpr PreviewBlockRules kPreviewRules{
-    Rules::FirstCheck::Size,
-    Rules::ZeroDataOffset::IsAnOffset,
-    /* headShort */
-    {{46, "DlpPreviewHead_t read less", Rest::PathOnNextLine, reason::kPreviewHeaderCut}, "fileReadLess"},
-    /* sizeWrong */ {{54, kDocumentWrong, Rest::PathOnNextLine, reason::kPreviewSizeWrong}, "filePrevErr"},
-    /* dataOffsetWrong */ {{75, kDocumentWrong, Rest::PathOnNextLine, reason::kPixelsPastEnd}, "filePrevErr"},
-    /* dataShort */ {{83, "src_RGB_Buffer read less", Rest::PathOnNextLine, reason::kPreviewCut}, "fileReadLess"},
-};
-
-struct GfHead_t {
-    using Block = LittleEndianBlock<216>;
-
-    explicit GfHead_t(const Block& block) : previewHeadOffset(block.field<qint32, 48>()) {}
-
-    qint32 previewHeadOffset;
+struct GfHead_t : LittleEndianBlock<216> {
+    qint32 previewHeadOffset() const { return field<qint32, 48>(); }
 };
 
 // One pixel as it is stored. Channels are meant to have 8 bits, but larger ones are taken as they come.
@@ -66,7 +48,7 @@ void setPixel(uchar* pixel, QRgb colour)
 }
 
 // The shaded picture in its own size. The pixel at (1, 1) has the background's colour; for those before it, the height
-// stands in. Pixels that the data does not reach stay background.
+// serves as that colour. Pixels that the data does not reach stay background.
 QImage shadedPicture(const PreviewBlock& preview)
 {
     const int width = preview.head.width;
@@ -100,35 +82,17 @@ QImage shadedPicture(const PreviewBlock& preview)
 
 FailureLines GfFileThumbnail::failures()
 {
-    return {kCannotOpen,
-            kHeadShort,
-            kPreviewPastEnd,
-            kPreviewRules.headShort,
-            kPreviewRules.sizeWrong,
-            kPreviewRules.dataOffsetWrong,
-            kPreviewRules.dataShort};
+    return kPreviewFailures.after({kCannotOpen, kHeadShort, kPreviewPastEnd});
 }
 
 void GfFileThumbnail::readFile()
 {
-    m_image = QImage();
-    if (!m_file.isOpen() && !m_file.open(QIODevice::ReadOnly))
-        fail(kCannotOpen);
-
-    const auto head = readHead<GfHead_t>(m_file);
-    if (!head)
-        fail(kHeadShort);
-    if (head->previewHeadOffset >= m_file.size())
+    openFile(kCannotOpen);
+    const auto head = readHead<GfHead_t>(kHeadShort);
+    if (head.previewHeadOffset() >= m_file.size())
         fail(kPreviewPastEnd);
-
-    const PreviewBlock preview = loadPreviewBlock(m_file, head->previewHeadOffset, kPreviewRules,
-                                                  [this](const ReadFailure& failure) { fail(failure); });
+    const PreviewBlock preview = loadPreviewBlock(head.previewHeadOffset(), kPreviewFailures);
     m_image = centredOnThumbnail(fittedToThumbnail(shadedPicture(preview)), previewBackground(PreviewShading::Dark));
-}
-
-QImage GfFileThumbnail::previewImage()
-{
-    return m_image;
 }
 
 } // namespace zr

@@ -4,12 +4,11 @@
 #include <QtEndian>
 
 #include <array>
-#include <optional>
 
 namespace zr
 {
 
-/// The bytes of one fixed-size header block with little-endian fields at fixed offsets.
+/// The bytes of one fixed-size header block with little-endian fields at fixed offsets. Headers derive from it.
 /// A field that would reach past the block does not compile.
 template <int Bytes>
 class LittleEndianBlock
@@ -28,16 +27,5 @@ public:
 private:
     std::array<char, Bytes> m_bytes{};
 };
-
-/// Reads a header at the file's current position. `Head` names its block's type as `Head::Block` and is built from one.
-/// Nothing when the file ends too early.
-template <typename Head>
-std::optional<Head> readHead(QFile& file)
-{
-    typename Head::Block block;
-    if (!block.readFrom(file))
-        return std::nullopt;
-    return Head(block);
-}
 
 } // namespace zr

@@ -1,34 +1,26 @@
 #include "readers/slice/photons_file_thumbnail.h"
 
-#include "core/reasons.h"
-#include "readers/slice/read_bytes.h"
+#include "readers/slice/slice_failures.h"
 #include "readers/slice/thumbnail_canvas.h"
 
-#include <QtEndian>
-
-#include <array>
 #include <limits>
 #include <new>
+#include <optional>
 
 namespace zr
 {
 namespace
 {
 
-using Rest = FailureLine::Rest;
-
-constexpr ReadFailure kCannotOpen{{23, "file open errr ", Rest::None, reason::kCannotBeOpened}, "openFileErr"};
-constexpr ReadFailure kLengthShort{{39, "file read less", Rest::PathOnNextLine, reason::kHeaderWrongOrCut},
-                                   "fileReadLess"};
-constexpr ReadFailure kVersionShort{{34, "file version read less", Rest::PathOnNextLine, reason::kHeaderCut},
-                                    "fileReadLess"};
-constexpr ReadFailure kHeadShort{{96, "file head read error", Rest::PathOnNextLine, reason::kHeaderCut}, "filePrevErr"};
-constexpr ReadFailure kPixelsShort{{48, "rgbBuf read less", Rest::PathOnNextLine, reason::kPreviewCutOrSizeWrong},
-                                   "fileReadLess"};
+constexpr ReadFailure kCannotOpen = cannotOpen(23);
+constexpr ReadFailure kLengthShort = readShort(39, "file read less", reason::kHeaderWrongOrCut);
+constexpr ReadFailure kVersionShort = readShort(34, "file version read less", reason::kHeaderCut);
+constexpr ReadFailure kHeadShort = previewWrong(96, "file head read error", reason::kHeaderCut);
+constexpr ReadFailure kPixelsShort = readShort(48, "rgbBuf read less", reason::kPreviewCutOrSizeWrong);
 
 constexpr int kPixelBytes = 2;
 
-// The big-endian values behind the version text, of which two are used.
+// The big-endian values after the version text, of which two are used.
 constexpr int kHeadValueBytes[] = {8, 8, 8, 8, 8, 4, 8, 8, 8, 8, 4, 4, 4, 4};
 constexpr int kWidthValue = 10;
 constexpr int kHeightValue = 12;
@@ -58,13 +50,13 @@ bool readHeadValues(QFile& file, PreviewSize& size)
     return true;
 }
 
-// False when the file does not hold the pixels, or when their bytes do not fit the format's signed 32-bit count.
-bool readPixels(QFile& file, const PreviewSize& size, std::vector<uchar>& pixels)
+// Empty when they do not fit the format's signed 32-bit count.
+std::optional<qint64> pixelBytes(const PreviewSize& size)
 {
-    const qint64 count = qint64{size.width} * size.height;
-    if (count < 0 || count > std::numeric_limits<qint32>::max() / kPixelBytes)
-        return false;
-    return count == 0 || readBytes(file, count * kPixelBytes, pixels);
+    const qint64 pixels = qint64{size.width} * size.height;
+    if (pixels < 0 || pixels > std::numeric_limits<qint32>::max() / kPixelBytes)
+        return std::nullopt;
+    return pixels * kPixelBytes;
 }
 
 QRgb pixelColour(const uchar* pixel)
@@ -98,38 +90,31 @@ FailureLines PhotonsFileThumbnail::failures()
 
 void PhotonsFileThumbnail::readFile()
 {
-    m_image = QImage();
-    if (!m_file.isOpen() && !m_file.open(QIODevice::ReadOnly))
-        fail(kCannotOpen);
-
+    openFile(kCannotOpen);
     std::array<char, 4> lengthField{};
     const bool hasLength = m_file.read(lengthField.data(), lengthField.size()) == qint64{lengthField.size()};
     const auto versionLength = qFromBigEndian<quint32>(lengthField.data());
     if (!hasLength || versionLength == 0)
         fail(kLengthShort);
-    // Nothing looks at the version text, and its length may say 4 GiB. A text that the file cuts short is one too.
+    // The version text is not used, and its length may be 4 GiB. A text that the file cuts short counts as one.
     if (m_file.skip(versionLength) <= 0)
         fail(kVersionShort);
 
     PreviewSize size;
     if (!readHeadValues(m_file, size))
         fail(kHeadShort);
-    std::vector<uchar> pixels;
-    if (!readPixels(m_file, size, pixels))
+    const auto bytes = pixelBytes(size);
+    if (!bytes)
         fail(kPixelsShort);
+    const std::vector<uchar> pixels = readBytes(*bytes, kPixelsShort);
     m_file.close();
 
     // The picture's margins take the colour of its pixel (1, 1), which is mostly background. Pictures without such a
-    // pixel have always got the bytes of the length field for a colour.
+    // pixel have always had the bytes of the length field as their colour.
     const QImage picture = decodedPicture(size, pixels);
     const bool hasMarginPixel = picture.width() > 1 && picture.height() > 1;
     const QRgb margin = hasMarginPixel ? picture.pixel(1, 1) : qFromLittleEndian<QRgb>(lengthField.data());
     m_image = centredOnThumbnail(fittedToThumbnail(picture), margin);
-}
-
-QImage PhotonsFileThumbnail::previewImage()
-{
-    return m_image;
 }
 
 } // namespace zr

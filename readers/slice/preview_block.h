@@ -1,9 +1,7 @@
 #pragma once
 
-#include "core/file_reader_base.h"
 #include "readers/slice/little_endian_block.h"
 
-#include <functional>
 #include <vector>
 
 namespace zr
@@ -14,7 +12,11 @@ struct DlpPreviewHead_t {
     using Block = LittleEndianBlock<32>;
 
     DlpPreviewHead_t() = default;
-    explicit DlpPreviewHead_t(const Block& block);
+    explicit DlpPreviewHead_t(const Block& block)
+        : width(block.field<qint32, 0>()), height(block.field<qint32, 4>()), dataOffset(block.field<qint32, 8>()),
+          dataSize(block.field<qint32, 12>())
+    {
+    }
 
     qint32 width = 0;      ///< pixels
     qint32 height = 0;     ///< pixels
@@ -29,26 +31,5 @@ struct PreviewBlock {
     DlpPreviewHead_t head;             ///< width and height are in 1..kMaxSidePx
     std::vector<uchar> src_RGB_Buffer; ///< head.dataSize bytes
 };
-
-/// What differs between the formats that embed a preview block.
-struct PreviewBlockRules {
-    enum class FirstCheck { Size, DataOffset };
-    enum class ZeroDataOffset { IsAnOffset, MeansNoPreview };
-
-    FirstCheck firstCheck;
-    ZeroDataOffset zeroDataOffset;
-    ReadFailure headShort;
-    ReadFailure sizeWrong;
-    ReadFailure dataOffsetWrong;
-    ReadFailure dataShort;
-};
-
-/// Reads and checks the preview block whose header lies at `headOffset`, then closes the file.
-///
-/// Negative offsets are taken as they come: seeking to one fails, and reading goes on where the file stands.
-/// Calls `fail`, which must throw, for what `rules` lists, and leaves the file open then. Throws std::bad_alloc for a
-/// negative data size.
-PreviewBlock loadPreviewBlock(QFile& file, qint64 headOffset, const PreviewBlockRules& rules,
-                              const std::function<void(const ReadFailure&)>& fail);
 
 } // namespace zr

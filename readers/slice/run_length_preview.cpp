@@ -15,7 +15,7 @@ constexpr quint16 kRunFlag = 0x0020;
 constexpr quint16 kRunCountMask = 0x0FFF;
 constexpr std::ptrdiff_t kBytesPerPixel = 3;
 
-// A pixel as it stands in the canvas. The padding lets one store of four bytes write a pixel that another one follows.
+// A pixel as the canvas stores it. The padding lets one store of four bytes write a pixel that another one follows.
 struct Rgb888 {
     explicit Rgb888(QRgb colour = 0)
         : bytes{static_cast<uchar>(qRed(colour)), static_cast<uchar>(qGreen(colour)), static_cast<uchar>(qBlue(colour))}
@@ -104,7 +104,7 @@ public:
         m_pixelsOnCanvas = static_cast<quint32>(width * (canvas.height() - y));
     }
 
-    // The longest span that starts at the current position; never empty.
+    // The maximal span that starts at the current position; never empty.
     Span span() const
     {
         if (m_position >= m_pixelsOnCanvas)
@@ -140,7 +140,7 @@ void paintRun(Pen& pen, const Rgb888& colour, quint32 pixels)
     }
 }
 
-// Paints the single-pixel words from word `i` on, at most to the end of the row, and returns the next word's index.
+// Paints the single-pixel words from word `i` on, up to the end of the row, and returns the next word's index.
 std::size_t paintSinglePixels(Pen& pen, const WordColours& colours, const ColourWords& words, std::size_t i)
 {
     const Span span = pen.span();

@@ -10,7 +10,7 @@ namespace zr
 
 /// Decodes run-length coded 16-bit colour words onto a square canvas in QImage::Format_RGB888.
 ///
-/// The canvas' side is the largest of width, height and `minimumSide`; the picture lies in its middle. Pixels that the
+/// The canvas' side is the maximum of width, height and `minimumSide`; the picture lies in its middle. Pixels that the
 /// data does not paint stay in the background colour, and pixels past the picture's last row go on below it as far as
 /// the canvas reaches. `block` must come from loadPreviewBlock(). Throws std::bad_alloc when the canvas does not fit
 /// into memory.

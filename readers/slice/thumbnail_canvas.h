@@ -8,7 +8,7 @@ namespace zr
 /// Side of the square picture that a slice reader makes, in pixels.
 constexpr int kThumbnailSidePx = 400;
 
-/// The picture scaled, without smoothing, to the largest size that fits the thumbnail with its aspect ratio. A null
+/// The picture scaled, without smoothing, to the maximum size that fits the thumbnail with its aspect ratio. A null
 /// picture stays null. Throws std::bad_alloc when there is no memory.
 QImage fittedToThumbnail(const QImage& picture);
 
