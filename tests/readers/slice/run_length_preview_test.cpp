@@ -38,7 +38,7 @@ QImage decoded(qint32 width, qint32 height, const QByteArray& data, Scheme schem
     return decodeRunLengthPreview(block(width, height, data), shading, minimumSide);
 }
 
-// The colour of the first of `count` pixels that `words` paint behind the key word 0x0001.
+// The colour of the first of `count` pixels that `words` paint after the key word 0x0001.
 QRgb secondPixel(Scheme scheme, std::initializer_list<quint16> words)
 {
     return decoded(2, 1, wordBytes({0x0001}) + wordBytes(words), scheme).pixel(1, 0);
@@ -220,7 +220,7 @@ TEST(RunLengthPreviewTest, SinglePixelsGoOnOverTheWrap)
     EXPECT_EQ(canvas.pixel(2, 1), kDarkBackground);
 }
 
-TEST(RunLengthPreviewTest, LargestPreview)
+TEST(RunLengthPreviewTest, PreviewOfMaxSize)
 {
     const QImage canvas = decoded(10000, 10000, wordBytes({0x0000, 0xF800}));
     ASSERT_EQ(canvas.size(), QSize(10000, 10000));

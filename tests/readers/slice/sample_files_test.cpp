@@ -19,17 +19,7 @@ namespace zr::test
 namespace
 {
 
-class SampleFilesTest : public SliceReaderTest
-{
-protected:
-    using PictureOf = std::function<QImage(const QByteArray&)>;
-
-    template <typename Reader>
-    PictureOf with()
-    {
-        return [this](const QByteArray& bytes) { return pictureOf<Reader>(bytes); };
-    }
-};
+using SampleFilesTest = SliceReaderTest;
 
 bool isOneColour(const QImage& picture)
 {
@@ -40,14 +30,14 @@ bool isOneColour(const QImage& picture)
 
 TEST_F(SampleFilesTest, EachSuffixHasASampleAndEachSampleAPicture)
 {
-    const std::map<QString, PictureOf> readers = {
-        {"vrx", with<VrxFileThumbnail>()},
-        {"vrxdlp", with<VrxFileThumbnail>()},
-        {"kestravo", with<KestravoFileThumbnail>()},
-        {"fdg", with<FdgFileThumbnail>()},
-        {"gf", with<GfFileThumbnail>()},
-        {"photons", with<PhotonsFileThumbnail>()},
-        {"svgx", with<SvgxFileThumbnail>()},
+    const std::map<QString, MakeReader> readers = {
+        {"vrx", make<VrxFileThumbnail>},
+        {"vrxdlp", make<VrxFileThumbnail>},
+        {"kestravo", make<KestravoFileThumbnail>},
+        {"fdg", make<FdgFileThumbnail>},
+        {"gf", make<GfFileThumbnail>},
+        {"photons", make<PhotonsFileThumbnail>},
+        {"svgx", make<SvgxFileThumbnail>},
     };
     QSet<QString> suffixes;
     for (const auto& sample : samples::sampleFiles()) {
@@ -55,7 +45,7 @@ TEST_F(SampleFilesTest, EachSuffixHasASampleAndEachSampleAPicture)
         const auto reader = readers.find(suffix);
         if (reader == readers.end())
             continue;
-        const QImage picture = reader->second(sample.make());
+        const QImage picture = pictureOf(reader->second, sample.make());
         EXPECT_GE(picture.width(), 400) << sample.name;
         EXPECT_FALSE(isOneColour(picture)) << sample.name;
         suffixes.insert(suffix);
