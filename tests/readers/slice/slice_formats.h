@@ -76,6 +76,17 @@ QImage darkPicture(const samples::PreviewParts& preview);
 /// The picture of the preview in a gf file.
 QImage channelPicture(const samples::PreviewParts& preview);
 
+// GoogleTest reports formats by name.
+inline void PrintTo(const SliceFormat& format, std::ostream* out)
+{
+    *out << format.name;
+}
+
+inline void PrintTo(const PreviewFormat& format, std::ostream* out)
+{
+    *out << format.name;
+}
+
 /// The name of a test's parameter.
 template <typename Format>
 std::string formatName(const ::testing::TestParamInfo<Format>& test)
