@@ -3,6 +3,7 @@
 #include "render/offscreen_renderer.h"
 
 #include "core/log_file.h"
+#include "render/camera.h"
 
 #include <QOpenGLShaderProgram>
 
@@ -32,8 +33,6 @@ constexpr GLuint kNormalAttribute = 1;
 constexpr int kFloatsPerVector = 3;
 constexpr GLsizei kPlainStrideBytes = 2 * kFloatsPerVector * static_cast<GLsizei>(sizeof(float));
 constexpr quintptr kNormalOffsetBytes = kFloatsPerVector * sizeof(float);
-
-const QVector3D kLightPosition(-500.0F, 0.0F, 700.0F);
 
 void require(bool isDone, const QOpenGLShaderProgram& program, const ShaderFailure& failure)
 {

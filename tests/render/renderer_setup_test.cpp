@@ -1,29 +1,16 @@
 // What a construction that succeeded leaves behind: context, program, vertex layout, camera.
 
+#include "render/camera.h"
 #include "tests/render/renderer_under_test.h"
 #include "tests/support/data_folder_fixture.h"
 #include "tests/support/qt_printers.h"
 
 #include <array>
-#include <cmath>
 
 namespace zr::test
 {
 namespace
 {
-
-using Rows = std::array<std::array<double, 4>, 4>;
-
-constexpr double kPi = 3.14159265358979323846;
-
-void expectMatrix(const QMatrix4x4& actual, const Rows& expected)
-{
-    for (int row = 0; row < 4; ++row)
-        for (int column = 0; column < 4; ++column)
-            EXPECT_NEAR(actual(row, column),
-                        expected.at(static_cast<std::size_t>(row)).at(static_cast<std::size_t>(column)), 1e-6)
-                << "row " << row << ", column " << column;
-}
 
 class RendererSetupTest : public DataFolderTest
 {
@@ -124,35 +111,18 @@ INSTANTIATE_TEST_SUITE_P(Versions, RenderFormatTest,
                                            FormatCase{0x46, true, 4, 6, QSurfaceFormat::CoreProfile}),
                          [](const auto& row) { return "Code" + std::to_string(row.param.versionCode); });
 
-TEST_F(RendererSetupTest, PerspectiveCamera)
+TEST_F(RendererSetupTest, CameraIsThatOfThePicture)
 {
-    const RendererUnderTest renderer(true);
-    EXPECT_TRUE(renderer.m_perspective);
-    EXPECT_EQ(renderer.m_size, QSize(400, 400));
-    const double zoom = 1.0 / std::tan(kPi / 8.0);
-    const double depth = 1000.0 - 0.01;
-    expectMatrix(renderer.m_projection, {{{zoom, 0, 0, 0},
-                                          {0, zoom, 0, 0},
-                                          {0, 0, -(1000.0 + 0.01) / depth, -2.0 * 1000.0 * 0.01 / depth},
-                                          {0, 0, -1, 0}}});
-    const double c = std::cos(41.5 * kPi / 180.0);
-    const double s = std::sin(41.5 * kPi / 180.0);
-    const double root = std::sqrt(0.75);
-    expectMatrix(renderer.m_rotation,
-                 {{{c, -s, 0, 0}, {0.5 * s, 0.5 * c, root, 0}, {-root * s, -root * c, 0.5, 0}, {0, 0, 0, 1}}});
-    expectMatrix(renderer.m_view, {{{1, 0, 0, 0}, {0, 1, 0, 0}, {0, 0, 1, -2.3}, {0, 0, 0, 1}}});
-    EXPECT_TRUE(renderer.m_model.isIdentity());
-}
-
-TEST_F(RendererSetupTest, OrthographicCamera)
-{
-    const RendererUnderTest renderer(false);
-    EXPECT_FALSE(renderer.m_perspective);
-    EXPECT_EQ(renderer.m_size, QSize(400, 400));
-    expectMatrix(renderer.m_projection,
-                 {{{1, 0, 0, 0}, {0, 1, 0, 0}, {0, 0, -400.0 / 1100.0, -900.0 / 1100.0}, {0, 0, 0, 1}}});
-    expectMatrix(renderer.m_rotation, {{{1, 0, 0, 0}, {0, 0, 1, 0}, {0, -1, 0, 0}, {0, 0, 0, 1}}});
-    expectMatrix(renderer.m_view, {{{1, 0, 0, 0}, {0, 1, 0, 0}, {0, 0, 1, -2.3}, {0, 0, 0, 1}}});
+    for (const bool isPerspective : {true, false}) {
+        const RendererUnderTest renderer(isPerspective);
+        const Camera camera = makeCamera({400, 400}, isPerspective);
+        EXPECT_EQ(renderer.m_perspective, isPerspective);
+        EXPECT_EQ(renderer.m_size, QSize(400, 400));
+        EXPECT_EQ(renderer.m_projection, camera.projection);
+        EXPECT_EQ(renderer.m_rotation, camera.rotation);
+        EXPECT_EQ(renderer.m_view, camera.view);
+        EXPECT_TRUE(renderer.m_model.isIdentity());
+    }
 }
 
 TEST_F(RendererSetupTest, ViewportAndClearColour)
