@@ -1,5 +1,6 @@
 #include "render/offscreen_renderer.h"
 
+#include "core/log_contract.h"
 #include "core/log_file.h"
 #include "render/renderer_failures.h"
 
@@ -15,11 +16,6 @@ namespace zr
 {
 namespace
 {
-
-constexpr int kLineProbeWithoutContext = 46;
-constexpr int kLineNoFunctions = 238;
-constexpr int kLineContextFailed = 241;
-constexpr int kLineContextFailedThrow = 242;
 
 /// Held while contexts and surfaces are made or destroyed. Where Qt has no other offscreen surface it takes a hidden
 /// window, and its platform plug-in for Windows keeps the window that is being made in one variable for all threads.
@@ -74,7 +70,7 @@ OffscreenRenderer::OffscreenRenderer(bool perspective, Pipeline pipeline, const 
         setupShaders(texts);
         setupCamera(kPictureSidePx, kPictureSidePx, m_perspective);
     } catch (const QString& key) {
-        logLine(kRendererConstructionFailed, key);
+        logLine(kRendererNotMade, key);
         m_valid = false;
     }
 }
@@ -132,12 +128,12 @@ void OffscreenRenderer::createContext()
     m_surface = std::make_unique<QOffscreenSurface>();
     try {
         createRenderContext();
-    } catch (const QString& key) {
+    } catch (const QString& cause) {
         // The probe stays for good: it may be current, and an OpenGL in this state is best not touched again.
         static_cast<void>(probeContext.release());
         static_cast<void>(probeSurface.release());
-        logLine(kLineContextFailed, key);
-        throwKey(kLineContextFailedThrow, "openGLContextErr");
+        logLine(line::kContextFailed, cause);
+        throwKey(line::kContextFailedThrow, key::kContext);
     }
     probeContext.reset();
     probeSurface.reset();
@@ -169,7 +165,7 @@ QSurfaceFormat OffscreenRenderer::renderFormat(const GlslInfo& glsl)
 QOpenGLFunctions* OffscreenRenderer::requireFunctions(QOpenGLFunctions* functions)
 {
     if (!functions)
-        throwKey(kLineNoFunctions, "openFunNotVaild");
+        throwKey(line::kNoFunctions, key::kNoFunctions);
     return functions;
 }
 
@@ -178,7 +174,7 @@ void OffscreenRenderer::probeGlsl()
 {
     const QOpenGLContext* context = QOpenGLContext::currentContext();
     if (!context)
-        throwKey(kLineProbeWithoutContext, "not has opengl context");
+        throwKey(line::kProbeWithoutContext, key::kNoContext);
     const int contextCode = versionCodeOf(context->format());
     m_glsl.versionCode = contextCode;
     m_glsl.modernSyntax = false;

@@ -2,6 +2,7 @@
 
 #include "render/offscreen_renderer.h"
 
+#include "core/log_contract.h"
 #include "core/log_file.h"
 #include "render/camera.h"
 #include "render/renderer_failures.h"
@@ -14,8 +15,6 @@ namespace zr
 {
 namespace
 {
-
-constexpr int kLineRenderFailed = 190;
 
 constexpr int kFloatsPerPosition = 3;
 constexpr int kFloatsPerPositionAndNormal = 6;
@@ -42,12 +41,12 @@ QImage OffscreenRenderer::render(const TriangleChunks& chunks, const float* min,
     try {
         if (chunks.isEmpty()) {
             logLine(kNothingToDraw);
-            throw QStringLiteral("renderListZero");
+            throw QString::fromLatin1(key::kNothingToRender);
         }
         draw(chunks);
         return m_valid && m_fbo ? m_fbo->toImage() : QImage();
     } catch (const QString& key) {
-        logLine(kLineRenderFailed, key);
+        logLine(line::kRenderFailed, key);
         return {};
     }
 }
@@ -83,7 +82,7 @@ void OffscreenRenderer::drawChunk(const QVector<float>& chunk)
     // Among others this fails in a renderer whose context is no longer the current one.
     if (!m_vbo.bind()) {
         logLine(kBufferNotBound);
-        throwKey(kBufferNotBound.number + 1, "vboBindErrInRender");
+        throwKey(kBufferNotBound.number + 1, key::kBufferBind);
     }
     // No overflow: Qt's vectors hold less than 2 GiB.
     m_vbo.allocate(chunk.constData(), chunk.size() * static_cast<int>(sizeof(float)));

@@ -2,6 +2,7 @@
 
 #include "render/offscreen_renderer.h"
 
+#include "core/log_contract.h"
 #include "core/log_file.h"
 #include "render/camera.h"
 
@@ -12,21 +13,18 @@ namespace zr
 namespace
 {
 
-constexpr int kLineGeometryVertexRetry = 256;
-constexpr int kLineGeometryVertexFailed = 260;
-
 /// A step that cannot go on: the program's log is written with `number`, the " throw " line with the number after it.
 struct ShaderFailure {
     int number;
     const char* key;
 };
 
-constexpr ShaderFailure kGeometryFailed = {266, "geometryShaderErr"};
-constexpr ShaderFailure kGeometryFragmentFailed = {272, "fragmentShaderErr"};
-constexpr ShaderFailure kPlainVertexFailed = {278, "vertexShaderErr"};
-constexpr ShaderFailure kPlainFragmentFailed = {284, "fragmentShaderErr"};
-constexpr ShaderFailure kLinkFailed = {296, "shaderLinkErr"};
-constexpr ShaderFailure kBindFailed = {302, "shaderBindErr"};
+constexpr ShaderFailure kGeometryFailed = {line::kGeometryFailed, key::kGeometryShader};
+constexpr ShaderFailure kGeometryFragmentFailed = {line::kGeometryFragmentFailed, key::kFragmentShader};
+constexpr ShaderFailure kPlainVertexFailed = {line::kPlainVertexFailed, key::kVertexShader};
+constexpr ShaderFailure kPlainFragmentFailed = {line::kPlainFragmentFailed, key::kFragmentShader};
+constexpr ShaderFailure kLinkFailed = {line::kLinkFailed, key::kShaderLink};
+constexpr ShaderFailure kBindFailed = {line::kBindFailed, key::kShaderBind};
 
 constexpr GLuint kVertexAttribute = 0;
 constexpr GLuint kNormalAttribute = 1;
@@ -58,12 +56,12 @@ bool OffscreenRenderer::addShader(QOpenGLShader::ShaderType type, const QString&
 void OffscreenRenderer::addGeometryPipelineShaders(const ShaderTexts& texts)
 {
     if (!addShader(QOpenGLShader::Vertex, prepareShaderSource(texts.geometryVertex, true))) {
-        logLine(kLineGeometryVertexRetry, m_program->log());
+        logLine(line::kGeometryVertexRetry, m_program->log());
         QString source = prepareShaderSource(texts.geometryVertex, true);
         source.remove(QStringLiteral("vec4 gl_Position;"));
         if (!addShader(QOpenGLShader::Vertex, source)) {
-            logLine(kLineGeometryVertexFailed, m_program->log());
-            throw QStringLiteral("vertexShaderErr");
+            logLine(line::kGeometryVertexFailed, m_program->log());
+            throw QString::fromLatin1(key::kVertexShader);
         }
     }
     require(addShader(QOpenGLShader::Geometry, prepareShaderSource(texts.geometry, true)), *m_program, kGeometryFailed);
