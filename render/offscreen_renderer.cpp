@@ -2,58 +2,21 @@
 
 #include "core/log_contract.h"
 #include "core/log_file.h"
+#include "render/camera.h"
 #include "render/renderer_failures.h"
 
-#include <QGuiApplication>
 #include <QOffscreenSurface>
 #include <QOpenGLContext>
 #include <QOpenGLFramebufferObject>
 #include <QOpenGLShaderProgram>
-
-#include <mutex>
 
 namespace zr
 {
 namespace
 {
 
-/// Held while contexts and surfaces are made or destroyed. Where Qt has no other offscreen surface it takes a hidden
-/// window, and its platform plug-in for Windows keeps the window that is being made in one variable for all threads.
-/// Never destroyed, and made at its first use: loading the DLL runs no code.
-std::mutex& windowSystemMutex()
-{
-    static auto* const mutex = new std::mutex;
-    return *mutex;
-}
-
-/// The first OpenGL version whose GLSL has "in" and "out", and which knows core profiles.
-constexpr int kFirstModernVersion = 0x30;
-
-/// Without one, Qt crashes where it is asked for a context, and without a screen it ends the process where it is asked
-/// for a surface. A host that made an application object without windows has none.
-bool hasPlatform()
-{
-    return qobject_cast<QGuiApplication*>(QCoreApplication::instance()) && QGuiApplication::primaryScreen();
-}
-
-struct GlslVersionRow {
-    int versionCode; ///< as GlslInfo::versionCode
-    const char* glsl;
-    bool compiled;
-};
-
-struct GlslVersionTable {
-    GlslVersionRow rows[13] = {
-        {0x20, "110", false}, {0x21, "120", false}, {0x30, "130", false}, {0x31, "140", false}, {0x32, "150", false},
-        {0x33, "330", false}, {0x40, "400", false}, {0x41, "410", false}, {0x42, "420", false}, {0x43, "430", false},
-        {0x44, "440", false}, {0x45, "450", false}, {0x46, "460", false},
-    };
-};
-
-int versionCodeOf(const QSurfaceFormat& format)
-{
-    return format.majorVersion() * 16 + format.minorVersion();
-}
+constexpr int kFloatsPerPosition = 3;
+constexpr int kFloatsPerPositionAndNormal = 6;
 
 } // namespace
 
@@ -85,12 +48,7 @@ OffscreenRenderer::~OffscreenRenderer()
     if (m_program && m_program->isLinked() && isContextCurrent)
         m_program->release();
     m_program.reset();
-    const std::lock_guard<std::mutex> guard(windowSystemMutex());
-    if (m_surface)
-        m_surface->destroy();
-    m_surface.reset();
-    // The buffer and the vertex array outlive the context: Qt detaches them from it as it goes.
-    m_context.reset();
+    destroyContext();
 }
 
 bool OffscreenRenderer::usesGeometryShader() const
@@ -105,100 +63,74 @@ bool OffscreenRenderer::canCallGl() const
     return m_functions && m_context->surface() && QOpenGLContext::currentContext();
 }
 
-void OffscreenRenderer::createContext()
+void OffscreenRenderer::setupCamera(int width, int height, bool perspective)
 {
-    const std::lock_guard<std::mutex> guard(windowSystemMutex());
-    std::unique_ptr<QOpenGLContext> probeContext;
-    if (hasPlatform()) {
-        probeContext = std::make_unique<QOpenGLContext>();
-        probeContext->create();
+    m_perspective = perspective;
+    m_size = QSize(width, height);
+    const Camera camera = makeCamera(m_size, m_perspective);
+    m_projection = camera.projection;
+    m_rotation = camera.rotation;
+    m_view = camera.view;
+    if (m_functions) {
+        m_functions->glViewport(0, 0, width, height);
+        m_functions->glClearColor(1.0F, 1.0F, 1.0F, 0.0F);
     }
-    if (!probeContext || !probeContext->isValid()) {
-        logLine(kContextNotValid);
-        return;
-    }
-    auto probeSurface = std::make_unique<QOffscreenSurface>();
-    probeSurface->create();
-    if (!probeSurface->isValid()) {
-        logLine(kSurfaceNotValid);
-        return;
-    }
-    probeContext->makeCurrent(probeSurface.get());
-    m_context = std::make_unique<QOpenGLContext>();
-    m_surface = std::make_unique<QOffscreenSurface>();
+}
+
+QImage OffscreenRenderer::render(const TriangleChunks& chunks, const float* min, const float* max)
+{
+    m_model = unitBoxMatrix(min, max);
     try {
-        createRenderContext();
-    } catch (const QString& cause) {
-        // The probe stays for good: it may be current, and an OpenGL in this state is best not touched again.
-        static_cast<void>(probeContext.release());
-        static_cast<void>(probeSurface.release());
-        logLine(line::kContextFailed, cause);
-        throwKey(line::kContextFailedThrow, key::kContext);
-    }
-    probeContext.reset();
-    probeSurface.reset();
-}
-
-/// Expects the probe's context to be current and leaves the render context current.
-void OffscreenRenderer::createRenderContext()
-{
-    probeGlsl();
-    // A step that fails here shows as a vertex shader that does not compile.
-    m_context->setFormat(renderFormat(m_glsl));
-    m_context->create();
-    m_surface->create();
-    m_context->makeCurrent(m_surface.get());
-    m_functions = requireFunctions(m_context->functions());
-    if (QOpenGLContext::currentContext())
-        m_functions->initializeOpenGLFunctions();
-}
-
-QSurfaceFormat OffscreenRenderer::renderFormat(const GlslInfo& glsl)
-{
-    QSurfaceFormat format;
-    format.setMajorVersion(glsl.versionCode / 16);
-    format.setMinorVersion(glsl.versionCode % 16);
-    format.setProfile(glsl.modernSyntax ? QSurfaceFormat::CoreProfile : QSurfaceFormat::CompatibilityProfile);
-    return format;
-}
-
-QOpenGLFunctions* OffscreenRenderer::requireFunctions(QOpenGLFunctions* functions)
-{
-    if (!functions)
-        throwKey(line::kNoFunctions, key::kNoFunctions);
-    return functions;
-}
-
-/// Finds the highest GLSL level of the current context that compiles a trivial vertex shader.
-void OffscreenRenderer::probeGlsl()
-{
-    const QOpenGLContext* context = QOpenGLContext::currentContext();
-    if (!context)
-        throwKey(line::kProbeWithoutContext, key::kNoContext);
-    const int contextCode = versionCodeOf(context->format());
-    m_glsl.versionCode = contextCode;
-    m_glsl.modernSyntax = false;
-    m_glsl.gpuShader4 = false;
-    m_glsl.glslVersion = QString();
-
-    QOpenGLShader shader(QOpenGLShader::Vertex);
-    GlslVersionTable table;
-    for (auto row = std::rbegin(table.rows); row != std::rend(table.rows); ++row) {
-        if (row->versionCode > contextCode)
-            continue;
-        const QString glsl = QString::fromLatin1(row->glsl);
-        row->compiled = shader.compileSourceCode(QStringLiteral("#version %1\nvoid main(){}").arg(glsl));
-        if (row->compiled) {
-            m_glsl.modernSyntax = row->versionCode >= kFirstModernVersion;
-            m_glsl.versionCode = row->versionCode;
-            m_glsl.glslVersion = glsl;
-            break;
+        if (chunks.isEmpty()) {
+            logLine(kNothingToDraw);
+            throw QString::fromLatin1(key::kNothingToRender);
         }
+        draw(chunks);
+        return m_valid && m_fbo ? m_fbo->toImage() : QImage();
+    } catch (const QString& key) {
+        logLine(line::kRenderFailed, key);
+        return {};
     }
-    if (!m_glsl.modernSyntax && !m_glsl.glslVersion.isEmpty())
-        m_glsl.gpuShader4 =
-            shader.compileSourceCode(QStringLiteral("#version %1\n#extension GL_EXT_gpu_shader4:require\nvoid main(){}")
-                                         .arg(m_glsl.glslVersion));
+}
+
+void OffscreenRenderer::draw(const TriangleChunks& chunks)
+{
+    if (!canCallGl())
+        return;
+    if (m_fbo)
+        m_fbo->release();
+    m_fbo.reset();
+    m_fbo = std::make_unique<QOpenGLFramebufferObject>(m_size, QOpenGLFramebufferObject::CombinedDepthStencil,
+                                                       GL_TEXTURE_2D, 0);
+    m_fbo->bind();
+
+    m_functions->glBlendFunc(GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA);
+    m_functions->glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT);
+    m_functions->glEnable(GL_DEPTH_TEST);
+    m_functions->glEnable(GL_CULL_FACE);
+
+    const QOpenGLVertexArrayObject::Binder binder(&m_vao);
+    m_program->bind();
+    const Camera camera = {m_projection, m_rotation, m_view};
+    m_program->setUniformValue(m_mvpLoc, camera.mvpMatrix());
+    m_program->setUniformValue(m_normalMatrixLoc, camera.normalMatrix());
+    m_program->setUniformValue(m_modelMatrixLoc, m_model);
+    for (const QVector<float>* chunk : chunks)
+        drawChunk(*chunk);
+}
+
+void OffscreenRenderer::drawChunk(const QVector<float>& chunk)
+{
+    // Among others this fails in a renderer whose context is no longer the current one.
+    if (!m_vbo.bind()) {
+        logLine(kBufferNotBound);
+        throwKey(kBufferNotBound.number + 1, key::kBufferBind);
+    }
+    // No overflow: Qt's vectors hold less than 2 GiB.
+    m_vbo.allocate(chunk.constData(), chunk.size() * static_cast<int>(sizeof(float)));
+    const int floatsPerVertex = m_useGeometryShader ? kFloatsPerPosition : kFloatsPerPositionAndNormal;
+    m_functions->glDrawArrays(GL_TRIANGLES, 0, chunk.size() / floatsPerVertex);
+    m_vbo.release();
 }
 
 } // namespace zr

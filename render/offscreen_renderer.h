@@ -62,13 +62,13 @@ protected:
     void setupShaders(const ShaderTexts& texts);
     void setupCamera(int width, int height, bool perspective);
 
-    // Parts of createContext().
+    // Steps of createContext().
     void createRenderContext();
     void probeGlsl();
     static QSurfaceFormat renderFormat(const GlslInfo& glsl);
     static QOpenGLFunctions* requireFunctions(QOpenGLFunctions* functions);
 
-    // Parts of setupShaders().
+    // Steps of setupShaders().
     void bindProgram();
 
     QString prepareShaderSource(const char* text, bool isVertex) const;
@@ -96,6 +96,8 @@ protected:
 
 private:
     bool canCallGl() const;
+    void destroyContext();
+    void requireStep(bool isDone, int lineNumber, const char* errorKey) const;
     bool addShader(QOpenGLShader::ShaderType type, const QString& source);
     void addGeometryPipelineShaders(const ShaderTexts& texts);
     void addPlainPipelineShaders(const ShaderTexts& texts);

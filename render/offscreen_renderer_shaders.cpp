@@ -13,32 +13,11 @@ namespace zr
 namespace
 {
 
-/// A step that cannot go on: the program's log is written with `number`, the " throw " line with the number after it.
-struct ShaderFailure {
-    int number;
-    const char* key;
-};
-
-constexpr ShaderFailure kGeometryFailed = {line::kGeometryFailed, key::kGeometryShader};
-constexpr ShaderFailure kGeometryFragmentFailed = {line::kGeometryFragmentFailed, key::kFragmentShader};
-constexpr ShaderFailure kPlainVertexFailed = {line::kPlainVertexFailed, key::kVertexShader};
-constexpr ShaderFailure kPlainFragmentFailed = {line::kPlainFragmentFailed, key::kFragmentShader};
-constexpr ShaderFailure kLinkFailed = {line::kLinkFailed, key::kShaderLink};
-constexpr ShaderFailure kBindFailed = {line::kBindFailed, key::kShaderBind};
-
 constexpr GLuint kVertexAttribute = 0;
 constexpr GLuint kNormalAttribute = 1;
 constexpr int kFloatsPerVector = 3;
 constexpr GLsizei kPlainStrideBytes = 2 * kFloatsPerVector * static_cast<GLsizei>(sizeof(float));
 constexpr quintptr kNormalOffsetBytes = kFloatsPerVector * sizeof(float);
-
-void require(bool isDone, const QOpenGLShaderProgram& program, const ShaderFailure& failure)
-{
-    if (isDone)
-        return;
-    logLine(failure.number, program.log());
-    throwKey(failure.number + 1, failure.key);
-}
 
 } // namespace
 
@@ -53,6 +32,15 @@ bool OffscreenRenderer::addShader(QOpenGLShader::ShaderType type, const QString&
     return canCallGl() && m_program->addCacheableShaderFromSourceCode(type, source);
 }
 
+/// Logs the program's log under `lineNumber` and throws `errorKey` under the next one when the step has failed.
+void OffscreenRenderer::requireStep(bool isDone, int lineNumber, const char* errorKey) const
+{
+    if (isDone)
+        return;
+    logLine(lineNumber, m_program->log());
+    throwKey(lineNumber + 1, errorKey);
+}
+
 void OffscreenRenderer::addGeometryPipelineShaders(const ShaderTexts& texts)
 {
     if (!addShader(QOpenGLShader::Vertex, prepareShaderSource(texts.geometryVertex, true))) {
@@ -64,17 +52,18 @@ void OffscreenRenderer::addGeometryPipelineShaders(const ShaderTexts& texts)
             throw QString::fromLatin1(key::kVertexShader);
         }
     }
-    require(addShader(QOpenGLShader::Geometry, prepareShaderSource(texts.geometry, true)), *m_program, kGeometryFailed);
-    require(addShader(QOpenGLShader::Fragment, prepareShaderSource(texts.fragment, false)), *m_program,
-            kGeometryFragmentFailed);
+    requireStep(addShader(QOpenGLShader::Geometry, prepareShaderSource(texts.geometry, true)), line::kGeometryFailed,
+                key::kGeometryShader);
+    requireStep(addShader(QOpenGLShader::Fragment, prepareShaderSource(texts.fragment, false)),
+                line::kGeometryFragmentFailed, key::kFragmentShader);
 }
 
 void OffscreenRenderer::addPlainPipelineShaders(const ShaderTexts& texts)
 {
-    require(addShader(QOpenGLShader::Vertex, prepareShaderSource(texts.plainVertex, true)), *m_program,
-            kPlainVertexFailed);
-    require(addShader(QOpenGLShader::Fragment, prepareShaderSource(texts.fragment, false)), *m_program,
-            kPlainFragmentFailed);
+    requireStep(addShader(QOpenGLShader::Vertex, prepareShaderSource(texts.plainVertex, true)),
+                line::kPlainVertexFailed, key::kVertexShader);
+    requireStep(addShader(QOpenGLShader::Fragment, prepareShaderSource(texts.fragment, false)),
+                line::kPlainFragmentFailed, key::kFragmentShader);
 }
 
 void OffscreenRenderer::setupShaders(const ShaderTexts& texts)
@@ -88,7 +77,7 @@ void OffscreenRenderer::setupShaders(const ShaderTexts& texts)
     m_program->bindAttributeLocation("vertex", kVertexAttribute);
     if (!m_useGeometryShader)
         m_program->bindAttributeLocation("normal", kNormalAttribute);
-    require(m_program->link(), *m_program, kLinkFailed);
+    requireStep(m_program->link(), line::kLinkFailed, key::kShaderLink);
     bindProgram();
 
     m_mvpLoc = m_program->uniformLocation("mvpMatrix");
@@ -103,7 +92,7 @@ void OffscreenRenderer::setupShaders(const ShaderTexts& texts)
 
 void OffscreenRenderer::bindProgram()
 {
-    require(m_program->bind(), *m_program, kBindFailed);
+    requireStep(m_program->bind(), line::kBindFailed, key::kShaderBind);
 }
 
 /// The vertex array keeps the layout together with the buffer, so that each draw only fills the buffer.
