@@ -21,21 +21,21 @@ QMatrix4x4 rotationMatrix(float tilt, float roll, float turn)
 
 } // namespace
 
-QMatrix4x4 Camera::mvpMatrix() const
+QMatrix4x4 CameraMatrices::mvpMatrix() const
 {
     return projection * view * rotation;
 }
 
-QMatrix3x3 Camera::normalMatrix() const
+QMatrix3x3 CameraMatrices::normalMatrix() const
 {
     return rotation.normalMatrix();
 }
 
-Camera makeCamera(const QSize& size, bool perspective)
+CameraMatrices cameraMatrices(const QSize& size, bool perspective)
 {
     const auto width = static_cast<float>(size.width());
     const auto height = static_cast<float>(size.height());
-    Camera camera;
+    CameraMatrices camera;
     if (perspective) {
         camera.projection.perspective(45.0F, width / height, 0.01F, kFarPlane);
         camera.rotation = rotationMatrix(-60.0F, 0.0F, 41.5F);

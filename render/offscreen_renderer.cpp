@@ -67,7 +67,7 @@ void OffscreenRenderer::setupCamera(int width, int height, bool perspective)
 {
     m_perspective = perspective;
     m_size = QSize(width, height);
-    const Camera camera = makeCamera(m_size, m_perspective);
+    const CameraMatrices camera = cameraMatrices(m_size, m_perspective);
     m_projection = camera.projection;
     m_rotation = camera.rotation;
     m_view = camera.view;
@@ -111,7 +111,7 @@ void OffscreenRenderer::draw(const TriangleChunks& chunks)
 
     const QOpenGLVertexArrayObject::Binder binder(&m_vao);
     m_program->bind();
-    const Camera camera = {m_projection, m_rotation, m_view};
+    const CameraMatrices camera = {m_projection, m_rotation, m_view};
     m_program->setUniformValue(m_mvpLoc, camera.mvpMatrix());
     m_program->setUniformValue(m_normalMatrixLoc, camera.normalMatrix());
     m_program->setUniformValue(m_modelMatrixLoc, m_model);

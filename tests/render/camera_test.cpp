@@ -47,7 +47,7 @@ TEST_P(PlaceTest, OfAPointInThePicture)
 {
     const PlaceCase& row = GetParam();
     const QMatrix4x4 toClipSpace =
-        makeCamera(row.size, row.isPerspective).mvpMatrix() * unitBoxMatrix(row.box.min.data(), row.box.max.data());
+        cameraMatrices(row.size, row.isPerspective).mvpMatrix() * unitBoxMatrix(row.box.min.data(), row.box.max.data());
     const QVector3D place = toClipSpace.map(row.point);
     EXPECT_NEAR((place.x() + 1.0F) * 0.5F * static_cast<float>(row.size.width()), row.x, 0.001F);
     EXPECT_NEAR((1.0F - place.y()) * 0.5F * static_cast<float>(row.size.height()), row.y, 0.001F);
@@ -88,9 +88,9 @@ void expectMatrix(const QMatrix4x4& actual, const Rows& expected)
 
 constexpr Rows kView = {{{1, 0, 0, 0}, {0, 1, 0, 0}, {0, 0, 1, -2.3}, {0, 0, 0, 1}}};
 
-TEST(Camera, InPerspective)
+TEST(CameraMatricesTest, InPerspective)
 {
-    const Camera camera = makeCamera({400, 400}, true);
+    const CameraMatrices camera = cameraMatrices({400, 400}, true);
     const double zoom = 1.0 / std::tan(kPi / 8.0);
     const double depth = 1000.0 - 0.01;
     expectMatrix(camera.projection, {{{zoom, 0, 0, 0},
@@ -105,9 +105,9 @@ TEST(Camera, InPerspective)
     expectMatrix(camera.view, kView);
 }
 
-TEST(Camera, Orthographic)
+TEST(CameraMatricesTest, Orthographic)
 {
-    const Camera camera = makeCamera({400, 400}, false);
+    const CameraMatrices camera = cameraMatrices({400, 400}, false);
     expectMatrix(camera.projection,
                  {{{1, 0, 0, 0}, {0, 1, 0, 0}, {0, 0, -400.0 / 1100.0, -900.0 / 1100.0}, {0, 0, 0, 1}}});
     expectMatrix(camera.rotation, {{{1, 0, 0, 0}, {0, 0, 1, 0}, {0, -1, 0, 0}, {0, 0, 0, 1}}});
@@ -128,7 +128,7 @@ class NormalMatrixTest : public ::testing::TestWithParam<NormalCase>
 TEST_P(NormalMatrixTest, TurnsANormalAndKeepsItsLength)
 {
     const NormalCase& row = GetParam();
-    const QMatrix3x3 matrix = makeCamera({400, 400}, row.isPerspective).normalMatrix();
+    const QMatrix3x3 matrix = cameraMatrices({400, 400}, row.isPerspective).normalMatrix();
     for (int i = 0; i < 3; ++i) {
         const float turned =
             matrix(i, 0) * row.normal.x() + matrix(i, 1) * row.normal.y() + matrix(i, 2) * row.normal.z();

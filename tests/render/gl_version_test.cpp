@@ -1,11 +1,9 @@
-// The renderer on OpenGL of every age. Mesa can be told which versions to report, and its compiler keeps to them.
+// The renderer on each version of OpenGL. Mesa reports the versions that its environment names, and its compiler
+// accepts no others.
 
 #include "tests/render/child_process.h"
 #include "tests/render/renderer_under_test.h"
-#include "tests/render/sample_meshes.h"
-#include "tests/support/data_folder_fixture.h"
 #include "tests/support/qt_printers.h"
-#include "tests/support/software_rasteriser.h"
 
 namespace zr::test
 {
@@ -49,15 +47,8 @@ const VersionCase kVersions[] = {
     {"V33WithNewerCompiler", "3.3COMPAT", "460", "", true, false, 0x33, "330"},
 };
 
-class GlVersionTest : public DataFolderTest, public ::testing::WithParamInterface<VersionCase>
+class GlVersionTest : public RendererTest, public ::testing::WithParamInterface<VersionCase>
 {
-protected:
-    void SetUp() override
-    {
-        DataFolderTest::SetUp();
-        createDataFolder();
-        restartLog();
-    }
 };
 
 INSTANTIATE_TEST_SUITE_P(Versions, GlVersionTest, ::testing::ValuesIn(kVersions),
@@ -83,8 +74,7 @@ TEST_P(GlVersionTest, ChoosesTheHighestLevelThatCompiles)
 
     SampleMesh mesh;
     mesh.addBox({0, 0, 0}, {10, 20, 5});
-    expectSamePicture(renderer.render(mesh.chunks(), mesh.min(), mesh.max()),
-                      rasterise(mesh.chunks(), mesh.min(), mesh.max(), Camera::Perspective));
+    expectSamePicture(renderer.render(mesh), rasterise(mesh));
     EXPECT_EQ(logMessages(), QStringList());
 }
 

@@ -10,7 +10,7 @@ class QOffscreenSurface;
 namespace zr::test
 {
 
-/// While it lives, knows every OpenGL context of the process that was made since. Qt reports each QObject to the hooks
+/// While it lives, knows each OpenGL context that the process has made since. Qt reports each QObject to the hooks
 /// that its debugging tools use.
 class ContextWatch
 {

@@ -3,10 +3,7 @@
 #include "tests/render/child_process.h"
 #include "tests/render/qt_object_hooks.h"
 #include "tests/render/renderer_under_test.h"
-#include "tests/render/sample_meshes.h"
-#include "tests/support/data_folder_fixture.h"
 #include "tests/support/qt_printers.h"
-#include "tests/support/software_rasteriser.h"
 
 #include <QCoreApplication>
 #include <QDir>
@@ -25,7 +22,7 @@ constexpr GLenum kProgramBinaryFormatCount = 0x87FE;
 const QStringList kEmptyListLines = {"184 ---------------renderListZero-----------------", "190 renderListZero"};
 const QStringList kBufferLines = {"363 render vbo bind err", "364  throw ", "190 vboBindErrInRender"};
 
-/// The log's messages; a compiler's or linker's words after the number are replaced by "...".
+/// The log's messages, with "..." for the text of a compiler or linker after the number.
 QStringList logWithoutDriverTexts()
 {
     static const QStringList driverLines = {"256 ", "260 ", "266 ", "272 ", "278 ", "284 ", "296 "};
@@ -36,27 +33,20 @@ QStringList logWithoutDriverTexts()
     return messages;
 }
 
-class RendererFailureTest : public DataFolderTest
+class RendererFailureTest : public RendererTest
 {
 protected:
     void SetUp() override
     {
-        DataFolderTest::SetUp();
-        createDataFolder();
-        restartLog();
+        RendererTest::SetUp();
         m_mesh.addBox({0, 0, 0}, {10, 20, 5});
-    }
-
-    QImage render(RendererUnderTest& renderer) const
-    {
-        return renderer.render(m_mesh.chunks(), m_mesh.min(), m_mesh.max());
     }
 
     /// Expects null pictures and these lines for a list with a mesh, and the usual ones for an empty list.
     void expectNoPictures(RendererUnderTest& renderer, const QStringList& lines) const
     {
         restartLog();
-        EXPECT_TRUE(render(renderer).isNull());
+        EXPECT_TRUE(renderer.render(m_mesh).isNull());
         EXPECT_EQ(logMessages(), lines);
         restartLog();
         EXPECT_TRUE(renderer.render({}, m_mesh.min(), m_mesh.max()).isNull());
@@ -65,8 +55,7 @@ protected:
 
     void expectRightPicture(RendererUnderTest& renderer) const
     {
-        expectSamePicture(render(renderer),
-                          rasterise(m_mesh.chunks(), m_mesh.min(), m_mesh.max(), Camera::Perspective));
+        expectSamePicture(renderer.render(m_mesh), rasterise(m_mesh));
     }
 
     SampleMesh m_mesh;
@@ -101,18 +90,6 @@ TEST_P(BothPipelinesTest, NoOpenGlAtAll)
     expectNoPictures(renderer, {});
 }
 
-TEST_P(BothPipelinesTest, NoProbeSurface)
-{
-    const SurfaceWatch watch([](QOffscreenSurface& surface, int) { surface.destroy(); });
-    RendererUnderTest renderer(true, GetParam());
-    EXPECT_FALSE(renderer.m_valid);
-    EXPECT_EQ(renderer.m_context, nullptr);
-    EXPECT_EQ(renderer.m_surface, nullptr);
-    EXPECT_EQ(renderer.m_functions, nullptr);
-    EXPECT_EQ(logMessages(), QStringList("208 opengl surface is not valid") + noContextLines(GetParam()));
-    expectNoPictures(renderer, {});
-}
-
 TEST_P(BothPipelinesTest, NoProbeSurfaceWhileAnotherRendererLives)
 {
     RendererUnderTest healthy;
@@ -128,7 +105,7 @@ TEST_P(BothPipelinesTest, NoProbeSurfaceWhileAnotherRendererLives)
     expectRightPicture(healthy);
 }
 
-/// Has a context lose its inside, since no OpenGL comes as OpenVG. The first context is the probe's.
+/// Makes a context invalid: no OpenGL is available as OpenVG. The first context is the probe's.
 void breakContext(std::size_t index)
 {
     QSurfaceFormat format;
@@ -138,110 +115,127 @@ void breakContext(std::size_t index)
     EXPECT_FALSE(context->create());
 }
 
-TEST_P(BothPipelinesTest, ProbeContextIsNotCurrent)
+/// What breaks while a surface is created; the probe's surface is the first one, the render context's the second.
+struct BreakCase {
+    const char* name;
+    int surfaceIndex;
+    void (*breakIt)(QOffscreenSurface& surface);
+    bool hasContext;
+    QStringList firstLines;
+    bool reachesShaders;
+};
+
+const BreakCase kBreakCases[] = {
+    {"NoProbeSurface",
+     0,
+     [](QOffscreenSurface& surface) { surface.destroy(); },
+     false,
+     {"208 opengl surface is not valid"},
+     true},
+    {"ProbeContextIsNotCurrent",
+     0,
+     [](QOffscreenSurface&) { breakContext(0); },
+     true,
+     {"46  throw ", "241 not has opengl context", "242  throw ", "115 Builder function failed\topenGLContextErr"},
+     false},
+    {"NoRenderSurface", 1, [](QOffscreenSurface& surface) { surface.destroy(); }, true, {}, true},
+    {"RenderContextIsNotValid", 1, [](QOffscreenSurface&) { breakContext(1); }, true, {}, true},
+    {"BothContextsBreak",
+     1,
+     [](QOffscreenSurface&) {
+         breakContext(0);
+         breakContext(1);
+     },
+     true,
+     {},
+     true},
+};
+
+class BrokenContextTest : public RendererFailureTest,
+                          public ::testing::WithParamInterface<std::tuple<BreakCase, Pipeline>>
 {
+};
+
+TEST_P(BrokenContextTest, GivesNoPicturesAndLeavesLaterRenderersAlone)
+{
+    const auto& [row, pipeline] = GetParam();
     const ContextWatch contexts;
-    const SurfaceWatch watch([](QOffscreenSurface&, int) { breakContext(0); });
-    RendererUnderTest renderer(true, GetParam());
-    EXPECT_FALSE(renderer.m_valid);
-    EXPECT_EQ(renderer.m_functions, nullptr);
-    EXPECT_EQ(logMessages(), (QStringList{"46  throw ", "241 not has opengl context", "242  throw ",
-                                          "115 Builder function failed\topenGLContextErr"}));
-    expectNoPictures(renderer, {});
-}
-
-TEST_P(BothPipelinesTest, NoRenderSurface)
-{
-    const SurfaceWatch watch([](QOffscreenSurface& surface, int index) {
-        if (index == 1)
-            surface.destroy();
+    const SurfaceWatch watch([&row = row](QOffscreenSurface& surface, int index) {
+        if (index == row.surfaceIndex)
+            row.breakIt(surface);
     });
-    RendererUnderTest renderer(true, GetParam());
+    RendererUnderTest renderer(true, pipeline);
     EXPECT_FALSE(renderer.m_valid);
+    EXPECT_EQ(renderer.m_context != nullptr, row.hasContext);
+    EXPECT_EQ(renderer.m_surface != nullptr, row.hasContext);
+    EXPECT_EQ(renderer.m_functions != nullptr, row.surfaceIndex == 1);
     EXPECT_EQ(QOpenGLContext::currentContext(), nullptr);
-    EXPECT_EQ(logMessages(), noContextLines(GetParam()));
+    EXPECT_EQ(logMessages(), row.firstLines + (row.reachesShaders ? noContextLines(pipeline) : QStringList()));
     expectNoPictures(renderer, {});
 
-    // What a later renderer makes current is not the failed one's to use.
+    // The failed renderer must not draw with the context that a later one makes current.
     RendererUnderTest healthy;
     expectNoPictures(renderer, {});
     EXPECT_TRUE(healthy.isCurrent());
     expectRightPicture(healthy);
 }
 
-TEST_P(BothPipelinesTest, RenderContextIsNotValid)
-{
-    const ContextWatch contexts;
-    const SurfaceWatch watch([](QOffscreenSurface&, int index) {
-        if (index == 1)
-            breakContext(1);
-    });
-    RendererUnderTest renderer(true, GetParam());
-    EXPECT_FALSE(renderer.m_valid);
-    EXPECT_EQ(QOpenGLContext::currentContext(), nullptr);
-    EXPECT_EQ(logMessages(), noContextLines(GetParam()));
-    expectNoPictures(renderer, {});
+INSTANTIATE_TEST_SUITE_P(Pipelines, BrokenContextTest,
+                         ::testing::Combine(::testing::ValuesIn(kBreakCases),
+                                            ::testing::Values(Pipeline::Plain, Pipeline::GeometryShader)),
+                         [](const auto& row) {
+                             return std::string(std::get<0>(row.param).name) +
+                                    (std::get<1>(row.param) == Pipeline::Plain ? "Plain" : "GeometryShader");
+                         });
 
-    RendererUnderTest healthy;
-    expectNoPictures(renderer, {});
-    EXPECT_TRUE(healthy.isCurrent());
-    expectRightPicture(healthy);
-}
+struct StepCase {
+    const char* name;
+    void (*failStep)(RendererUnderTest& renderer);
+    const char* key;
+    QStringList lines;
+};
 
-TEST_P(BothPipelinesTest, BothContextsBreak)
+class FailedStepTest : public RendererFailureTest, public ::testing::WithParamInterface<StepCase>
 {
-    const ContextWatch contexts;
-    const SurfaceWatch watch([](QOffscreenSurface&, int index) {
-        if (index == 1) {
-            breakContext(0);
-            breakContext(1);
-        }
-    });
-    RendererUnderTest renderer(true, GetParam());
-    EXPECT_FALSE(renderer.m_valid);
-    EXPECT_EQ(QOpenGLContext::currentContext(), nullptr);
-    EXPECT_EQ(logMessages(), noContextLines(GetParam()));
-    expectNoPictures(renderer, {});
-}
+};
 
-TEST_F(RendererFailureTest, NoFunctionTable)
+TEST_P(FailedStepTest, LogsAndThrowsItsKey)
 {
-    try {
-        RendererUnderTest::requireFunctions(nullptr);
-        ADD_FAILURE() << "nothing was thrown";
-    } catch (const QString& key) {
-        EXPECT_EQ(key, QString("openFunNotVaild"));
-    }
-    EXPECT_EQ(logMessages(), QStringList("238  throw "));
-}
-
-TEST_F(RendererFailureTest, ProbeWithoutContext)
-{
+    const StepCase& row = GetParam();
     RendererUnderTest renderer;
-    renderer.m_context->doneCurrent();
     try {
-        renderer.probeGlsl();
-        ADD_FAILURE() << "nothing was thrown";
+        row.failStep(renderer);
+        ADD_FAILURE() << "no key was thrown";
     } catch (const QString& key) {
-        EXPECT_EQ(key, QString("not has opengl context"));
+        EXPECT_EQ(key, QString(row.key));
     }
-    EXPECT_EQ(logMessages(), QStringList("46  throw "));
+    EXPECT_EQ(logMessages(), row.lines);
 }
 
-TEST_F(RendererFailureTest, ProgramCannotBeBound)
-{
-    RendererUnderTest renderer;
-    renderer.m_program = std::make_unique<QOpenGLShaderProgram>();
-    try {
-        renderer.bindProgram();
-        ADD_FAILURE() << "nothing was thrown";
-    } catch (const QString& key) {
-        EXPECT_EQ(key, QString("shaderBindErr"));
-    }
-    EXPECT_EQ(logMessages(), (QStringList{"302 ", "303  throw "}));
-}
+INSTANTIATE_TEST_SUITE_P(Steps, FailedStepTest,
+                         ::testing::Values(StepCase{"NoFunctionTable",
+                                                    [](RendererUnderTest& renderer) {
+                                                        renderer.requireFunctions(nullptr);
+                                                    },
+                                                    "openFunNotVaild",
+                                                    {"238  throw "}},
+                                           StepCase{"ProbeWithoutContext",
+                                                    [](RendererUnderTest& renderer) {
+                                                        renderer.m_context->doneCurrent();
+                                                        renderer.probeGlsl();
+                                                    },
+                                                    "not has opengl context",
+                                                    {"46  throw "}},
+                                           StepCase{"ProgramCannotBeBound",
+                                                    [](RendererUnderTest& renderer) {
+                                                        renderer.m_program = std::make_unique<QOpenGLShaderProgram>();
+                                                        renderer.bindProgram();
+                                                    },
+                                                    "shaderBindErr",
+                                                    {"302 ", "303  throw "}}),
+                         [](const auto& row) { return std::string(row.param.name); });
 
-constexpr char kBroken[] = "#version 130\nthis is no shader\n";
+constexpr char kBroken[] = "#version 130\nthis is not a shader\n";
 // Compiles, but its input has another type than the vertex text's output.
 constexpr char kOtherInput[] = "#version 130\nin highp vec4 vert;\nout highp vec4 fragColor;\n"
                                "void main() {\n   fragColor = vert;\n}\n";
@@ -306,12 +300,19 @@ class ShaderTextFailureTest : public RendererFailureTest, public ::testing::With
 INSTANTIATE_TEST_SUITE_P(Texts, ShaderTextFailureTest, ::testing::ValuesIn(kTextCases),
                          [](const auto& row) { return std::string(row.param.name); });
 
+/// While it lives, Qt compiles each text as it is added, and stores no program.
+struct ProgramCacheOff {
+    ProgramCacheOff() { QCoreApplication::setAttribute(Qt::AA_DisableShaderDiskCache); }
+    ~ProgramCacheOff() { QCoreApplication::setAttribute(Qt::AA_DisableShaderDiskCache, false); }
+    ProgramCacheOff(const ProgramCacheOff&) = delete;
+    ProgramCacheOff& operator=(const ProgramCacheOff&) = delete;
+};
+
 TEST_P(ShaderTextFailureTest, WithoutProgramCache)
 {
     const TextCase& row = GetParam();
-    QCoreApplication::setAttribute(Qt::AA_DisableShaderDiskCache);
+    const ProgramCacheOff cacheOff;
     RendererUnderTest renderer(true, row.pipeline, changedTexts(row));
-    QCoreApplication::setAttribute(Qt::AA_DisableShaderDiskCache, false);
     EXPECT_FALSE(renderer.m_valid);
     EXPECT_TRUE(renderer.isCurrent());
     EXPECT_EQ(logWithoutDriverTexts(), row.lines);
@@ -377,9 +378,8 @@ TEST_F(RendererFailureTest, SecondTryWithoutPositionDeclaration)
     const QByteArray declared =
         QByteArray(texts.geometryVertex).replace("void main() {", "vec4 gl_Position;\nvoid main() {");
     texts.geometryVertex = declared.constData();
-    QCoreApplication::setAttribute(Qt::AA_DisableShaderDiskCache);
+    const ProgramCacheOff cacheOff;
     const RendererUnderTest renderer(true, Pipeline::GeometryShader, texts);
-    QCoreApplication::setAttribute(Qt::AA_DisableShaderDiskCache, false);
     EXPECT_TRUE(renderer.m_valid);
     EXPECT_EQ(logWithoutDriverTexts(), QStringList("256 ..."));
 }
@@ -388,7 +388,7 @@ TEST_F(RendererFailureTest, InvalidRendererDrawsAndHandsNothingOut)
 {
     RendererUnderTest renderer;
     renderer.m_valid = false;
-    EXPECT_TRUE(render(renderer).isNull());
+    EXPECT_TRUE(renderer.render(m_mesh).isNull());
     EXPECT_NE(renderer.m_fbo, nullptr);
     EXPECT_EQ(logMessages(), QStringList());
 }
@@ -410,11 +410,15 @@ TEST_F(RendererFailureTest, NoContextIsCurrent)
     expectNoPictures(renderer, {});
 }
 
-TEST_F(RendererFailureTest, ContextLostAfterAPicture)
+TEST_F(RendererFailureTest, DestroyedWhileItsContextIsNotCurrent)
 {
-    RendererUnderTest renderer;
-    expectRightPicture(renderer);
-    renderer.m_context->doneCurrent();
+    {
+        RendererUnderTest renderer;
+        expectRightPicture(renderer);
+        renderer.m_context->doneCurrent();
+    }
+    EXPECT_EQ(QOpenGLContext::currentContext(), nullptr);
+    EXPECT_EQ(logMessages(), QStringList());
 }
 
 TEST_F(RendererFailureTest, OlderRendererIsDestroyedFirst)
@@ -443,10 +447,12 @@ TEST_F(RendererFailureTest, YoungerRendererIsDestroyedFirst)
 TEST_F(RendererFailureTest, ManyRenderersLiveAtOnce)
 {
     constexpr int kCount = 50;
+    const QImage picture = RendererUnderTest().render(m_mesh);
+    expectSamePicture(picture, rasterise(m_mesh));
     std::vector<std::unique_ptr<RendererUnderTest>> renderers;
     for (int i = 0; i < kCount; ++i) {
         renderers.push_back(std::make_unique<RendererUnderTest>());
-        ASSERT_EQ(meshPixelCount(render(*renderers.back())), 21541);
+        ASSERT_EQ(renderers.back()->render(m_mesh), picture);
     }
     EXPECT_EQ(logMessages(), QStringList());
 }

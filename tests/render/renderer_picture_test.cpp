@@ -2,10 +2,7 @@
 
 #include "render/camera.h"
 #include "tests/render/renderer_under_test.h"
-#include "tests/render/sample_meshes.h"
-#include "tests/support/data_folder_fixture.h"
 #include "tests/support/qt_printers.h"
-#include "tests/support/software_rasteriser.h"
 
 #include <array>
 #include <limits>
@@ -90,15 +87,8 @@ const MeshCase kMeshes[] = {
 
 using PictureCase = std::tuple<MeshCase, Camera, Pipeline>;
 
-class RendererPictureTest : public DataFolderTest, public ::testing::WithParamInterface<PictureCase>
+class RendererPictureTest : public RendererTest, public ::testing::WithParamInterface<PictureCase>
 {
-protected:
-    void SetUp() override
-    {
-        DataFolderTest::SetUp();
-        createDataFolder();
-        restartLog();
-    }
 };
 
 TEST_P(RendererPictureTest, AgreesWithTheReference)
@@ -109,8 +99,8 @@ TEST_P(RendererPictureTest, AgreesWithTheReference)
     SampleMesh mesh(record);
     meshCase.build(mesh);
     RendererUnderTest renderer(camera == Camera::Perspective, pipeline);
-    const QImage picture = renderer.render(mesh.chunks(), mesh.min(), mesh.max());
-    const QImage expected = rasterise(mesh.chunks(), mesh.min(), mesh.max(), camera, record);
+    const QImage picture = renderer.render(mesh);
+    const QImage expected = rasterise(mesh, camera);
     const QByteArray folder = qgetenv("ZR_TEST_PICTURES");
     if (!folder.isEmpty()) {
         const QString name = QString::fromLocal8Bit(folder) + QLatin1Char('/') + QLatin1String(meshCase.name) +
@@ -134,17 +124,6 @@ INSTANTIATE_TEST_SUITE_P(Meshes, RendererPictureTest,
                                     (std::get<2>(row.param) == Pipeline::Plain ? "Plain" : "GeometryShader");
                          });
 
-class RendererTest : public DataFolderTest
-{
-protected:
-    void SetUp() override
-    {
-        DataFolderTest::SetUp();
-        createDataFolder();
-        restartLog();
-    }
-};
-
 TEST_F(RendererTest, GeometryShaderGivesThePlainPicture)
 {
     for (const MeshCase& row : kMeshes) {
@@ -154,9 +133,9 @@ TEST_F(RendererTest, GeometryShaderGivesThePlainPicture)
         row.build(plainMesh);
         row.build(positions);
         RendererUnderTest plain;
-        const QImage expected = plain.render(plainMesh.chunks(), plainMesh.min(), plainMesh.max());
+        const QImage expected = plain.render(plainMesh);
         RendererUnderTest geometry(true, Pipeline::GeometryShader);
-        const QImage actual = geometry.render(positions.chunks(), positions.min(), positions.max());
+        const QImage actual = geometry.render(positions);
         expectSamePicture(actual, expected);
     }
 }
@@ -166,7 +145,7 @@ TEST_F(RendererTest, BackgroundIsWhiteWithoutAlphaAndTheMeshOpaque)
     SampleMesh mesh;
     mesh.addBox({0, 0, 0}, {10, 20, 5});
     RendererUnderTest renderer;
-    const QImage picture = renderer.render(mesh.chunks(), mesh.min(), mesh.max());
+    const QImage picture = renderer.render(mesh);
     ASSERT_EQ(picture.size(), QSize(400, 400));
     ASSERT_EQ(picture.depth(), 32);
     int meshPixels = 0;
@@ -200,11 +179,11 @@ TEST_F(RendererTest, EmptyListAfterAPictureKeepsThePictureBuffer)
     SampleMesh mesh;
     mesh.addBox({0, 0, 0}, {1, 1, 1});
     RendererUnderTest renderer;
-    const QImage picture = renderer.render(mesh.chunks(), mesh.min(), mesh.max());
+    const QImage picture = renderer.render(mesh);
     const auto* frame = renderer.m_fbo.get();
     EXPECT_TRUE(renderer.render({}, mesh.min(), mesh.max()).isNull());
     EXPECT_EQ(renderer.m_fbo.get(), frame);
-    expectSamePicture(renderer.render(mesh.chunks(), mesh.min(), mesh.max()), picture);
+    expectSamePicture(renderer.render(mesh), picture);
 }
 
 TEST_F(RendererTest, PictureIsDrawnAfreshEachTime)
@@ -214,9 +193,9 @@ TEST_F(RendererTest, PictureIsDrawnAfreshEachTime)
     SampleMesh sphere;
     sphere.addSphere({0, 0, 0}, 3, 12);
     RendererUnderTest renderer;
-    renderer.render(box.chunks(), box.min(), box.max());
-    const QImage picture = renderer.render(sphere.chunks(), sphere.min(), sphere.max());
-    expectSamePicture(picture, rasterise(sphere.chunks(), sphere.min(), sphere.max(), Camera::Perspective));
+    renderer.render(box);
+    const QImage picture = renderer.render(sphere);
+    expectSamePicture(picture, rasterise(sphere));
 }
 
 TEST_F(RendererTest, StateAfterAPicture)
@@ -224,7 +203,7 @@ TEST_F(RendererTest, StateAfterAPicture)
     SampleMesh mesh;
     mesh.addBox({0, 0, 0}, {1, 1, 1});
     RendererUnderTest renderer;
-    renderer.render(mesh.chunks(), mesh.min(), mesh.max());
+    renderer.render(mesh);
     auto* gl = renderer.m_functions;
     EXPECT_TRUE(gl->glIsEnabled(GL_DEPTH_TEST));
     EXPECT_TRUE(gl->glIsEnabled(GL_CULL_FACE));
@@ -244,13 +223,16 @@ TEST_F(RendererTest, StateAfterAPicture)
     EXPECT_EQ(renderer.m_fbo->format().samples(), 0);
 }
 
-TEST_F(RendererTest, FrontFacesTurnedAwayAreNotDrawn)
+TEST_F(RendererTest, OnlyTheFrontOfAFaceIsDrawn)
 {
-    SampleMesh mesh;
-    mesh.turnInward();
-    mesh.addTriangle({0, 0, 0}, {10, 0, 0}, {0, 10, 0});
     RendererUnderTest renderer;
-    const QImage picture = renderer.render(mesh.chunks(), mesh.min(), mesh.max());
+    SampleMesh mesh;
+    mesh.addTriangle({0, 0, 0}, {10, 0, 0}, {0, 10, 0});
+    EXPECT_GT(meshPixelCount(renderer.render(mesh)), 0);
+    SampleMesh inward;
+    inward.turnInward();
+    inward.addTriangle({0, 0, 0}, {10, 0, 0}, {0, 10, 0});
+    const QImage picture = renderer.render(inward);
     ASSERT_FALSE(picture.isNull());
     EXPECT_EQ(meshPixelCount(picture), 0);
 }
@@ -271,7 +253,7 @@ TEST_P(CutChunkTest, DrawsTheWholeTrianglesOnly)
     RendererUnderTest renderer;
     const QImage expected = renderer.render(whole.chunks(), cut.min(), cut.max());
     ASSERT_GT(meshPixelCount(expected), 0);
-    EXPECT_EQ(renderer.render(cut.chunks(), cut.min(), cut.max()), expected);
+    EXPECT_EQ(renderer.render(cut), expected);
 }
 
 INSTANTIATE_TEST_SUITE_P(ExtraFloats, CutChunkTest, ::testing::Values(1, 5, 6, 11, 12, 17));
@@ -331,21 +313,20 @@ TEST_F(RendererTest, NanTrianglesDoNotDisturbTheOthers)
 {
     SampleMesh mesh;
     mesh.addBox({0, 0, 0}, {10, 20, 5});
-    const QImage expected = rasterise(mesh.chunks(), mesh.min(), mesh.max(), Camera::Perspective);
+    const QImage expected = rasterise(mesh);
     mesh.startChunk();
     for (int i = 0; i < 18; ++i)
         mesh.lastChunk() << kNaN;
     RendererUnderTest renderer;
-    expectSamePicture(renderer.render(mesh.chunks(), mesh.min(), mesh.max()), expected);
+    expectSamePicture(renderer.render(mesh), expected);
 }
 
-// The host makes its requests on whichever thread it likes, on several at once, too.
+// The host may request pictures on any thread, and on several at once.
 TEST_F(RendererTest, EachThreadHasItsOwnRenderer)
 {
     SampleMesh mesh;
     mesh.addSphere({0, 0, 0}, 10, 12);
-    const TriangleChunks chunks = mesh.chunks();
-    const QImage expected = rasterise(chunks, mesh.min(), mesh.max(), Camera::Perspective);
+    const QImage expected = rasterise(mesh);
     constexpr std::size_t kThreads = 3;
     constexpr int kRounds = 3;
     std::array<QImage, kThreads> pictures;
@@ -353,7 +334,7 @@ TEST_F(RendererTest, EachThreadHasItsOwnRenderer)
     for (std::size_t i = 0; i < kThreads; ++i) {
         threads.at(i) = std::thread([&, i] {
             for (int round = 0; round < kRounds; ++round)
-                pictures.at(i) = RendererUnderTest().render(chunks, mesh.min(), mesh.max());
+                pictures.at(i) = RendererUnderTest().render(mesh);
         });
     }
     for (std::thread& thread : threads)

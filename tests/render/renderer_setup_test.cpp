@@ -1,8 +1,7 @@
-// What a construction that succeeded leaves behind: context, program, vertex layout, camera.
+// The state after a construction that succeeded: context, program, vertex layout, camera.
 
 #include "render/camera.h"
 #include "tests/render/renderer_under_test.h"
-#include "tests/support/data_folder_fixture.h"
 #include "tests/support/qt_printers.h"
 
 #include <array>
@@ -12,15 +11,8 @@ namespace zr::test
 namespace
 {
 
-class RendererSetupTest : public DataFolderTest
+class RendererSetupTest : public RendererTest
 {
-protected:
-    void SetUp() override
-    {
-        DataFolderTest::SetUp();
-        createDataFolder();
-        restartLog();
-    }
 };
 
 TEST_F(RendererSetupTest, LogsNothingAndStaysCurrent)
@@ -51,7 +43,7 @@ TEST_F(RendererSetupTest, NoContextStaysCurrentAfterDestruction)
     EXPECT_EQ(QOpenGLContext::currentContext(), nullptr);
 }
 
-TEST_F(RendererSetupTest, ProbeTellsWhatTheContextCanDo)
+TEST_F(RendererSetupTest, ProbeReportsTheVersionOfTheContext)
 {
     const RendererUnderTest renderer;
     const QSurfaceFormat format = renderer.m_context->format();
@@ -61,7 +53,7 @@ TEST_F(RendererSetupTest, ProbeTellsWhatTheContextCanDo)
     EXPECT_FALSE(renderer.m_glsl.glslVersion.isEmpty());
 }
 
-TEST(GlslInfoDefaults, AreTheLeastSupported)
+TEST(GlslInfoDefaults, AreTheMinimum)
 {
     const GlslInfo glsl;
     EXPECT_TRUE(glsl.modernSyntax);
@@ -99,15 +91,7 @@ INSTANTIATE_TEST_SUITE_P(Versions, RenderFormatTest,
                                            FormatCase{0x20, false, 2, 0, QSurfaceFormat::CompatibilityProfile},
                                            FormatCase{0x21, false, 2, 1, QSurfaceFormat::CompatibilityProfile},
                                            FormatCase{0x30, true, 3, 0, QSurfaceFormat::CoreProfile},
-                                           FormatCase{0x31, true, 3, 1, QSurfaceFormat::CoreProfile},
-                                           FormatCase{0x32, true, 3, 2, QSurfaceFormat::CoreProfile},
                                            FormatCase{0x33, true, 3, 3, QSurfaceFormat::CoreProfile},
-                                           FormatCase{0x40, true, 4, 0, QSurfaceFormat::CoreProfile},
-                                           FormatCase{0x41, true, 4, 1, QSurfaceFormat::CoreProfile},
-                                           FormatCase{0x42, true, 4, 2, QSurfaceFormat::CoreProfile},
-                                           FormatCase{0x43, true, 4, 3, QSurfaceFormat::CoreProfile},
-                                           FormatCase{0x44, true, 4, 4, QSurfaceFormat::CoreProfile},
-                                           FormatCase{0x45, true, 4, 5, QSurfaceFormat::CoreProfile},
                                            FormatCase{0x46, true, 4, 6, QSurfaceFormat::CoreProfile}),
                          [](const auto& row) { return "Code" + std::to_string(row.param.versionCode); });
 
@@ -115,7 +99,7 @@ TEST_F(RendererSetupTest, CameraIsThatOfThePicture)
 {
     for (const bool isPerspective : {true, false}) {
         const RendererUnderTest renderer(isPerspective);
-        const Camera camera = makeCamera({400, 400}, isPerspective);
+        const CameraMatrices camera = cameraMatrices({400, 400}, isPerspective);
         EXPECT_EQ(renderer.m_perspective, isPerspective);
         EXPECT_EQ(renderer.m_size, QSize(400, 400));
         EXPECT_EQ(renderer.m_projection, camera.projection);
@@ -185,7 +169,7 @@ class UniformsTest : public RendererSetupTest, public ::testing::WithParamInterf
 {
 };
 
-TEST_P(UniformsTest, AreFoundAndTheLightStands)
+TEST_P(UniformsTest, AreFoundAndTheLightIsSet)
 {
     RendererUnderTest renderer(true, GetParam());
     const auto& program = renderer.m_program;

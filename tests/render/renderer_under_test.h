@@ -1,6 +1,8 @@
 #pragma once
 
 #include "render/offscreen_renderer.h"
+#include "tests/render/sample_meshes.h"
+#include "tests/support/data_folder_fixture.h"
 
 #include <QOffscreenSurface>
 #include <QOpenGLContext>
@@ -10,7 +12,7 @@
 namespace zr::test
 {
 
-/// The product's renderer with its inside laid open, and with the choices that the product never makes.
+/// The product's renderer with its members public, and with the choices that the product never makes.
 class RendererUnderTest : public OffscreenRenderer
 {
 public:
@@ -47,7 +49,21 @@ public:
     using OffscreenRenderer::m_vbo;
     using OffscreenRenderer::m_view;
 
+    using OffscreenRenderer::render;
+    QImage render(const SampleMesh& mesh) { return render(mesh.chunks(), mesh.min(), mesh.max()); }
+
     bool isCurrent() const { return m_context && QOpenGLContext::currentContext() == m_context.get(); }
+};
+
+/// A test that starts with an empty log.
+class RendererTest : public DataFolderTest
+{
+protected:
+    void SetUp() override
+    {
+        DataFolderTest::SetUp();
+        restartLog();
+    }
 };
 
 } // namespace zr::test

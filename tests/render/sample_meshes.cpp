@@ -108,6 +108,11 @@ const float* SampleMesh::max() const
     return m_max.data();
 }
 
+VertexRecord SampleMesh::record() const
+{
+    return m_record;
+}
+
 void SampleMesh::addVertex(const QVector3D& position, const QVector3D& normal)
 {
     QVector<float>& chunk = lastChunk();
@@ -120,6 +125,11 @@ void SampleMesh::addVertex(const QVector3D& position, const QVector3D& normal)
         low = std::min(low, position[axis]);
         high = std::max(high, position[axis]);
     }
+}
+
+QImage rasterise(const SampleMesh& mesh, Camera camera)
+{
+    return rasterise(mesh.chunks(), mesh.min(), mesh.max(), camera, mesh.record());
 }
 
 } // namespace zr::test

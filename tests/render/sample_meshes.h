@@ -12,7 +12,7 @@
 namespace zr::test
 {
 
-/// A mesh in the making: triangles with their flat normals, cut into chunks where a test wants it.
+/// A mesh that a test builds: triangles with their flat normals, cut into chunks where the test wants it.
 class SampleMesh
 {
 public:
@@ -22,7 +22,7 @@ public:
     void addTriangle(const QVector3D& a, const QVector3D& b, const QVector3D& c);
     void startChunk();
 
-    /// Later triangles are turned inside out.
+    /// Turns the triangles that are added later inside out.
     void turnInward();
 
     void addBox(const QVector3D& low, const QVector3D& high);
@@ -32,6 +32,7 @@ public:
     QVector<float>& lastChunk();
     const float* min() const;
     const float* max() const;
+    VertexRecord record() const;
 
 private:
     void addVertex(const QVector3D& position, const QVector3D& normal);
@@ -42,5 +43,8 @@ private:
     std::array<float, 3> m_min;
     std::array<float, 3> m_max;
 };
+
+/// The reference picture of the mesh.
+QImage rasterise(const SampleMesh& mesh, Camera camera = Camera::Perspective);
 
 } // namespace zr::test

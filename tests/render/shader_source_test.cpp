@@ -12,7 +12,7 @@ namespace zr::test
 namespace
 {
 
-/// A line of a built-in text, counted from 1, and what stands there afterwards; no lines: it is gone.
+/// A line of a built-in text, counted from 1, and the lines that replace it.
 struct LineEdit {
     int line;
     QStringList lines;
@@ -46,7 +46,7 @@ const TextCase kTexts[] = {
      &ShaderTexts::geometry,
      true,
      true,
-     // Geometry shaders are newer than this syntax; that the replacement hits "layout " as well harms nobody.
+     // Geometry shaders are newer than this syntax; that the replacement also hits "layout " is harmless.
      {{5, {"layvarying (triangles) in;"}},
       {6, {"layvarying (triangle_strip, max_vertices = 3) out;"}},
       {7, {"attribute VS_OUT {"}},
@@ -67,7 +67,7 @@ struct LevelCase {
     bool modernSyntax;
     bool gpuShader4;
     QString glslVersion;
-    QStringList firstLines; ///< in place of the version line
+    QStringList firstLines; ///< instead of the version line
     bool hasPrecisionBlock;
 };
 
@@ -191,7 +191,7 @@ INSTANTIATE_TEST_SUITE_P(
                     "attribute a; attribute b; varying c; varying d;"},
         SnippetCase{"InsideWords", kOld, true, "main (", "maattribute ("},
         SnippetCase{"CaseMatters", kOld, true, "IN a; Out b;", "IN a; Out b;"},
-        SnippetCase{"TabIsNoBlank", kOld, true, "in\ta;", "in\ta;"},
+        SnippetCase{"TabIsNotABlank", kOld, true, "in\ta;", "in\ta;"},
         SnippetCase{"PlainFragmentOutput", kOld, false, "out vec4 fragColor;", "//out vec4 gl_FragColor;"},
         SnippetCase{"OtherFragmentOutput", kOld, false, "out vec4 colour;", "out vec4 colour;"},
         SnippetCase{"EveryVersionLine", kModern, true, "#version 130\n#version 130", "#version 330\n#version 330"},

@@ -16,6 +16,8 @@ enum class VertexRecord { PositionAndNormal, PositionOnly };
 /// The picture that the product's renderer should give for these chunks and this bounding box (three floats each for
 /// `min` and `max`), computed in double precision without OpenGL: 400 x 400 pixels, ARGB32_Premultiplied, background
 /// white with alpha 0. The box must enclose the vertices. A triangle with a corner that is not finite is left out.
+///
+/// It is an independent witness: it takes no number and no matrix from the product, so that an error there shows.
 QImage rasterise(const TriangleChunks& chunks, const float* min, const float* max, Camera camera,
                  VertexRecord record = VertexRecord::PositionAndNormal);
 
