@@ -3,15 +3,13 @@
 #include "core/data_location.h"
 #include "tests/reliability/request_test.h"
 #include "tests/support/files.h"
+#include "tests/support/foreign_database.h"
 #include "tests/support/qt_printers.h"
 
 #include <QDateTime>
 #include <QElapsedTimer>
 #include <QFileInfo>
 #include <QProcess>
-#include <QSqlDatabase>
-#include <QSqlError>
-#include <QSqlQuery>
 
 #include <functional>
 
@@ -29,34 +27,10 @@ const QStringList kNotOpen = {"110 database no open"};
 const QStringList kWithoutTable = kNoTable + kNewNotSaved + kNoTable;
 const QStringList kWithoutDatabase = kNotOpen + kNewNotSaved + kNotOpen;
 
-void overwrite(qint64 offset, qint64 bytes)
-{
-    QFile file(defaultDatabasePath());
-    ASSERT_TRUE(file.open(QIODevice::ReadWrite));
-    ASSERT_LE(offset + bytes, file.size());
-    file.seek(offset);
-    file.write(QByteArray(static_cast<int>(bytes), '\xA5'));
-}
-
 void cutTo(qint64 bytes)
 {
     ASSERT_GT(QFileInfo(defaultDatabasePath()).size(), bytes);
     ASSERT_TRUE(QFile::resize(defaultDatabasePath(), bytes));
-}
-
-// A database made by somebody else.
-void makeForeign(const QStringList& statements)
-{
-    QFile::remove(defaultDatabasePath());
-    const QString name = QStringLiteral("foreign");
-    {
-        QSqlDatabase database = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), name);
-        database.setDatabaseName(defaultDatabasePath());
-        ASSERT_TRUE(database.open());
-        for (const QString& statement : statements)
-            ASSERT_FALSE(database.exec(statement).lastError().isValid()) << statement.toStdString();
-    }
-    QSqlDatabase::removeDatabase(name);
 }
 
 struct Damage {
@@ -73,32 +47,36 @@ std::ostream& operator<<(std::ostream& out, const Damage& row)
 }
 
 const Damage kDamages[] = {
-    {"Header", [] { overwrite(0, 16); }, false, false, kWithoutTable},
-    {"SchemaPage", [] { overwrite(100, kPageBytes - 100); }, false, false, kWithoutTable},
-    {"TablePage", [] { overwrite(kPageBytes, kPageBytes); }, false, false, kNewNotSaved},
-    {"IndexPage", [] { overwrite(2 * kPageBytes, kPageBytes); }, false, false, kNewNotSaved},
+    {"Header", [] { overwriteDatabase(0, 16); }, false, false, kWithoutTable},
+    {"SchemaPage", [] { overwriteDatabase(100, kPageBytes - 100); }, false, false, kWithoutTable},
+    {"TablePage", [] { overwriteDatabase(kPageBytes, kPageBytes); }, false, false, kNewNotSaved},
+    {"IndexPage", [] { overwriteDatabase(2 * kPageBytes, kPageBytes); }, false, false, kNewNotSaved},
     {"CutToNothing", [] { cutTo(0); }, true, true, kNewEntry},
     {"CutInTheHeader", [] { cutTo(50); }, false, false, kWithoutTable},
     {"CutInTheFirstPage", [] { cutTo(1000); }, false, false, kWithoutTable},
     {"CutAfterTheFirstPage", [] { cutTo(kPageBytes); }, false, false, kWithoutTable},
     {"Garbage", [] { writeFile(defaultDatabasePath(), QByteArray(100000, 'x')); }, false, false, kWithoutTable},
-    {"NoTable", [] { makeForeign({"create table other (a int)"}); }, true, true, kNewEntry},
+    {"NoTable", [] { makeForeignDatabase({"create table other (a int)"}); }, true, true, kNewEntry},
     {"OlderTable",
-     [] { makeForeign({"create table thumbnail (thumPath text, thumTime int, filePath text unique, fileTime int)"}); },
+     [] {
+         makeForeignDatabase(
+             {"create table thumbnail (thumPath text, thumTime int, filePath text unique, fileTime int)"});
+     },
      false, false, kNewNotSaved},
     {"NewerTable",
      [] {
-         makeForeign({"create table thumbnail (thumPath text, thumTime int, filePath text unique, fileTime int, "
-                      "fileSize int, more int)"});
+         makeForeignDatabase(
+             {"create table thumbnail (thumPath text, thumTime int, filePath text unique, fileTime int, "
+              "fileSize int, more int)"});
      },
      false, false, kNewNotSaved},
-    {"OtherColumns", [] { makeForeign({"create table thumbnail (a text, b int, c text, d int, e int)"}); }, true, false,
-     kNewEntry},
-    {"ViewOfThatName", [] { makeForeign({"create view thumbnail as select 1 as thumPath"}); }, false, false,
+    {"OtherColumns", [] { makeForeignDatabase({"create table thumbnail (a text, b int, c text, d int, e int)"}); },
+     true, false, kNewEntry},
+    {"ViewOfThatName", [] { makeForeignDatabase({"create view thumbnail as select 1 as thumPath"}); }, false, false,
      kNewNotSaved},
     {"IndexOfThatName",
      [] {
-         makeForeign({"create table t (a int)", "create index thumbnail on t (a)"});
+         makeForeignDatabase({"create table t (a int)", "create index thumbnail on t (a)"});
      },
      false, false, kWithoutTable},
 };
@@ -142,7 +120,7 @@ TEST_F(DatabaseTest, RowsOfADamagedPageAreMadeAnewInANewDatabase)
 {
     const QString path = source("a.vrx");
     expectRequestWorks(path);
-    overwrite(kPageBytes, kPageBytes);
+    overwriteDatabase(kPageBytes, kPageBytes);
     EXPECT_EQ(request(path).log, kNewNotSaved);
     ASSERT_TRUE(QFile::remove(defaultDatabasePath()));
     expectRequestWorks(path);

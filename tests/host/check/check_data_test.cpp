@@ -4,15 +4,13 @@
 
 #include "core/data_location.h"
 #include "tests/support/files.h"
+#include "tests/support/foreign_database.h"
 #include "tests/support/qt_printers.h"
 
 #include <QDir>
 #include <QElapsedTimer>
 #include <QFileInfo>
 #include <QProcess>
-#include <QSqlDatabase>
-#include <QSqlError>
-#include <QSqlQuery>
 
 #include <functional>
 
@@ -188,29 +186,6 @@ std::ostream& operator<<(std::ostream& out, const DatabaseState& row)
     return out << row.name;
 }
 
-void overwrite(qint64 offset, qint64 bytes)
-{
-    QFile file(defaultDatabasePath());
-    ASSERT_TRUE(file.open(QIODevice::ReadWrite));
-    ASSERT_LE(offset + bytes, file.size());
-    file.seek(offset);
-    file.write(QByteArray(static_cast<int>(bytes), '\xA5'));
-}
-
-void makeForeign(const QStringList& statements)
-{
-    QFile::remove(defaultDatabasePath());
-    const QString name = QStringLiteral("foreign");
-    {
-        QSqlDatabase database = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), name);
-        database.setDatabaseName(defaultDatabasePath());
-        ASSERT_TRUE(database.open());
-        for (const QString& statement : statements)
-            ASSERT_FALSE(database.exec(statement).lastError().isValid()) << statement.toStdString();
-    }
-    QSqlDatabase::removeDatabase(name);
-}
-
 constexpr char kForeign[] =
     " has a table with other columns, by another program or version: move it elsewhere, and the "
     "next thumbnail makes it anew";
@@ -218,21 +193,26 @@ constexpr char kDamaged[] = " is damaged";
 
 const DatabaseState kDatabaseStates[] = {
     {"Garbage", [] { writeFile(defaultDatabasePath(), QByteArray(4096, 'x')); }, kDamaged},
-    {"Header", [] { overwrite(0, 16); }, kDamaged},
-    {"TablePage", [] { overwrite(4096, 4096); }, kDamaged},
-    {"IndexPage", [] { overwrite(8192, 4096); }, kDamaged},
+    {"Header", [] { overwriteDatabase(0, 16); }, kDamaged},
+    {"TablePage", [] { overwriteDatabase(4096, 4096); }, kDamaged},
+    {"IndexPage", [] { overwriteDatabase(8192, 4096); }, kDamaged},
     {"Cut", [] { ASSERT_TRUE(QFile::resize(defaultDatabasePath(), 4096)); }, kDamaged},
-    {"OtherColumns", [] { makeForeign({"create table thumbnail (a text, b int, c text, d int, e int)"}); }, kForeign},
+    {"OtherColumns", [] { makeForeignDatabase({"create table thumbnail (a text, b int, c text, d int, e int)"}); },
+     kForeign},
     {"OlderTable",
-     [] { makeForeign({"create table thumbnail (thumPath text, thumTime int, filePath text unique, fileTime int)"}); },
+     [] {
+         makeForeignDatabase(
+             {"create table thumbnail (thumPath text, thumTime int, filePath text unique, fileTime int)"});
+     },
      kForeign},
     {"OtherOrder",
      [] {
-         makeForeign({"create table thumbnail (filePath text unique, thumPath text, thumTime int, fileTime int, "
-                      "fileSize int)"});
+         makeForeignDatabase(
+             {"create table thumbnail (filePath text unique, thumPath text, thumTime int, fileTime int, "
+              "fileSize int)"});
      },
      kForeign},
-    {"View", [] { makeForeign({"create view thumbnail as select 1 as thumPath"}); }, kForeign},
+    {"View", [] { makeForeignDatabase({"create view thumbnail as select 1 as thumPath"}); }, kForeign},
 };
 
 class CheckDatabaseTest : public CheckDataTest, public ::testing::WithParamInterface<DatabaseState>
