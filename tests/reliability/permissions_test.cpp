@@ -66,32 +66,40 @@ TEST_F(PermissionsTest, PngFolderWithoutWritePermissionStillTakesChangesOfItsFil
     expectRequestWorks(other);
 }
 
+struct WriteProtection {
+    const char* name;
+    QString (*path)();
+    mode_t mode;
+    mode_t usualMode;
+};
+
+class WriteProtectionTest : public PermissionsTest, public ::testing::WithParamInterface<WriteProtection>
+{
+};
+
+TEST_P(WriteProtectionTest, AnswersFromTheCacheOnly)
+{
+    const WriteProtection& row = GetParam();
+    const QString cached = source("a.vrx");
+    expectRequestWorks(cached);
+    setMode(row.path(), row.mode);
+    expectRequestWorks(cached);
+    const QString other = source("b.vrx");
+    const RequestOutcome outcome = request(other);
+    EXPECT_FALSE(outcome.loaded);
+    // The log of the earlier requests cannot be removed from a folder that is write-protected.
+    const QStringList lines = kNewEntry + kNotSaved;
+    EXPECT_EQ(outcome.log.mid(outcome.log.size() - lines.size()), lines);
+
+    setMode(row.path(), row.usualMode);
+    expectRequestWorks(other);
+}
+
 // SQLite needs its journal beside the database.
-TEST_F(PermissionsTest, DataFolderWithoutWritePermissionAnswersFromTheCacheOnly)
-{
-    const QString cached = source("a.vrx");
-    expectRequestWorks(cached);
-    setMode(dataFolder(), 0555);
-    expectRequestWorks(cached);
-    const QString other = source("b.vrx");
-    EXPECT_FALSE(request(other).loaded);
-
-    setMode(dataFolder(), 0755);
-    expectRequestWorks(other);
-}
-
-TEST_F(PermissionsTest, WriteProtectedDatabaseAnswersFromTheCacheOnly)
-{
-    const QString cached = source("a.vrx");
-    expectRequestWorks(cached);
-    setMode(defaultDatabasePath(), 0444);
-    expectRequestWorks(cached);
-    const QString other = source("b.vrx");
-    EXPECT_EQ(request(other).log, kNewEntry + kNotSaved);
-
-    setMode(defaultDatabasePath(), 0644);
-    expectRequestWorks(other);
-}
+INSTANTIATE_TEST_SUITE_P(Places, WriteProtectionTest,
+                         ::testing::Values(WriteProtection{"DataFolder", dataFolder, 0555, 0755},
+                                           WriteProtection{"Database", defaultDatabasePath, 0444, 0644}),
+                         [](const auto& row) { return std::string(row.param.name); });
 
 TEST_F(PermissionsTest, UnreadableSourceIsTold)
 {
