@@ -44,36 +44,33 @@ PreviewParts preview()
 template <typename Parts>
 using Change = void (*)(Parts&);
 
-QByteArray vrx(Change<samples::VrxParts> change = [](auto&) {})
+template <typename Parts>
+QByteArray withPreview(QByteArray (*bytes)(const Parts&), Change<Parts> change)
 {
-    samples::VrxParts parts;
+    Parts parts;
     parts.preview = preview();
     change(parts);
-    return samples::vrxBytes(parts);
+    return bytes(parts);
+}
+
+QByteArray vrx(Change<samples::VrxParts> change = [](auto&) {})
+{
+    return withPreview(samples::vrxBytes, change);
 }
 
 QByteArray fdg(Change<samples::FdgParts> change = [](auto&) {})
 {
-    samples::FdgParts parts;
-    parts.preview = preview();
-    change(parts);
-    return samples::fdgBytes(parts);
+    return withPreview(samples::fdgBytes, change);
 }
 
 QByteArray gf(Change<samples::GfParts> change = [](auto&) {})
 {
-    samples::GfParts parts;
-    parts.preview = preview();
-    change(parts);
-    return samples::gfBytes(parts);
+    return withPreview(samples::gfBytes, change);
 }
 
 QByteArray kestravo(Change<samples::KestravoParts> change = [](auto&) {})
 {
-    samples::KestravoParts parts;
-    parts.preview = preview();
-    change(parts);
-    return samples::kestravoBytes(parts);
+    return withPreview(samples::kestravoBytes, change);
 }
 
 QByteArray photons(Change<samples::PhotonsParts> change = [](auto&) {})
