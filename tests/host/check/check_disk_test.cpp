@@ -47,20 +47,14 @@ TEST_F(CheckDiskTest, FullDiskIsTold)
     EXPECT_EQ(cachedFiles(), QStringList({"a.vrxvrx.png", "earlier.vrxvrx.png"}));
 }
 
-struct Fullness {
-    const char* name;
-    SystemCall call;
-    const char* pathPart;
-};
-
-// Wherever the room ends.
+// Wherever the room ends: in the folder, for its pictures, or for one more file.
 TEST_F(CheckDiskTest, EachFullFolderIsTold)
 {
-    for (const Fullness& row : {Fullness{"folder", SystemCall::Write, "/KESTRAVO_Thumbnail"},
-                                {"pictures", SystemCall::Write, "/thumbnailImage"},
-                                {"no more files", SystemCall::OpenToWrite, "/KESTRAVO_Thumbnail"}}) {
-        SCOPED_TRACE(row.name);
-        const InjectedFault injected({row.call, row.pathPart, ENOSPC});
+    for (const Fault& fault : {Fault{SystemCall::Write, "/KESTRAVO_Thumbnail", ENOSPC},
+                               {SystemCall::Write, "/thumbnailImage", ENOSPC},
+                               {SystemCall::OpenToWrite, "/KESTRAVO_Thumbnail", ENOSPC}}) {
+        SCOPED_TRACE(fault.pathPart.toStdString() + (fault.call == SystemCall::Write ? " written" : " opened"));
+        const InjectedFault injected(fault);
         const Findings findings = checkDataFolder();
         ASSERT_EQ(findings.size(), 1);
         EXPECT_EQ(findings[0].verdict, Verdict::Fail);
