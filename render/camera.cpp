@@ -53,11 +53,11 @@ QMatrix4x4 unitBoxMatrix(const float* min, const float* max)
     const float dx = max[0] - min[0];
     const float dy = max[1] - min[1];
     const float dz = max[2] - min[2];
-    const float largerOfYz = dz > dy ? dz : dy;
-    const float largest = largerOfYz > dx ? largerOfYz : dx;
+    const float maxOfYz = dz > dy ? dz : dy;
+    const float maxExtent = maxOfYz > dx ? maxOfYz : dx;
 
     QMatrix4x4 matrix;
-    matrix.scale(static_cast<float>(1.0 / static_cast<double>(largest)));
+    matrix.scale(static_cast<float>(1.0 / static_cast<double>(maxExtent)));
     matrix.translate(-(min[0] + max[0]) * 0.5F, -(min[1] + max[1]) * 0.5F, -(min[2] + max[2]) * 0.5F);
     return matrix;
 }

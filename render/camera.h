@@ -27,7 +27,7 @@ struct CameraMatrices {
 /// space has no pixels: the same picture at another resolution takes the same camera.
 CameraMatrices cameraMatrices(const QSize& size, bool perspective);
 
-/// Moves the centre of the bounding box to the origin and scales its largest extent to 1. `min` and `max` are three
+/// Moves the centre of the bounding box to the origin and scales its maximum extent to 1. `min` and `max` are three
 /// floats each. Without an extent, or with NaN or infinity in the box, the matrix is not finite.
 QMatrix4x4 unitBoxMatrix(const float* min, const float* max);
 

@@ -26,7 +26,7 @@ std::mutex& windowSystemMutex()
     return *mutex;
 }
 
-/// The first OpenGL version whose GLSL has "in" and "out", and which knows core profiles.
+/// The first OpenGL version whose GLSL has "in" and "out", and which has core profiles.
 constexpr int kFirstModernVersion = 0x30;
 
 /// Without one, Qt crashes where it is asked for a context, and without a screen it ends the process where it is asked
@@ -111,7 +111,7 @@ void OffscreenRenderer::destroyContext()
     if (m_surface)
         m_surface->destroy();
     m_surface.reset();
-    // The buffer and the vertex array outlive the context: Qt detaches them from it as it goes.
+    // The buffer and the vertex array outlive the context: Qt detaches them when it is destroyed.
     m_context.reset();
 }
 

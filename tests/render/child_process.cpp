@@ -43,7 +43,7 @@ void runCurrentTestInChild(const std::vector<EnvironmentChange>& changes)
     const QByteArray output = child.readAll();
     EXPECT_EQ(child.exitStatus(), QProcess::NormalExit) << output.constData();
     EXPECT_EQ(child.exitCode(), 0) << output.constData();
-    // A filter that matches nothing would succeed, too.
+    // A filter that matches no test would succeed, too.
     EXPECT_TRUE(output.contains("[  PASSED  ] 1 test.")) << output.constData();
 }
 

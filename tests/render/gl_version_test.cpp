@@ -13,7 +13,7 @@ namespace
 struct VersionCase {
     const char* name;
     const char* openGl;     ///< what the default context reports
-    const char* glsl;       ///< what its compiler knows
+    const char* glsl;       ///< what its compiler accepts
     const char* extensions; ///< taken away
     bool modernSyntax;
     bool gpuShader4;

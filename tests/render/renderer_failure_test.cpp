@@ -61,7 +61,7 @@ protected:
     SampleMesh m_mesh;
 };
 
-/// Without OpenGL nothing is compiled: there is a vertex shader that failed, and no words of a compiler.
+/// Without OpenGL nothing is compiled: a vertex shader fails, without a message of the compiler.
 QStringList noContextLines(Pipeline pipeline)
 {
     if (pipeline == Pipeline::Plain)
