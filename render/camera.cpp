@@ -21,16 +21,6 @@ QMatrix4x4 rotationMatrix(float tilt, float roll, float turn)
 
 } // namespace
 
-QMatrix4x4 CameraMatrices::mvpMatrix() const
-{
-    return projection * view * rotation;
-}
-
-QMatrix3x3 CameraMatrices::normalMatrix() const
-{
-    return rotation.normalMatrix();
-}
-
 CameraMatrices cameraMatrices(const QSize& size, bool perspective)
 {
     const auto width = static_cast<float>(size.width());

@@ -18,8 +18,8 @@ struct CameraMatrices {
     QMatrix4x4 rotation;
     QMatrix4x4 view;
 
-    QMatrix4x4 mvpMatrix() const;
-    QMatrix3x3 normalMatrix() const;
+    QMatrix4x4 mvpMatrix() const { return projection * view * rotation; }
+    QMatrix3x3 normalMatrix() const { return rotation.normalMatrix(); }
 };
 
 /// The camera for a picture of this size in pixels. `perspective`: a view of 45 degrees in height from 30 degrees

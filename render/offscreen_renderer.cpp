@@ -12,13 +12,6 @@
 
 namespace zr
 {
-namespace
-{
-
-constexpr int kFloatsPerPosition = 3;
-constexpr int kFloatsPerPositionAndNormal = 6;
-
-} // namespace
 
 OffscreenRenderer::OffscreenRenderer(bool perspective)
     : OffscreenRenderer(perspective, Pipeline::Plain, builtInShaderTexts())
@@ -49,11 +42,6 @@ OffscreenRenderer::~OffscreenRenderer()
         m_program->release();
     m_program.reset();
     destroyContext();
-}
-
-bool OffscreenRenderer::usesGeometryShader() const
-{
-    return m_useGeometryShader;
 }
 
 /// A render context that never became current leaves m_functions with the table of the probe's context, which is gone.
@@ -128,7 +116,7 @@ void OffscreenRenderer::drawChunk(const QVector<float>& chunk)
     }
     // No overflow: Qt's vectors hold less than 2 GiB.
     m_vbo.allocate(chunk.constData(), chunk.size() * static_cast<int>(sizeof(float)));
-    const int floatsPerVertex = m_useGeometryShader ? kFloatsPerPosition : kFloatsPerPositionAndNormal;
+    const int floatsPerVertex = m_useGeometryShader ? kFloatsPerVector : 2 * kFloatsPerVector;
     m_functions->glDrawArrays(GL_TRIANGLES, 0, chunk.size() / floatsPerVertex);
     m_vbo.release();
 }

@@ -44,7 +44,7 @@ public:
     OffscreenRenderer& operator=(const OffscreenRenderer&) = delete;
 
     /// Whether chunks hold positions only.
-    bool usesGeometryShader() const;
+    bool usesGeometryShader() const { return m_useGeometryShader; }
 
     /// The picture of the chunks, whose bounding box has the corners `min` and `max` (three floats each, in the mesh's
     /// own units); a null image after a failure, which is logged. Throws no error key. The background is white with
@@ -95,6 +95,8 @@ protected:
     QSize m_size;
 
 private:
+    static constexpr int kFloatsPerVector = 3;
+
     bool canCallGl() const;
     void destroyContext();
     void requireStep(bool isDone, int lineNumber, const char* errorKey) const;

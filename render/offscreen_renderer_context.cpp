@@ -50,11 +50,6 @@ struct GlslVersionTable {
     };
 };
 
-int versionCodeOf(const QSurfaceFormat& format)
-{
-    return format.majorVersion() * 16 + format.minorVersion();
-}
-
 } // namespace
 
 void OffscreenRenderer::createContext()
@@ -118,8 +113,7 @@ void OffscreenRenderer::destroyContext()
 QSurfaceFormat OffscreenRenderer::renderFormat(const GlslInfo& glsl)
 {
     QSurfaceFormat format;
-    format.setMajorVersion(glsl.versionCode / 16);
-    format.setMinorVersion(glsl.versionCode % 16);
+    format.setVersion(glsl.versionCode / 16, glsl.versionCode % 16);
     format.setProfile(glsl.modernSyntax ? QSurfaceFormat::CoreProfile : QSurfaceFormat::CompatibilityProfile);
     return format;
 }
@@ -137,11 +131,8 @@ void OffscreenRenderer::probeGlsl()
     const QOpenGLContext* context = QOpenGLContext::currentContext();
     if (!context)
         throwKey(line::kProbeWithoutContext, key::kNoContext);
-    const int contextCode = versionCodeOf(context->format());
-    m_glsl.versionCode = contextCode;
-    m_glsl.modernSyntax = false;
-    m_glsl.gpuShader4 = false;
-    m_glsl.glslVersion = QString();
+    const int contextCode = context->format().majorVersion() * 16 + context->format().minorVersion();
+    m_glsl = {/*modernSyntax=*/false, /*gpuShader4=*/false, contextCode, /*glslVersion=*/{}};
 
     QOpenGLShader shader(QOpenGLShader::Vertex);
     GlslVersionTable table;

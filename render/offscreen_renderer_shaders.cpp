@@ -15,9 +15,6 @@ namespace
 
 constexpr GLuint kVertexAttribute = 0;
 constexpr GLuint kNormalAttribute = 1;
-constexpr int kFloatsPerVector = 3;
-constexpr GLsizei kPlainStrideBytes = 2 * kFloatsPerVector * static_cast<GLsizei>(sizeof(float));
-constexpr quintptr kNormalOffsetBytes = kFloatsPerVector * sizeof(float);
 
 } // namespace
 
@@ -102,17 +99,15 @@ void OffscreenRenderer::setVertexLayout()
     const QOpenGLVertexArrayObject::Binder binder(&m_vao);
     m_vbo.create();
     m_vbo.bind();
-    if (m_useGeometryShader) {
-        m_functions->glEnableVertexAttribArray(kVertexAttribute);
-        m_functions->glVertexAttribPointer(kVertexAttribute, kFloatsPerVector, GL_FLOAT, GL_FALSE, 0, nullptr);
-    } else {
-        m_functions->glEnableVertexAttribArray(kVertexAttribute);
+    constexpr GLsizei kVectorBytes = kFloatsPerVector * static_cast<GLsizei>(sizeof(float));
+    const GLsizei stride = m_useGeometryShader ? 0 : 2 * kVectorBytes;
+    m_functions->glEnableVertexAttribArray(kVertexAttribute);
+    m_functions->glVertexAttribPointer(kVertexAttribute, kFloatsPerVector, GL_FLOAT, GL_FALSE, stride, nullptr);
+    if (!m_useGeometryShader) {
         m_functions->glEnableVertexAttribArray(kNormalAttribute);
-        m_functions->glVertexAttribPointer(kVertexAttribute, kFloatsPerVector, GL_FLOAT, GL_FALSE, kPlainStrideBytes,
-                                           nullptr);
         // An offset into the bound buffer, which OpenGL takes as a pointer.
-        m_functions->glVertexAttribPointer(kNormalAttribute, kFloatsPerVector, GL_FLOAT, GL_FALSE, kPlainStrideBytes,
-                                           reinterpret_cast<const void*>(kNormalOffsetBytes));
+        m_functions->glVertexAttribPointer(kNormalAttribute, kFloatsPerVector, GL_FLOAT, GL_FALSE, stride,
+                                           reinterpret_cast<const void*>(quintptr{kVectorBytes}));
     }
     m_vbo.release();
 }
