@@ -17,7 +17,7 @@ qint32 sideFrom(const std::uint8_t* bytes)
 
 } // namespace
 
-// Six bytes are the picture's size, the least side and the shading, the others are the pixel data.
+// Six bytes are the picture's size, the minimum side and the shading, the others are the pixel data.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {
     if (size < kHeadBytes)

@@ -1,5 +1,8 @@
 #include "fuzz/preview_limits.h"
 
+#include <QHash>
+#include <QtEndian>
+
 #include <cstdlib>
 
 namespace zr::fuzz
@@ -9,7 +12,13 @@ namespace
 
 constexpr qint32 kMaxSide = 150;
 
-// `headOffset` is where the preview's header stands in the file, `behindHead` where the reader looks when that is
+// The signed number at `offset`; 0 when the input does not reach so far.
+qint64 fieldAt(const QByteArray& input, qint64 offset)
+{
+    return offset >= 0 && offset + 4 <= input.size() ? qFromLittleEndian<qint32>(input.constData() + offset) : 0;
+}
+
+// `headOffset` is where the preview's header is in the file, `behindHead` where the reader looks when that is
 // negative.
 void limitPreviewSize(QByteArray& input, qint64 headOffset, qint64 behindHead)
 {
@@ -20,13 +29,6 @@ void limitPreviewSize(QByteArray& input, qint64 headOffset, qint64 behindHead)
         if (side > kMaxSide && side <= kMaxValidSide)
             qToLittleEndian(side % kMaxSide + 1, input.data() + field);
     }
-}
-
-} // namespace
-
-qint64 fieldAt(const QByteArray& input, qint64 offset)
-{
-    return offset >= 0 && offset + 4 <= input.size() ? qFromLittleEndian<qint32>(input.constData() + offset) : 0;
 }
 
 void limitVrx(QByteArray& input)
@@ -67,6 +69,18 @@ void limitSvgx(QByteArray& input)
         return;
     qToLittleEndian(static_cast<qint32>(width % kMaxSide + 1), input.data() + bmp + 18);
     qToLittleEndian(static_cast<qint32>(height % kMaxSide), input.data() + bmp + 22);
+}
+
+} // namespace
+
+void limitPreview(const QString& suffix, QByteArray& input)
+{
+    static const QHash<QString, void (*)(QByteArray&)> limits{
+        {"vrx", limitVrx}, {"vrxdlp", limitVrx},        {"fdg", limitFdg},
+        {"gf", limitGf},   {"kestravo", limitKestravo}, {"svgx", limitSvgx},
+    };
+    if (const auto limit = limits.value(suffix))
+        limit(input);
 }
 
 } // namespace zr::fuzz

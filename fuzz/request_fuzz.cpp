@@ -14,7 +14,6 @@
 
 #include <cstdint>
 #include <cstdlib>
-#include <functional>
 #include <new>
 
 namespace
@@ -59,16 +58,6 @@ void write(const QString& path, const QByteArray& bytes)
     require(file.open(QIODevice::WriteOnly | QIODevice::Truncate) && file.write(bytes) == bytes.size());
 }
 
-void limitPictures(const QString& suffix, QByteArray& input)
-{
-    static const QHash<QString, std::function<void(QByteArray&)>> limits{
-        {"vrx", fuzz::limitVrx}, {"vrxdlp", fuzz::limitVrx},        {"fdg", fuzz::limitFdg},
-        {"gf", fuzz::limitGf},   {"kestravo", fuzz::limitKestravo}, {"svgx", fuzz::limitSvgx},
-    };
-    if (const auto limit = limits.value(suffix))
-        limit(input);
-}
-
 // Whether the request succeeded; then its picture is there, and the next request finds it. What it may throw is the
 // lack of memory that a file claims.
 bool requestSucceeds(const QString& path, const QString& png)
@@ -94,7 +83,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         return 0;
     const QString& suffix = suffixes.at(data[size - 1] % suffixes.size());
     QByteArray input(reinterpret_cast<const char*>(data), static_cast<int>(size - 1));
-    limitPictures(suffix, input);
+    fuzz::limitPreview(suffix, input);
 
     const QString path = sourceFolder() + "/source." + suffix;
     const QString png = thumbnailImageFolder() + "source." + suffix + suffix + ".png";

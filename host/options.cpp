@@ -1,5 +1,6 @@
 #include "host/options.h"
 
+#include "core/job/reader_table.h"
 #include "host/thumbnail_client.h"
 
 #include <QCommandLineParser>
@@ -15,8 +16,7 @@ constexpr int kMaxSizePx = 4096;
 
 // Below the list of options.
 const char* const kMoreHelp = R"(
-Formats: stl, obj, slc (models); vrx, vrxdlp, fdg, gf, photons, svgx, kestravo
-(slice files with a preview).
+Formats: %1
 
 Examples:
   zrthumb part.stl                       print where its cached PNG is
@@ -54,7 +54,7 @@ struct CommandLine {
         char name[] = "zrthumb";
         char* argv[] = {name, nullptr};
         const QCoreApplication application(argc, argv);
-        return parser.helpText() + QLatin1String(kMoreHelp);
+        return parser.helpText() + QString(QLatin1String(kMoreHelp)).arg(supportedSuffixes().join(QLatin1String(", ")));
     }
 
     QCommandLineParser parser;

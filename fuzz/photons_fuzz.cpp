@@ -1,8 +1,0 @@
-#include "fuzz/slice_reader_fuzz.h"
-#include "readers/slice/photons_file_thumbnail.h"
-
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
-{
-    using namespace zr::fuzz;
-    return readPicture<zr::PhotonsFileThumbnail>(inputBytes(data, size));
-}
