@@ -16,18 +16,18 @@ inline QByteArray rawInput(const std::uint8_t* data, std::size_t size)
 }
 
 /// A machine whose memory never runs out, so that an input does the same everywhere.
-inline MemoryFigures endlessMemory(MemoryQuery /*query*/)
+inline MemoryFigures endlessMemory()
 {
     return {quint64{1} << 40U, 10};
 }
 
 /// A machine on which no model can be loaded, and one whose memory runs out on the way.
-inline MemoryFigures noMemory(MemoryQuery /*query*/)
+inline MemoryFigures noMemory()
 {
     return {0, 10};
 }
 
-inline MemoryFigures scarceMemory(MemoryQuery /*query*/)
+inline MemoryFigures scarceMemory()
 {
     return {quint64{1} << 40U, 90};
 }

@@ -1,13 +1,12 @@
 // Reads the input as a text STL file and as an OBJ file, and a second time with Qt alone: the same bits must come out.
-// Each of its lines must keep its tokens when it is condensed, as lines that are longer than the loaders' buffer are.
+// Each of its lines must have the same tokens when it comes in pieces, as lines that are longer than the loaders'
+// buffer do.
 
 #include "fuzz/mesh_fuzz.h"
-#include "readers/mesh/line_condenser.h"
 #include "readers/mesh/obj_mesh.h"
 #include "readers/mesh/stl_mesh.h"
-#include "tests/readers/mesh/plain_text_model.h"
-
-#include <algorithm>
+#include "readers/mesh/text/line_tokenizer.h"
+#include "tests/readers/mesh/reference/reference_text_model.h"
 
 namespace
 {
@@ -27,39 +26,25 @@ void compareStl(const QByteArray& input)
     StlMesh mesh(false, fuzz::endlessMemory);
     fuzz::parses(mesh, file, kFloatsPerTriangle);
     require(mesh.chunks().isEmpty() ||
-            test::sameBits(test::cornersOf(mesh.chunks()), test::plainAsciiStl(file).corners));
+            test::sameBits(test::cornersOf(mesh.chunks()), test::referenceAsciiStl(file).corners));
 }
 
 void compareObj(const QByteArray& input)
 {
     ObjMesh mesh(false, fuzz::endlessMemory);
     if (fuzz::parses(mesh, input, kFloatsPerTriangle))
-        require(test::sameBits(test::cornersOf(mesh.chunks()), test::plainObj(input).corners));
+        require(test::sameBits(test::cornersOf(mesh.chunks()), test::referenceObj(input).corners));
 }
 
-// A first token that is too long for a keyword is cut, and all that follows it.
-bool isNoKeyword(const LineTokens& line)
+void comparePieces(const QByteArray& line)
 {
-    constexpr int keptBytes = 13;
-    return line.count > 0 && line.tokens[0].end - line.tokens[0].begin > keptBytes;
-}
-
-void compareCondensed(const QByteArray& line)
-{
-    const LineTokens expected = splitLine(line.constBegin(), line.constEnd());
-    if (isNoKeyword(expected))
-        return;
-    LineCondenser condenser;
+    LineTokenizer tokenizer;
     const char* const middle = line.constBegin() + line.size() / 2;
-    condenser.add(line.constBegin(), middle);
-    condenser.add(middle, line.constEnd());
-    const QByteArray condensed = condenser.takeLine();
-    const LineTokens actual = splitLine(condensed.constBegin(), condensed.constEnd());
-    require(actual.count == expected.count);
-    for (std::size_t i = 0; i < static_cast<std::size_t>(actual.count); ++i) {
-        require(
-            std::equal(actual.tokens[i].begin, actual.tokens[i].end, expected.tokens[i].begin, expected.tokens[i].end));
-    }
+    tokenizer.add(line.constBegin(), middle);
+    tokenizer.add(middle, line.constEnd());
+    require(tokenizer.tokens() == tokensOf(line.constBegin(), line.constEnd()));
+    const QByteArray condensed = ' ' + tokenizer.tokens().join(' ');
+    require(tokensOf(condensed.constBegin(), condensed.constEnd()) == tokenizer.tokens());
 }
 
 } // namespace
@@ -71,6 +56,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     compareObj(input);
     const QList<QByteArray> lines = input.split('\n');
     for (const QByteArray& line : lines)
-        compareCondensed(line + '\n');
+        comparePieces(line + '\n');
     return 0;
 }

@@ -2,8 +2,8 @@
 
 #include "fuzz/mesh_fuzz.h"
 #include "readers/mesh/slc_mesh.h"
-#include "tests/readers/mesh/plain_slc.h"
-#include "tests/readers/mesh/plain_text_model.h"
+#include "tests/readers/mesh/reference/reference_slc.h"
+#include "tests/readers/mesh/reference/reference_text_model.h"
 
 namespace
 {
@@ -30,7 +30,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     SlcMesh mesh(false, fuzz::endlessMemory);
     fuzz::parses(mesh, input, kFloatsPerTriangle);
 
-    const auto expected = test::plainSlc(input).triples;
+    const auto expected = test::referenceSlc(input).triples;
     const auto actual = test::triplesOf(mesh.chunks());
     if (actual.size() != expected.size() || !test::sameBits(positions(actual), positions(expected)))
         std::abort();

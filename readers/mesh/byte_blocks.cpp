@@ -18,7 +18,7 @@ ByteBlocks::ByteBlocks(QFile& file)
 {
 }
 
-// Reads behind what is left until `bytes` bytes are there.
+// Reads on after what is left until there are `bytes` bytes.
 bool ByteBlocks::fill(qint64 bytes)
 {
     char* const front = m_buffer.get();

@@ -12,10 +12,10 @@ namespace zr
 class ByteBlocks
 {
 public:
-    /// Reads `file`, which must be open, from where it stands.
+    /// Reads `file`, which must be open, from its position on.
     explicit ByteBlocks(QFile& file);
 
-    /// The next `bytes` bytes, at most kMostBytes, in one piece; null when the file has fewer, which then are passed
+    /// The next `bytes` bytes, at most kMaxBytes, in one piece; null when the file has fewer, which then are passed
     /// over. They stay valid until the next call.
     const char* take(qint64 bytes)
     {
@@ -32,7 +32,7 @@ public:
     /// Goes to the end of the file.
     void skipAll();
 
-    static constexpr qint64 kMostBytes = 16;
+    static constexpr qint64 kMaxBytes = 16;
 
 private:
     bool fill(qint64 bytes);

@@ -3,6 +3,7 @@
 #include <QtGlobal>
 
 #include <cstddef>
+#include <optional>
 
 namespace zr
 {
@@ -11,21 +12,55 @@ namespace zr
 struct MemoryFigures {
     quint64 availableBytes; ///< physical memory that can be had without swapping
     quint32 loadPercent;    ///< share of the physical memory that is in use, 0 to 100
+
+    /// Whether loading must stop.
+    bool areShort() const { return loadPercent >= 90; }
 };
 
-/// Who asks for the figures: a step of its own, or a loop that asks after each triangle.
-enum class MemoryQuery { Single, InLoop };
+/// Where a mesh takes the figures from: systemMemory(), except in tests, which simulate a machine without memory.
+using MemoryProbe = MemoryFigures (*)();
 
-/// Where a mesh takes the figures from: systemMemory(), but for tests that play a machine without memory.
-using MemoryProbe = MemoryFigures (*)(MemoryQuery);
+/// The figures of this machine at this moment. May be called from any thread.
+MemoryFigures systemMemory();
 
-/// The figures of this machine at this moment; in a loop on Linux, at most some thousand triangles ago. May be called
-/// from any thread.
-MemoryFigures systemMemory(MemoryQuery query);
+/// The number of triangles that a loop may add between two calls of systemMemory(): few enough to take little memory,
+/// and enough for the calls to cost nothing.
+extern const int kTrianglesPerReading;
 
-/// Tells the platform that `bytes` bytes from `begin` are about to be filled from front to back, so that it may back
-/// them with large pages: a chunk's first touch otherwise costs more than parsing what goes into it.
+/// Watches the memory during one loop that adds triangles. Made before the loop; any other probe than systemMemory()
+/// is asked each time.
+class MemoryWatch
+{
+public:
+    explicit MemoryWatch(MemoryProbe probe)
+        : m_probe(probe), m_trianglesPerReading(probe == systemMemory ? kTrianglesPerReading : 1)
+    {
+    }
+
+    /// Whether loading must stop. To be asked after each triangle; the first time reads the figures.
+    bool isShort()
+    {
+        if (--m_trianglesToReading > 0)
+            return false;
+        m_trianglesToReading = m_trianglesPerReading;
+        return m_probe().areShort();
+    }
+
+private:
+    const MemoryProbe m_probe;
+    const int m_trianglesPerReading;
+    int m_trianglesToReading = 1;
+};
+
+/// Prepares for `bytes` bytes from `begin` on being filled from front to back, so that the platform may back them with
+/// large pages: a chunk's first touch otherwise costs more than parsing what goes into it.
 /// Changes no content; does nothing where the platform has no such call.
 void expectSequentialFill(void* begin, std::size_t bytes);
+
+#ifdef Q_OS_LINUX
+/// The figures in the text of /proc/meminfo; nullopt when a needed line is missing or makes no sense. The page cache
+/// does not count as used memory, since the kernel gives it away on demand.
+std::optional<MemoryFigures> memoryFiguresFromMeminfo(const char* text);
+#endif
 
 } // namespace zr

@@ -1,9 +1,9 @@
 #include "readers/mesh/memory_probe.h"
 
-#include "readers/mesh/meminfo_text.h"
-
 #include <array>
 #include <cstdint>
+#include <cstdlib>
+#include <cstring>
 
 #include <fcntl.h>
 #include <sys/mman.h>
@@ -15,13 +15,18 @@ namespace zr
 namespace
 {
 
-// The lines that matter stand at the top of /proc/meminfo.
+// The lines that matter are at the top of /proc/meminfo.
 constexpr std::size_t kMeminfoBytes = 512;
 
-// So many triangles take less than 3 MB of memory.
-constexpr int kTrianglesPerReading = 32768;
-
+constexpr quint64 kBytesPerKilobyte = 1024;
 constexpr std::size_t kLargePageBytes = std::size_t{2} << 20U;
+
+// The number after `name` in kilobytes, 0 when there is none.
+quint64 kilobytes(const char* text, const char* name)
+{
+    const char* const line = std::strstr(text, name);
+    return line ? std::strtoull(line + std::strlen(name), nullptr, 10) : 0;
+}
 
 // What is left to a system without /proc; counts the page cache as used.
 MemoryFigures figuresWithoutProc()
@@ -35,7 +40,21 @@ MemoryFigures figuresWithoutProc()
     return {available * info.mem_unit, static_cast<quint32>(used * 100 / info.totalram)};
 }
 
-MemoryFigures readFigures()
+} // namespace
+
+// Reading the figures takes as long as 300 triangles of an OBJ file, and these take less than 3 MB.
+const int kTrianglesPerReading = 32768;
+
+std::optional<MemoryFigures> memoryFiguresFromMeminfo(const char* text)
+{
+    const quint64 total = kilobytes(text, "MemTotal:");
+    const quint64 available = kilobytes(text, "MemAvailable:");
+    if (total == 0 || available > total || !std::strstr(text, "MemAvailable:"))
+        return std::nullopt;
+    return MemoryFigures{available * kBytesPerKilobyte, static_cast<quint32>((total - available) * 100 / total)};
+}
+
+MemoryFigures systemMemory()
 {
     std::array<char, kMeminfoBytes + 1> text{};
     const int file = open("/proc/meminfo", O_RDONLY | O_CLOEXEC);
@@ -45,21 +64,6 @@ MemoryFigures readFigures()
     close(file);
     const auto figures = bytes > 0 ? memoryFiguresFromMeminfo(text.data()) : std::nullopt;
     return figures ? *figures : figuresWithoutProc();
-}
-
-} // namespace
-
-// Reading the figures takes as long as 300 triangles of an OBJ file. The first triangle of a loop comes after a single
-// query and has them read again.
-MemoryFigures systemMemory(MemoryQuery query)
-{
-    thread_local MemoryFigures figures{};
-    thread_local int trianglesToReading = 0;
-    if (query == MemoryQuery::InLoop && --trianglesToReading > 0)
-        return figures;
-    trianglesToReading = query == MemoryQuery::InLoop ? kTrianglesPerReading : 0;
-    figures = readFigures();
-    return figures;
 }
 
 void expectSequentialFill(void* begin, std::size_t bytes)

@@ -5,11 +5,14 @@
 namespace zr
 {
 
-MemoryFigures systemMemory(MemoryQuery /*query*/)
+// The system keeps the figures ready.
+const int kTrianglesPerReading = 1;
+
+MemoryFigures systemMemory()
 {
     MEMORYSTATUSEX status{};
     status.dwLength = sizeof(status);
-    // A machine that does not tell its memory counts as one that has none left.
+    // A machine that does not report its memory counts as one that has none left.
     if (!GlobalMemoryStatusEx(&status))
         return {0, 100};
     return {status.ullAvailPhys, static_cast<quint32>(status.dwMemoryLoad)};

@@ -1,5 +1,6 @@
 #include "readers/mesh/mesh.h"
 
+#include "core/log_file.h"
 #include "readers/mesh/triangle.h"
 
 namespace zr
@@ -7,9 +8,8 @@ namespace zr
 namespace
 {
 
-constexpr quint32 kShortMemoryPercent = 90;
-constexpr double kLargestModel = 10000.0;
-static_assert(kLargestModel == 10000, "reason::kModelSizeWrong names it");
+constexpr double kMaxExtent = 10000.0;
+static_assert(kMaxExtent == 10000, "reason::kModelSizeWrong names it");
 
 } // namespace
 
@@ -25,8 +25,16 @@ Mesh::~Mesh()
 
 void Mesh::clear()
 {
-    qDeleteAll(m_chunks);
-    m_chunks.clear();
+    for (TriangleChunks* const chunks : {&m_chunks, &m_spareChunks}) {
+        qDeleteAll(*chunks);
+        chunks->clear();
+    }
+}
+
+void Mesh::start()
+{
+    clear();
+    setBounds(Bounds());
 }
 
 void Mesh::setBounds(const Bounds& bounds)
@@ -35,17 +43,13 @@ void Mesh::setBounds(const Bounds& bounds)
     storeVec3(m_min.data(), bounds.min);
 }
 
-bool Mesh::exceedsFreeMemory(quint64 bytes) const
+void Mesh::requireMemoryFor(quint64 bytes, const ThrownKey& failure) const
 {
-    return bytes >= m_probe(MemoryQuery::Single).availableBytes * 2 / 3;
+    if (bytes >= m_probe().availableBytes * 2 / 3)
+        throwKey(failure);
 }
 
-bool Mesh::memoryIsShort(MemoryQuery query) const
-{
-    return m_probe(query).loadPercent >= kShortMemoryPercent;
-}
-
-float Mesh::largestExtent() const
+float Mesh::maxExtent() const
 {
     const float dx = m_max[0] - m_min[0];
     const float dy = m_max[1] - m_min[1];
@@ -56,7 +60,13 @@ float Mesh::largestExtent() const
 
 bool Mesh::extentIsUsable(float extent)
 {
-    return !(extent == 0.0F || double{extent} > kLargestModel);
+    return !(extent == 0.0F || double{extent} > kMaxExtent);
+}
+
+void Mesh::requireUsableExtent(const ThrownKey& failure) const
+{
+    if (!extentIsUsable(maxExtent()))
+        throwKey(failure);
 }
 
 } // namespace zr

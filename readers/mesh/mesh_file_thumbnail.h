@@ -1,6 +1,7 @@
 #pragma once
 
 #include "core/file_reader_base.h"
+#include "core/log_contract.h"
 #include "core/log_file.h"
 #include "render/offscreen_renderer.h"
 #include "render/renderer_failures.h"
@@ -17,7 +18,7 @@ template <typename MeshType>
 class MeshFileThumbnail : public FileReaderBase
 {
 public:
-    /// Parses the file. An error key does not get out of here: it is logged, and there is no picture.
+    /// Parses the file. An error key is caught here and logged, and there is no picture.
     void readFile() override
     {
         if (!m_valid)
@@ -50,45 +51,9 @@ protected:
 
     MeshFileThumbnail(const QString& filePath, ReadLines lines) : FileReaderBase(filePath), m_lines(lines) {}
 
-    /// Makes the renderer, which needs no success to exist, and the mesh that suits it.
+    /// Makes the renderer, which exists even if OpenGL fails, and the mesh that suits it.
     void makeRenderer(bool perspective) { m_renderer = std::make_unique<OffscreenRenderer>(perspective); }
     void makeMesh() { m_mesh = std::make_unique<MeshType>(m_renderer->usesGeometryShader()); }
-
-    /// The log numbers of makeParts(), in the order of its steps.
-    struct PartLines {
-        int begun;
-        int rendererMade;
-        int meshMade;
-        FailureLine failed;
-    };
-
-    /// Makes the renderer and the mesh, step by step in the log. An error key leaves a reader without a picture; a
-    /// standard exception passes through.
-    void makeParts(bool perspective, PartLines lines)
-    {
-        try {
-            logLine(lines.begun, QString());
-            makeRenderer(perspective);
-            logLine(lines.rendererMade, QString());
-            makeMesh();
-            logLine(lines.meshMade, QString());
-        } catch (const QString&) {
-            logLine(lines.failed);
-            m_valid = false;
-        }
-    }
-
-    /// The picture of a mesh that was read; a null image after a standard exception.
-    QImage tryRenderMesh()
-    {
-        if (!m_valid)
-            return QImage();
-        try {
-            return renderMesh();
-        } catch (const std::exception&) {
-            return QImage();
-        }
-    }
 
     QImage renderMesh()
     {
@@ -102,6 +67,57 @@ protected:
 
 private:
     const ReadLines m_lines;
+};
+
+/// The readers of OBJ and SLC files: these log each step of their making, let standard exceptions out of it but not
+/// error keys, and do the opposite when the mesh is drawn. The picture is 400 x 400 with a transparent background; a
+/// null image when the file cannot be read.
+template <typename MeshType>
+class LoggedMeshThumbnail : public MeshFileThumbnail<MeshType>
+{
+public:
+    QImage previewImage() override
+    {
+        if (!this->m_valid)
+            return QImage();
+        try {
+            return this->renderMesh();
+        } catch (const std::exception&) {
+            return QImage();
+        }
+    }
+
+protected:
+    /// The log numbers of the constructor, in the order of its steps.
+    struct MakingLines {
+        int begun;
+        int rendererMade;
+        int meshMade;
+        FailureLine failed;
+    };
+
+    static constexpr ThrownKey kNotOpened{40, key::kModelNotOpened, reason::kCannotBeOpened};
+    static constexpr int kReadFailed = 45;
+
+    static FailureLines failuresWith(const MakingLines& lines)
+    {
+        return MeshFileThumbnail<MeshType>::withParts({kNotOpened, lines.failed});
+    }
+
+    LoggedMeshThumbnail(const QString& filePath, bool perspective, const MakingLines& lines)
+        : MeshFileThumbnail<MeshType>(filePath, {kNotOpened, kReadFailed})
+    {
+        try {
+            logLine(lines.begun, QString());
+            this->makeRenderer(perspective);
+            logLine(lines.rendererMade, QString());
+            this->makeMesh();
+            logLine(lines.meshMade, QString());
+        } catch (const QString&) {
+            logLine(lines.failed);
+            this->m_valid = false;
+        }
+    }
 };
 
 } // namespace zr

@@ -6,17 +6,17 @@
 namespace zr
 {
 
-/// Draws models in files with the suffix "obj" in perspective. The picture is 400 x 400
-/// with a transparent background; a null image when the file cannot be read.
-class ObjFileThumbnail : public MeshFileThumbnail<ObjMesh>
+/// Draws models in files with the suffix "obj" in perspective.
+class ObjFileThumbnail : public LoggedMeshThumbnail<ObjMesh>
 {
 public:
     /// The failures that it logs.
-    static FailureLines failures();
+    static FailureLines failures() { return failuresWith(kLines); }
 
-    explicit ObjFileThumbnail(const QString& filePath);
+    explicit ObjFileThumbnail(const QString& filePath) : LoggedMeshThumbnail(filePath, true, kLines) {}
 
-    QImage previewImage() override;
+private:
+    static constexpr MakingLines kLines{12, 14, 16, {18, "", FailureLine::Rest::None, reason::kOpenGlFailed}};
 };
 
 } // namespace zr

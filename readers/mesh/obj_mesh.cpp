@@ -1,50 +1,43 @@
 #include "readers/mesh/obj_mesh.h"
 
-#include "core/log_file.h"
+#include "core/log_contract.h"
 #include "core/reasons.h"
-#include "readers/mesh/chunk_writer.h"
-#include "readers/mesh/number_text.h"
 #include "readers/mesh/position_list.h"
-#include "readers/mesh/text_blocks.h"
-#include "readers/mesh/triangle.h"
-
-#include <cstring>
+#include "readers/mesh/text/line_tokenizer.h"
+#include "readers/mesh/text/reference_number.h"
+#include "readers/mesh/text/scalar_number.h"
+#include "readers/mesh/text/text_blocks.h"
+#include "readers/mesh/triangle_writer.h"
 
 namespace zr
 {
 namespace
 {
 
-constexpr ThrownKey kFileTooLarge{23, "fileIsCanNoRender", reason::kFileTooLarge};
-constexpr ThrownKey kMemOut{123, "memOut", reason::kMemoryShort};
-constexpr ThrownKey kSizeErr{143, "modelSizeIsErr", reason::kModelSizeWrong};
+constexpr ThrownKey kFileTooLarge{23, key::kModelTooLarge, reason::kFileTooLarge};
+constexpr ThrownKey kMemOut{123, key::kMemoryOut, reason::kMemoryShort};
+constexpr ThrownKey kSizeErr{143, key::kModelSize, reason::kModelSizeWrong};
 
 enum class LineKind { Other, Vertex, Face };
 
-/// What a line of the file says.
+/// The content of a line.
 struct ObjLine {
     Vec4 point;
     Indices face;
 };
 
-const char* lineAfter(const char* text, const char* end)
-{
-    return static_cast<const char*>(std::memchr(text, '\n', static_cast<std::size_t>(end - text))) + 1;
-}
-
 // The line in any form.
 LineKind readAnyLine(const char* begin, const char* end, ObjLine& result)
 {
-    const LineTokens line = splitLine(begin, end);
-    if (line.count < kMostTokens)
+    const QByteArrayList tokens = tokensOf(begin, end);
+    if (tokens.size() < kMaxTokens)
         return LineKind::Other;
-    const auto& tokens = line.tokens;
-    if (isKeyword(tokens[0], "v")) {
-        result.point = Vec4{toFloat(tokens[1]), toFloat(tokens[2]), toFloat(tokens[3]), 0.0F};
+    if (tokens[0].compare("v", Qt::CaseInsensitive) == 0) {
+        result.point = reference::toPoint(tokens);
         return LineKind::Vertex;
     }
-    if (isKeyword(tokens[0], "f")) {
-        result.face = {toIndex(tokens[1]), toIndex(tokens[2]), toIndex(tokens[3]), 0};
+    if (tokens[0].compare("f", Qt::CaseInsensitive) == 0) {
+        result.face = reference::toIndices(tokens);
         return LineKind::Face;
     }
     return LineKind::Other;
@@ -54,42 +47,25 @@ LineKind readAnyLine(const char* begin, const char* end, ObjLine& result)
 LineKind takeLine(const char*& line, const char* end, ObjLine& result)
 {
     const char* const begin = line;
-    const char* const text = plain::skipBlanks(begin);
-    const char* behind = nullptr;
+    const char* const text = skipBlanks(begin);
+    const char* read = nullptr;
     LineKind kind = LineKind::Other;
-    if (plain::isBlank(text[1])) {
+    if (isBlank(text[1])) {
         if (*text == 'v' || *text == 'V') {
-            behind = readPlainPoint(text + 1, result.point);
+            read = readPoint(text + 1, result.point);
             kind = LineKind::Vertex;
         } else if (*text == 'f' || *text == 'F') {
-            behind = readPlainIndices(text + 1, result.face);
+            read = readIndices(text + 1, result.face);
             kind = LineKind::Face;
         }
     }
-    if (behind) {
-        line = *behind == '\n' ? behind + 1 : lineAfter(behind, end);
-        return kind;
-    }
-    line = lineAfter(text, end);
-    // A byte order mark may stand before a keyword.
-    return kind != LineKind::Other || *text == '\xEF' ? readAnyLine(begin, line, result) : LineKind::Other;
+    line = lineAfter(read ? read : text, end);
+    // There may be a byte order mark before a keyword.
+    const bool isOdd = !read && (kind != LineKind::Other || *text == '\xEF');
+    return isOdd ? readAnyLine(begin, line, result) : kind;
 }
 
 } // namespace
-
-ObjMesh::ObjMesh(bool positionsOnly, MemoryProbe probe) : Mesh(positionsOnly, probe) {}
-
-ObjMesh::~ObjMesh()
-{
-    clear();
-}
-
-void ObjMesh::clear()
-{
-    Mesh::clear();
-    qDeleteAll(m_spareChunks);
-    m_spareChunks.clear();
-}
 
 FailureLines ObjMesh::failures()
 {
@@ -98,14 +74,11 @@ FailureLines ObjMesh::failures()
 
 void ObjMesh::parse(QFile& file)
 {
-    clear();
-    setBounds(Bounds());
+    start();
     const qint64 fileBytes = file.size();
-    if (exceedsFreeMemory(static_cast<quint64>(fileBytes)))
-        throwKey(kFileTooLarge);
+    requireMemoryFor(static_cast<quint64>(fileBytes), kFileTooLarge);
 
-    const int trianglesPerChunk = m_positionsOnly ? kTrianglesPerChunk : kTrianglesPerChunkWithNormals;
-    ChunkWriter writer(m_chunks, floatsPerTriangle(), trianglesPerChunk, fileBytes);
+    TriangleWriter triangles(m_chunks, m_positionsOnly, fileBytes, memoryWatch(), kMemOut);
     PositionList positions(fileBytes);
     Bounds bounds;
     ObjLine content{};
@@ -113,28 +86,19 @@ void ObjMesh::parse(QFile& file)
     while (blocks.next()) {
         for (const char* line = blocks.begin(); line != blocks.end();) {
             const LineKind kind = takeLine(line, blocks.end(), content);
-            if (kind == LineKind::Other)
-                continue;
             const qint64 position = blocks.position() + (line - blocks.begin());
             if (kind == LineKind::Vertex) {
                 bounds.include(content.point);
                 positions.append(content.point, position);
-                continue;
+            } else if (kind == LineKind::Face) {
+                const Indices& face = content.face;
+                triangles.add(positions.at(face[0]), positions.at(face[1]), positions.at(face[2]), position);
             }
-            const Indices& face = content.face;
-            const Vec4 a = positions.at(face[0]), b = positions.at(face[1]), c = positions.at(face[2]);
-            if (m_positionsOnly)
-                writeBareTriangle(writer.next(position), a, b, c);
-            else
-                writeTriangle(writer.next(position), a, b, c);
-            if (memoryIsShort(MemoryQuery::InLoop))
-                throwKey(kMemOut);
         }
     }
     setBounds(bounds);
-    if (!extentIsUsable(largestExtent()))
-        throwKey(kSizeErr);
-    writer.finish();
+    requireUsableExtent(kSizeErr);
+    triangles.finish();
     file.close();
 }
 

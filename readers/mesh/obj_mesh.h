@@ -1,6 +1,5 @@
 #pragma once
 
-#include "core/failure_line.h"
 #include "readers/mesh/mesh.h"
 
 namespace zr
@@ -11,10 +10,7 @@ class ObjMesh : public Mesh
 {
 public:
     /// `positionsOnly` is what the renderer reported; without it each vertex record has a normal.
-    explicit ObjMesh(bool positionsOnly, MemoryProbe probe = systemMemory);
-    ~ObjMesh();
-    ObjMesh(const ObjMesh&) = delete;
-    ObjMesh& operator=(const ObjMesh&) = delete;
+    explicit ObjMesh(bool positionsOnly, MemoryProbe probe = systemMemory) : Mesh(positionsOnly, probe) {}
 
     /// The failures of parse().
     static FailureLines failures();
@@ -22,11 +18,6 @@ public:
     /// Replaces the mesh by that of `file`, which is open and gets closed. Throws an error key, which leaves the
     /// chunks that were complete.
     void parse(QFile& file);
-
-    void clear();
-
-private:
-    TriangleChunks m_spareChunks; ///< a second list that no parse fills
 };
 
 } // namespace zr

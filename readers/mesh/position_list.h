@@ -19,7 +19,7 @@ public:
     {
         if (m_count == m_room)
             makeRoom(filePosition);
-        // The float behind the point belongs to the next one, or is the spare one at the end.
+        // The float after the point belongs to the next one, or is the spare one at the end.
         storeVec4(m_floats.data() + 3 * m_count, point);
         ++m_count;
     }

@@ -6,17 +6,17 @@
 namespace zr
 {
 
-/// Draws the contours in files with the suffix "slc" as walls without floors, orthographically from the front. The
-/// picture is 400 x 400 with a transparent background; a null image when the file cannot be read.
-class SlcFileThumbnail : public MeshFileThumbnail<SlcMesh>
+/// Draws models in files with the suffix "slc", seen from the front without perspective.
+class SlcFileThumbnail : public LoggedMeshThumbnail<SlcMesh>
 {
 public:
     /// The failures that it logs.
-    static FailureLines failures();
+    static FailureLines failures() { return failuresWith(kLines); }
 
-    explicit SlcFileThumbnail(const QString& filePath);
+    explicit SlcFileThumbnail(const QString& filePath) : LoggedMeshThumbnail(filePath, false, kLines) {}
 
-    QImage previewImage() override;
+private:
+    static constexpr MakingLines kLines{11, 13, 15, {17, "", FailureLine::Rest::None, reason::kOpenGlFailed}};
 };
 
 } // namespace zr

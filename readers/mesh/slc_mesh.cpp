@@ -1,5 +1,6 @@
 #include "readers/mesh/slc_mesh.h"
 
+#include "core/log_contract.h"
 #include "core/log_file.h"
 #include "core/reasons.h"
 #include "readers/mesh/byte_blocks.h"
@@ -17,18 +18,18 @@ namespace
 constexpr int kLineStart = 23;
 constexpr int kLineEnd = 133;
 
-constexpr ThrownKey kFileTooLarge{30, "fileIsCanNoRender", reason::kFileTooLarge};
-constexpr ThrownKey kShortTable{74, "fileReadLess", reason::kHeaderCut};
-constexpr ThrownKey kAddErr{107, "fileAddErr", reason::kMemoryShort};
-constexpr ThrownKey kSizeErr{124, "fileIsErr", reason::kModelSizeWrong};
-constexpr ThrownKey kHeadErr{130, "fileHeadErr", reason::kSlcHeaderWrong};
+constexpr ThrownKey kFileTooLarge{30, key::kModelTooLarge, reason::kFileTooLarge};
+constexpr ThrownKey kShortTable{74, key::kReadShort, reason::kHeaderCut};
+constexpr ThrownKey kAddErr{107, key::kSlcAdd, reason::kMemoryShort};
+constexpr ThrownKey kSizeErr{124, key::kSlcSize, reason::kModelSizeWrong};
+constexpr ThrownKey kHeadErr{130, key::kSlcHead, reason::kSlcHeaderWrong};
 constexpr FailureLine kMemOut{198, "mem out err", FailureLine::Rest::None, reason::kMemoryShort};
 
 constexpr char kHeadEnd[] = "\r\n\x1a";
 constexpr qint64 kHeadEndBytes = 3;
 constexpr qint64 kReservedBytes = 256;
 
-/// The text at the beginning is searched for its end in reads of this size, up to a read that ends behind
+/// The text at the beginning is searched for its end in reads of this size, up to a read that ends after
 /// kLastSearchPosition.
 constexpr qint64 kSearchBytes = 1024;
 constexpr qint64 kLastSearchPosition = 2048;
@@ -41,7 +42,7 @@ constexpr qint64 kLayerHeadBytes = 8;
 constexpr qint64 kBoundaryHeadBytes = 8;
 constexpr quint32 kNoMoreLayers = 0xFFFFFFFF;
 constexpr float kDefaultThickness = 0.1F;
-constexpr quint32 kLeastPoints = 2;
+constexpr quint32 kMinPoints = 2;
 
 /// A point is two floats.
 constexpr qint64 kPointBytes = 8;
@@ -49,10 +50,7 @@ constexpr qint64 kPointBytes = 8;
 /// A chunk ends with the point or normal that makes kChunkBytes full, be it in the middle of a triangle.
 constexpr int kFloatsPerChunk = (kChunkBytes / 4 + kFloatsPerPoint - 1) / kFloatsPerPoint * kFloatsPerPoint;
 
-constexpr qint64 kFloatsPerWall = 2 * qint64{kFloatsPerTriangle};
-
-/// The chunk grows by so many floats at a time: few enough that zeroing them happens in the processor's cache.
-constexpr int kFloatsPerWindow = 128 * kFloatsPerTriangle;
+constexpr int kFloatsPerWall = 2 * kFloatsPerTriangle;
 
 static_assert(Q_BYTE_ORDER == Q_LITTLE_ENDIAN, "floats are taken from the file as they are");
 
@@ -79,8 +77,6 @@ qint64 storedPoints(quint32 announced)
 
 } // namespace
 
-SlcMesh::SlcMesh(bool positionsOnly, MemoryProbe probe) : Mesh(positionsOnly, probe) {}
-
 FailureLines SlcMesh::failures()
 {
     return {kFileTooLarge, kHeadErr, kShortTable, kAddErr, kMemOut, kSizeErr};
@@ -88,12 +84,10 @@ FailureLines SlcMesh::failures()
 
 void SlcMesh::parse(QFile& file)
 {
-    clear();
+    start();
     m_bounds = Bounds();
-    setBounds(m_bounds);
     logLine(kLineStart, QString());
-    if (exceedsFreeMemory(static_cast<quint64>(file.size())))
-        throwKey(kFileTooLarge);
+    requireMemoryFor(static_cast<quint64>(file.size()), kFileTooLarge);
     readHead(file);
     readLayers(file);
     file.close();
@@ -127,8 +121,7 @@ void SlcMesh::readHead(QFile& file)
 
 void SlcMesh::readLayers(QFile& file)
 {
-    m_chunk = std::make_unique<MeshChunk>();
-    m_cursor = m_windowEnd = m_chunk->data();
+    m_writer.emplace(m_chunks, kFloatsPerChunk);
     ByteBlocks bytes(file);
     while (const char* const head = bytes.take(kLayerHeadBytes)) {
         const float z = readFloat(head);
@@ -136,18 +129,13 @@ void SlcMesh::readLayers(QFile& file)
         if (boundaries == kNoMoreLayers)
             break;
         const Layer layer = layerAt(z);
-        // No boundary follows one that the file has not whole, however many are announced.
+        // No boundary follows one that is cut, however many are announced.
         for (quint32 i = 0; i < boundaries && readBoundary(bytes, layer); ++i) {
         }
     }
     setBounds(m_bounds);
-    if (m_cursor == m_chunk->constData()) {
-        m_chunk.reset();
-        return;
-    }
-    handOverChunk();
-    if (!extentIsUsable(largestExtent()))
-        throwKey(kSizeErr);
+    if (m_writer->finish())
+        requireUsableExtent(kSizeErr);
 }
 
 SlcMesh::Layer SlcMesh::layerAt(float z) const
@@ -174,10 +162,9 @@ bool SlcMesh::readBoundary(ByteBlocks& bytes, Layer layer)
         bytes.skipAll();
         return false;
     }
-    if (announced < kLeastPoints)
+    if (announced < kMinPoints)
         return points == 0 || bytes.take(kPointBytes);
-    const qint64 floatsPerWall = 2 * qint64{floatsPerTriangle()};
-    m_floatsToCome = bytes.remaining() / kPointBytes * floatsPerWall;
+    m_floatsToCome = bytes.remaining() / kPointBytes * 2 * floatsPerTriangle();
     return addWalls(bytes, points, layer);
 }
 
@@ -194,7 +181,7 @@ bool SlcMesh::addWalls(ByteBlocks& bytes, qint64 points, Layer layer)
             m_bounds.include(withZ(previous, layer.top));
         }
         if (i > 0 && addWall(previous, point, layer)) {
-            m_chunk.reset();
+            m_writer.reset();
             throwKey(kAddErr);
         }
         previous = point;
@@ -210,10 +197,9 @@ bool SlcMesh::addWall(Vec4 from, Vec4 to, Layer layer)
 {
     const Vec4 a = withZ(to, layer.bottom), b = withZ(from, layer.bottom);
     const Vec4 c = withZ(to, layer.top), d = withZ(from, layer.top);
-    if (m_windowEnd - m_cursor < kFloatsPerWall)
-        openWindow();
-    // At the end of a chunk, or without normals.
-    if (m_positionsOnly || m_windowEnd - m_cursor < kFloatsPerWall)
+    // At the end of a chunk, or without normals, triple by triple.
+    float* const room = m_positionsOnly ? nullptr : nextFloats(kFloatsPerWall);
+    if (!room)
         return addTriangle(c, b, a) || addTriangle(d, b, a);
     const Vec4 first = edgeProduct(c, b, a);
     const Vec4 second = edgeProduct(d, b, a);
@@ -223,9 +209,8 @@ bool SlcMesh::addWall(Vec4 from, Vec4 to, Layer layer)
     m_bounds.include(a);
     m_bounds.include(normal);
     m_bounds.include(secondNormal);
-    writeTriangle(m_cursor, c, b, a, normal);
-    writeTriangle(m_cursor + kFloatsPerTriangle, d, b, a, secondNormal);
-    m_cursor += kFloatsPerWall;
+    writeTriangle(room, c, b, a, normal);
+    writeTriangle(room + kFloatsPerTriangle, d, b, a, secondNormal);
     endChunkIfFull();
     return false;
 }
@@ -241,47 +226,17 @@ bool SlcMesh::addTriangle(Vec4 a, Vec4 b, Vec4 c)
 // Normals come here, too, and count towards the bounds like points.
 bool SlcMesh::addVertex(Vec4 vertex)
 {
-    if (m_cursor == m_windowEnd)
-        openWindow();
-    storeVec3(m_cursor, vertex);
-    m_cursor += kFloatsPerPoint;
+    storeVec3(nextFloats(kFloatsPerPoint), vertex);
     m_bounds.include(vertex);
     endChunkIfFull();
     return false;
 }
 
-// Lets the chunk's floats exist some way beyond the cursor, but not beyond the chunk's limit.
-void SlcMesh::openWindow()
-{
-    const auto used = static_cast<int>(m_cursor - m_chunk->constData());
-    const int end = std::min(used + kFloatsPerWindow, kFloatsPerChunk);
-    if (end > m_chunk->capacity()) {
-        const qint64 most = std::min<qint64>(used + m_floatsToCome, kFloatsPerChunk);
-        m_chunk->reserve(std::max(end, static_cast<int>(most)));
-        expectSequentialFill(m_chunk->data(), static_cast<std::size_t>(m_chunk->capacity()) * sizeof(float));
-    }
-    m_chunk->resize(end);
-    m_cursor = m_chunk->data() + used;
-    m_windowEnd = m_chunk->data() + end;
-}
-
-void SlcMesh::handOverChunk()
-{
-    m_chunk->resize(static_cast<int>(m_cursor - m_chunk->constData()));
-    m_chunks.append(m_chunk.get());
-    m_chunk.release(); // NOLINT(bugprone-unused-return-value): the list owns it now
-}
-
 void SlcMesh::endChunkIfFull()
 {
-    if (m_cursor != m_windowEnd || m_chunk->size() != kFloatsPerChunk)
-        return;
-    handOverChunk();
-    m_chunk = std::make_unique<MeshChunk>();
-    m_cursor = m_windowEnd = m_chunk->data();
-    if (memoryIsShort()) {
+    if (m_writer->endFullChunk() && memoryIsShort()) {
         logLine(kMemOut);
-        throwKey(kMemOut.number + 1, "memOutErr");
+        throwKey(kMemOut.number + 1, key::kSlcMemoryOut);
     }
 }
 

@@ -1,10 +1,9 @@
 #pragma once
 
-#include "core/failure_line.h"
-#include "readers/mesh/mesh.h"
+#include "readers/mesh/chunk_writer.h"
 #include "readers/mesh/triangle.h"
 
-#include <memory>
+#include <optional>
 #include <vector>
 
 namespace zr
@@ -18,7 +17,7 @@ class SlcMesh : public Mesh
 {
 public:
     /// `positionsOnly` is what the renderer reported; without it each vertex record has a normal.
-    explicit SlcMesh(bool positionsOnly, MemoryProbe probe = systemMemory);
+    explicit SlcMesh(bool positionsOnly, MemoryProbe probe = systemMemory) : Mesh(positionsOnly, probe) {}
 
     /// The failures of parse().
     static FailureLines failures();
@@ -28,7 +27,7 @@ public:
     void parse(QFile& file);
 
 private:
-    /// From which height on layers have which thickness.
+    /// The thickness of layers from a height on.
     struct SamplingEntry {
         float minimumZ;
         float thickness;
@@ -46,22 +45,22 @@ private:
     bool addWalls(ByteBlocks& bytes, qint64 points, Layer layer);
     Layer layerAt(float z) const;
 
-    // These append to the chunk. They return whether it could not be done, which never happens.
+    // These append to the chunk. They return whether it could not be done, which never happens: memory that runs out
+    // is thrown.
     bool addWall(Vec4 from, Vec4 to, Layer layer);
     bool addTriangle(Vec4 a, Vec4 b, Vec4 c);
     bool addVertex(Vec4 vertex);
 
-    void openWindow();
-    void handOverChunk();
+    float* nextFloats(int floats)
+    {
+        return m_writer->next(floats, [this] { return m_floatsToCome; });
+    }
     void endChunkIfFull();
 
     std::vector<SamplingEntry> m_samplingTable;
     Bounds m_bounds;
-
-    std::unique_ptr<MeshChunk> m_chunk;
-    float* m_cursor = nullptr;
-    float* m_windowEnd = nullptr; ///< the chunk's floats exist up to here
-    qint64 m_floatsToCome = 0;    ///< no more than these can come from the rest of the file
+    std::optional<ChunkWriter> m_writer; ///< of the current parse
+    qint64 m_floatsToCome = 0;           ///< no more than these can come from the rest of the file
 };
 
 } // namespace zr

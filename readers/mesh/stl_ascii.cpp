@@ -1,28 +1,22 @@
 // The text form of STL: only its "vertex" lines matter, every third one completes a triangle.
 
-#include "core/log_file.h"
+#include "core/log_contract.h"
 #include "core/reasons.h"
-#include "readers/mesh/chunk_writer.h"
-#include "readers/mesh/number_text.h"
 #include "readers/mesh/stl_mesh.h"
-#include "readers/mesh/text_blocks.h"
-#include "readers/mesh/triangle.h"
-
-#include <cstring>
+#include "readers/mesh/text/line_tokenizer.h"
+#include "readers/mesh/text/reference_number.h"
+#include "readers/mesh/text/scalar_number.h"
+#include "readers/mesh/text/text_blocks.h"
+#include "readers/mesh/triangle_writer.h"
 
 namespace zr
 {
 namespace
 {
 
-constexpr ThrownKey kFileTooLarge{190, "fileIsCanNoRender", reason::kFileTooLarge};
-constexpr ThrownKey kMemOut{290, "memOut", reason::kMemoryShort};
-constexpr ThrownKey kSizeErr{320, "modelSizeIsErr", reason::kModelSizeWrong};
-
-const char* lineAfter(const char* text, const char* end)
-{
-    return static_cast<const char*>(std::memchr(text, '\n', static_cast<std::size_t>(end - text))) + 1;
-}
+constexpr ThrownKey kFileTooLarge{190, key::kModelTooLarge, reason::kFileTooLarge};
+constexpr ThrownKey kMemOut{290, key::kMemoryOut, reason::kMemoryShort};
+constexpr ThrownKey kSizeErr{320, key::kModelSize, reason::kModelSizeWrong};
 
 constexpr quint64 wordOf(const char (&text)[9])
 {
@@ -35,32 +29,32 @@ constexpr quint64 wordOf(const char (&text)[9])
 // The line after that at `text`, known at once for the three lines of which every file is full.
 const char* lineAfterKeyword(const char* text, const char* end)
 {
-    const quint64 first = plain::word(text);
-    const char* behind = text;
+    const quint64 first = word(text);
     if (first == wordOf("endloop\n"))
         return text + 8;
     if (first == wordOf("endfacet"))
-        behind += 8;
+        text += 8;
     else if (first == wordOf("outer lo") && text[8] == 'o' && text[9] == 'p')
-        behind += 10;
-    return *behind == '\n' ? behind + 1 : lineAfter(behind, end);
+        text += 10;
+    return lineAfter(text, end);
 }
 
-// "vertex" in any case at `text`, with a blank behind it.
+// "vertex" in any case at `text`, with a blank after it. A byte with 0x20 added is a lower-case letter only if it was
+// that letter in one case or the other: "V" is 0x56 and "v" is 0x76.
 bool startsWithVertex(const char* text)
 {
-    constexpr quint64 lowerCase = plain::kEveryByte * 0x20;
+    constexpr quint64 lowerCase = wordOf("        ");
     constexpr quint64 sixBytes = 0x0000FFFFFFFFFFFF;
-    return ((plain::word(text) | lowerCase) & sixBytes) == 0x786574726576 && plain::isBlank(text[6]);
+    return ((word(text) | lowerCase) & sixBytes) == (wordOf("vertex  ") & sixBytes) && isBlank(text[6]);
 }
 
 // The vertex in a line of any form; false when the line has none.
 bool readVertexLine(const char* begin, const char* end, Vec4& vertex)
 {
-    const LineTokens line = splitLine(begin, end);
-    if (line.count < kMostTokens || !isKeyword(line.tokens[0], "vertex"))
+    const QByteArrayList tokens = tokensOf(begin, end);
+    if (tokens.size() < kMaxTokens || tokens[0].compare("vertex", Qt::CaseInsensitive) != 0)
         return false;
-    vertex = Vec4{toFloat(line.tokens[1]), toFloat(line.tokens[2]), toFloat(line.tokens[3]), 0.0F};
+    vertex = reference::toPoint(tokens);
     return true;
 }
 
@@ -68,21 +62,32 @@ bool readVertexLine(const char* begin, const char* end, Vec4& vertex)
 bool takeLine(const char*& line, const char* end, Vec4& vertex)
 {
     const char* const begin = line;
-    const char* const text = plain::skipBlanks(begin);
-    // A byte order mark may stand before a keyword; any other first byte of a vertex line is a V.
+    const char* const text = skipBlanks(begin);
+    // There may be a byte order mark before a keyword; any other first byte of a vertex line is a V.
     const bool mayBeVertex = *text == 'v' || *text == 'V' || *text == '\xEF';
-    if (mayBeVertex && startsWithVertex(text)) {
-        if (const char* const behind = readPlainPoint(text + 7, vertex)) {
-            line = *behind == '\n' ? behind + 1 : lineAfter(behind, end);
-            return true;
-        }
-    }
     if (!mayBeVertex) {
         line = lineAfterKeyword(text, end);
         return false;
     }
+    if (startsWithVertex(text)) {
+        if (const char* const read = readPoint(text + 7, vertex)) {
+            line = lineAfter(read, end);
+            return true;
+        }
+    }
     line = lineAfter(text, end);
     return readVertexLine(begin, line, vertex);
+}
+
+// The first line, which may be as long as the file, never counts.
+void skipFirstLine(QFile& file)
+{
+    file.seek(0);
+    std::array<char, 1024> piece{};
+    qint64 bytes = 0;
+    do {
+        bytes = file.readLine(piece.data(), static_cast<qint64>(piece.size()));
+    } while (bytes > 0 && piece[static_cast<std::size_t>(bytes) - 1] != '\n');
 }
 
 } // namespace
@@ -96,39 +101,27 @@ void StlMesh::parseAscii(QFile& file)
 {
     startParse();
     const qint64 fileBytes = file.size();
-    if (exceedsFreeMemory(static_cast<quint64>(fileBytes)))
-        throwKey(kFileTooLarge);
-    file.seek(0);
+    requireMemoryFor(static_cast<quint64>(fileBytes), kFileTooLarge);
+    skipFirstLine(file);
 
-    ChunkWriter writer(m_chunks, floatsPerTriangle(), kTrianglesPerChunkWithNormals, fileBytes);
+    TriangleWriter triangles(m_chunks, m_positionsOnly, fileBytes, memoryWatch(), kMemOut);
     Bounds bounds;
     std::array<Vec4, 3> corners{};
     std::size_t corner = 0;
     TextBlocks blocks(file);
-    bool firstLine = true;
     while (blocks.next()) {
-        const char* line = blocks.begin();
-        const char* const end = blocks.end();
-        if (firstLine)
-            line = lineAfter(line, end);
-        firstLine = false;
-        while (line != end) {
-            if (!takeLine(line, end, corners[corner]))
-                continue;
-            if (++corner < 3)
+        for (const char* line = blocks.begin(); line != blocks.end();) {
+            if (!takeLine(line, blocks.end(), corners[corner]) || ++corner < 3)
                 continue;
             corner = 0;
             for (const Vec4 vertex : corners)
                 bounds.include(vertex);
-            writeTriangle(writer.next(blocks.position() + (line - blocks.begin())), corners[0], corners[1], corners[2]);
-            if (memoryIsShort(MemoryQuery::InLoop))
-                throwKey(kMemOut);
+            triangles.add(corners[0], corners[1], corners[2], blocks.position() + (line - blocks.begin()));
         }
     }
     setBounds(bounds);
-    if (!extentIsUsable(largestExtent()))
-        throwKey(kSizeErr);
-    writer.finish();
+    requireUsableExtent(kSizeErr);
+    triangles.finish();
     file.close();
 }
 

@@ -1,5 +1,6 @@
 #include "readers/mesh/stl_file_thumbnail.h"
 
+#include "core/log_contract.h"
 #include "core/reasons.h"
 
 #include <atomic>
@@ -14,9 +15,9 @@ namespace
 constexpr int kLineFailed = 43;
 
 constexpr FailureLine kInitErr{16, "err init", FailureLine::Rest::None, reason::kMemoryShort};
-constexpr ThrownKey kNotOpened{38, "fileCanNotOpen", reason::kCannotBeOpened};
+constexpr ThrownKey kNotOpened{38, key::kModelNotOpened, reason::kCannotBeOpened};
 
-/// What a finished reader leaves behind. The list makes it plain to leak checkers that it is still wanted.
+/// What a finished reader leaves. The list shows leak checkers that it is still wanted.
 struct Remains {
     StlMesh* mesh;
     OffscreenRenderer* renderer;

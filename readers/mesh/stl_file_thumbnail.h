@@ -9,14 +9,14 @@ namespace zr
 /// Draws models in files with the suffix "stl", text or binary, in perspective. The picture is 400 x 400 with a
 /// transparent background.
 ///
-/// A file that cannot be parsed gives a null image, too, but by way of the renderer, which gets an empty mesh.
+/// A file that cannot be parsed gives a null image, too, but through the renderer, which gets an empty mesh.
 class StlFileThumbnail : public MeshFileThumbnail<StlMesh>
 {
 public:
     /// The failures that it logs.
     static FailureLines failures();
 
-    /// A QString error key of the renderer passes through; of standard exceptions only the log tells.
+    /// A QString error key of the renderer passes through; a standard exception is only logged.
     explicit StlFileThumbnail(const QString& filePath);
 
     /// Keeps the mesh and the renderer for the life of the process.

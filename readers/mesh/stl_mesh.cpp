@@ -1,7 +1,9 @@
 #include "readers/mesh/stl_mesh.h"
 
+#include "core/log_contract.h"
 #include "core/log_file.h"
 #include "core/reasons.h"
+#include "readers/mesh/chunk_writer.h"
 #include "readers/mesh/triangle.h"
 
 #include <QLocale>
@@ -10,7 +12,6 @@
 #include <algorithm>
 #include <array>
 #include <cstring>
-#include <memory>
 #include <vector>
 
 namespace zr
@@ -20,19 +21,19 @@ namespace
 
 constexpr int kLineBatchRead = 100;
 
-constexpr ThrownKey kOpenErr{15, "fileOpenErr", reason::kCannotBeOpened};
-constexpr ThrownKey kCountTooLarge{61, "fileIsCanNoRender", reason::kMemoryShort};
-constexpr ThrownKey kShortBatch{97, "fileReadLess", reason::kTrianglesCut};
-constexpr ThrownKey kBatchMemOut{156, "memOut", reason::kMemoryShort};
+constexpr ThrownKey kOpenErr{15, key::kModelOpen, reason::kCannotBeOpened};
+constexpr ThrownKey kCountTooLarge{61, key::kModelTooLarge, reason::kMemoryShort};
+constexpr ThrownKey kShortBatch{97, key::kReadShort, reason::kTrianglesCut};
+constexpr ThrownKey kBatchMemOut{156, key::kMemoryOut, reason::kMemoryShort};
 constexpr FailureLine kBinarySizeErr{170, " throw size  ", FailureLine::Rest::Anything, reason::kModelSizeWrong};
 
 constexpr qint64 kCountOffset = 80;
 constexpr qint64 kRecordsOffset = 84;
 constexpr qint64 kRecordBytes = 50;
-constexpr std::size_t kFirstVertexOffset = 12; ///< behind the record's own normal
+constexpr std::size_t kFirstVertexOffset = 12; ///< after the record's own normal
 constexpr std::size_t kVertexBytes = 12;
 
-/// The size of a triangle without normals, by which a file is taken to be too large or to need several batches.
+/// The size of a triangle without normals, by which a file is taken to be too large.
 constexpr quint64 kCountedBytes = 36;
 
 /// Records that are read and turned into triangles at a time, so that they stay in the processor's cache.
@@ -49,7 +50,7 @@ bool nextLineContains(QFile& file, const char* word)
 
 static_assert(Q_BYTE_ORDER == Q_LITTLE_ENDIAN, "vertices are taken from the file as they are");
 
-void appendRecords(float* out, const char* record, int count, Bounds& bounds)
+void writeRecords(float* out, const char* record, int count, Bounds& bounds)
 {
     Bounds box = bounds;
     for (; count > 0; --count, record += kRecordBytes, out += kFloatsPerTriangle) {
@@ -66,20 +67,6 @@ void appendRecords(float* out, const char* record, int count, Bounds& bounds)
 }
 
 } // namespace
-
-StlMesh::StlMesh(bool positionsOnly, MemoryProbe probe) : Mesh(positionsOnly, probe) {}
-
-StlMesh::~StlMesh()
-{
-    clear();
-}
-
-void StlMesh::clear()
-{
-    Mesh::clear();
-    qDeleteAll(m_spareChunks);
-    m_spareChunks.clear();
-}
 
 FailureLines StlMesh::failures()
 {
@@ -121,15 +108,14 @@ void StlMesh::startParse()
     m_isAscii = false;
     m_triangleCount = 0;
     m_positionsOnly = false;
-    setBounds(Bounds());
+    start();
 }
 
 void StlMesh::parseBinary(QFile& file)
 {
     startParse();
     // The count is still 0 here, so only a machine without any free memory fails.
-    if (exceedsFreeMemory(m_triangleCount * kCountedBytes))
-        throwKey(kCountTooLarge);
+    requireMemoryFor(m_triangleCount * kCountedBytes, kCountTooLarge);
     std::array<char, sizeof(quint32)> count{};
     file.seek(kCountOffset);
     // A file that ends here has what it has of the count, the rest is zero.
@@ -138,50 +124,46 @@ void StlMesh::parseBinary(QFile& file)
 
     file.seek(kRecordsOffset);
     readBatches(file);
-    const float extent = largestExtent();
+    const float extent = maxExtent();
     if (!extentIsUsable(extent)) {
         logLine(kBinarySizeErr, QStringLiteral("%1").arg(double{extent}, 0, 'g', QLocale::FloatingPointShortest));
-        throw QStringLiteral("modelSizeIsErr");
+        throw QString::fromLatin1(key::kModelSize);
     }
     file.close();
 }
 
 void StlMesh::readBatches(QFile& file)
 {
+    ChunkWriter writer(m_chunks, kTrianglesPerChunk * kFloatsPerTriangle);
     Bounds bounds;
-    const quint64 most = m_triangleCount * kCountedBytes > kChunkBytes ? kTrianglesPerChunk : m_triangleCount;
     for (quint64 done = 0; done < m_triangleCount;) {
-        const quint64 batch = std::min(most, m_triangleCount - done);
-        readBatch(file, static_cast<int>(batch), bounds);
+        const quint64 batch = std::min<quint64>(kTrianglesPerChunk, m_triangleCount - done);
+        readBatch(file, static_cast<int>(batch), writer, bounds);
         setBounds(bounds);
         if (memoryIsShort())
             throwKey(kBatchMemOut);
         done += batch;
     }
+    writer.finish();
 }
 
-// One batch makes one chunk. It is logged when all of it has been read.
-void StlMesh::readBatch(QFile& file, int triangles, Bounds& bounds)
+// One batch makes one chunk, since both end at kTrianglesPerChunk. It is logged when all of it has been read.
+void StlMesh::readBatch(QFile& file, int triangles, ChunkWriter& writer, Bounds& bounds)
 {
-    // Do not make a chunk for triangles that cannot be there: any count can stand in a broken file.
+    // Do not make a chunk for triangles that cannot be there: a broken file can have any count.
     if (file.size() - file.pos() < triangles * kRecordBytes)
         throwKey(kShortBatch);
-    auto chunk = std::make_unique<MeshChunk>();
-    chunk->reserve(triangles * kFloatsPerTriangle);
-    expectSequentialFill(chunk->data(), static_cast<std::size_t>(chunk->capacity()) * sizeof(float));
     std::vector<char> records(static_cast<std::size_t>(std::min(triangles, kRecordsPerPiece) * kRecordBytes));
-    for (int done = 0; done < triangles;) {
-        const int piece = std::min(triangles - done, kRecordsPerPiece);
+    for (int left = triangles; left > 0;) {
+        const int piece = std::min(left, kRecordsPerPiece);
         if (file.read(records.data(), piece * kRecordBytes) != piece * kRecordBytes)
             throwKey(kShortBatch);
-        const int used = chunk->size();
-        chunk->resize(used + piece * kFloatsPerTriangle);
-        appendRecords(chunk->data() + used, records.data(), piece, bounds);
-        done += piece;
+        float* const room =
+            writer.next(piece * kFloatsPerTriangle, [left] { return qint64{left} * kFloatsPerTriangle; });
+        writeRecords(room, records.data(), piece, bounds);
+        left -= piece;
     }
     logLine(kLineBatchRead, QString());
-    m_chunks.append(chunk.get());
-    chunk.release(); // NOLINT(bugprone-unused-return-value): the list owns it now
 }
 
 } // namespace zr

@@ -1,20 +1,18 @@
 #pragma once
 
-#include "core/failure_line.h"
 #include "readers/mesh/mesh.h"
 
 namespace zr
 {
+
+class ChunkWriter;
 
 /// The triangles of an STL file, text or binary.
 class StlMesh : public Mesh
 {
 public:
     /// `positionsOnly` is what the renderer reported; every parse sets it back, so that STL always has normals.
-    explicit StlMesh(bool positionsOnly, MemoryProbe probe = systemMemory);
-    ~StlMesh();
-    StlMesh(const StlMesh&) = delete;
-    StlMesh& operator=(const StlMesh&) = delete;
+    explicit StlMesh(bool positionsOnly, MemoryProbe probe = systemMemory) : Mesh(positionsOnly, probe) {}
 
     /// The failures of parse().
     static FailureLines failures();
@@ -23,12 +21,8 @@ public:
     /// logged and leaves a mesh without chunks; the result then is false.
     bool parse(QFile& file);
 
-    bool isAscii() const { return m_isAscii; }
-
     /// The count that a binary file announces.
     quint64 triangleCount() const { return m_triangleCount; }
-
-    void clear();
 
 private:
     /// Sets m_isAscii when the first line of the file contains "solid" and the second one "facet".
@@ -44,9 +38,8 @@ private:
 
     void startParse();
     void readBatches(QFile& file);
-    void readBatch(QFile& file, int triangles, Bounds& bounds);
+    void readBatch(QFile& file, int triangles, ChunkWriter& writer, Bounds& bounds);
 
-    TriangleChunks m_spareChunks; ///< a second list that no parse fills
     bool m_isAscii = false;
     quint64 m_triangleCount = 0;
 };

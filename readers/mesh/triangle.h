@@ -28,7 +28,7 @@ inline Vec4 edgeProduct(Vec4 a, Vec4 b, Vec4 c)
     return rotated(u * rotated(v) - rotated(u) * v);
 }
 
-/// `v` at length 1, for lengths whose square is no ordinary float. A float's square is always a double.
+/// `v` at length 1, for lengths whose square is not an ordinary float. A float's square is always a double.
 inline Vec4 normalizedExactly(Vec4 v)
 {
     const double x = v[0], y = v[1], z = v[2];
@@ -42,15 +42,15 @@ inline Vec4 normalizedExactly(Vec4 v)
 /// `v` at length 1; zero for a vector that is exactly zero, however short the others are. Not finite for vectors that
 /// are not.
 ///
-/// QVector3D::normalized() would not do: it takes the edge product of edges below 1e-3 for zero, and fine meshes are
+/// QVector3D::normalized() would not do: it takes the product of edges below 1e-3 for zero, and fine meshes are
 /// full of them.
 inline Vec4 normalized(Vec4 v)
 {
-    constexpr float least = 1e-30F;
-    constexpr float most = 1e30F;
+    constexpr float minSquare = 1e-30F;
+    constexpr float maxSquare = 1e30F;
     const Vec4 squares = v * v;
     const float square = squares[0] + squares[1] + squares[2];
-    return square > least && square < most ? v / std::sqrt(square) : normalizedExactly(v);
+    return square > minSquare && square < maxSquare ? v / std::sqrt(square) : normalizedExactly(v);
 }
 
 /// The unit normal of the triangle a, b, c, counter-clockwise seen from its tip.
@@ -62,13 +62,13 @@ inline Vec4 triangleNormal(Vec4 a, Vec4 b, Vec4 c)
 /// Writes three records with the same normal: kFloatsPerTriangle floats.
 inline void writeTriangle(float* out, Vec4 a, Vec4 b, Vec4 c, Vec4 normal)
 {
-    // Each store covers what the one before wrote too much.
+    // Each store covers the float that the one before wrote too much.
     storeVec4(out, a);
-    storeVec4(out + 3, normal);
-    storeVec4(out + 6, b);
-    storeVec4(out + 9, normal);
-    storeVec4(out + 12, c);
-    storeVec3(out + 15, normal);
+    storeVec4(out + kFloatsPerPoint, normal);
+    storeVec4(out + kFloatsPerRecord, b);
+    storeVec4(out + kFloatsPerRecord + kFloatsPerPoint, normal);
+    storeVec4(out + 2 * kFloatsPerRecord, c);
+    storeVec3(out + 2 * kFloatsPerRecord + kFloatsPerPoint, normal);
 }
 
 /// The same with the triangle's own normal.
@@ -81,8 +81,8 @@ inline void writeTriangle(float* out, Vec4 a, Vec4 b, Vec4 c)
 inline void writeBareTriangle(float* out, Vec4 a, Vec4 b, Vec4 c)
 {
     storeVec4(out, a);
-    storeVec4(out + 3, b);
-    storeVec3(out + 6, c);
+    storeVec4(out + kFloatsPerPoint, b);
+    storeVec3(out + 2 * kFloatsPerPoint, c);
 }
 
 } // namespace zr

@@ -16,7 +16,7 @@ inline Vec4 loadVec4(const void* floats)
     return v;
 }
 
-/// The same for a point whose three floats end a record: reads the float before them instead of the one behind.
+/// The same for a point whose three floats end a record: reads the float before them instead of the one after.
 inline Vec4 loadLastVec3(const char* floats)
 {
     const Vec4 v = loadVec4(floats - sizeof(float));

@@ -1,10 +1,10 @@
 // The lines of text STL files: which of them are vertices, and what their numbers are.
 
 #include "readers/mesh/stl_mesh.h"
-#include "readers/mesh/text_blocks.h"
+#include "readers/mesh/text/text_blocks.h"
 #include "tests/readers/mesh/mesh_files.h"
-#include "tests/readers/mesh/odd_lines.h"
-#include "tests/readers/mesh/plain_text_model.h"
+#include "tests/readers/mesh/reference/reference_text_model.h"
+#include "tests/readers/mesh/text/odd_lines.h"
 #include "tests/support/data_folder_fixture.h"
 
 #include <gtest/gtest.h>
@@ -82,11 +82,11 @@ TEST_F(AsciiStlTest, VertexLinesCountInAnyForm)
     }
 }
 
-TEST_F(AsciiStlTest, TerminatorBehindBlanksIsATokenThatReadsAsZero)
+TEST_F(AsciiStlTest, TerminatorAfterBlanksIsATokenThatReadsAsZero)
 {
     const QByteArray line = "vertex 1 2 \n";
     EXPECT_EQ(verticesOf(line.repeated(3)), std::vector<Vertex>(3, Vertex{1, 2, 0}));
-    // The end of the file is none.
+    // The end of the file is not one.
     EXPECT_EQ(verticesOf("vertex 1 2 \r\nvertex 1 2 \nvertex 1 2 "), std::vector<Vertex>());
 }
 
@@ -133,31 +133,22 @@ void expectAsQt(const QByteArray& content)
     SourceFile source(content);
     StlMesh mesh(false);
     const bool ok = mesh.parse(source.file());
-    const PlainModel plain = plainAsciiStl(content);
+    const ReferenceModel reference = referenceAsciiStl(content);
     if (ok) {
-        EXPECT_TRUE(sameBits(cornersOf(mesh.chunks()), plain.corners)) << content.toPercentEncoding().constData();
+        EXPECT_TRUE(sameBits(cornersOf(mesh.chunks()), reference.corners)) << content.toPercentEncoding().constData();
     } else {
         // Too large a model; its bounds remain.
-        EXPECT_FALSE(plain.corners.empty());
+        EXPECT_FALSE(reference.corners.empty());
     }
-    Vertex min = mesh.boundingBox().first;
-    for (const Vertex& point : plain.points) {
-        for (std::size_t axis = 0; axis < 3; ++axis)
-            min[axis] = std::min(min[axis], point[axis]);
-    }
-    EXPECT_EQ(mesh.boundingBox().first, min);
+    EXPECT_EQ(mesh.boundingBox(), boundsOf(reference.points));
 }
 
 TEST_F(AsciiStlTest, OddLinesAreReadAsQtReadsThem)
 {
     OddLines odd(6);
     const std::vector<QByteArray> keywords = {"vertex", "vertex", "vertex", "VERTEX", "Vertex", "facet", "endloop"};
-    for (int file = 0; file < 1000; ++file) {
-        QByteArray content = kHead;
-        for (int line = 0; line < 20; ++line)
-            content += odd.line(keywords);
-        expectAsQt(content);
-    }
+    for (int file = 0; file < 1000; ++file)
+        expectAsQt(kHead + odd.lines(20, keywords));
 }
 
 TEST_F(AsciiStlTest, LinesAcrossTheBuffersEndAreReadAsQtReadsThem)

@@ -8,7 +8,6 @@ namespace
 {
 
 constexpr int kFloats = 9;
-constexpr qint64 kBytesPerTriangle = 100;
 
 class ChunkWriterTest : public ::testing::Test
 {
@@ -18,14 +17,15 @@ protected:
     // Writes triangles whose floats count on.
     void write(int triangles, int trianglesPerChunk)
     {
-        ChunkWriter writer(m_chunks, kFloats, trianglesPerChunk, triangles * kBytesPerTriangle);
+        ChunkWriter writer(m_chunks, kFloats * trianglesPerChunk);
         float value = 0;
         for (int i = 0; i < triangles; ++i) {
-            float* const room = writer.next(i * kBytesPerTriangle);
+            float* const room = writer.next(kFloats, [&] { return (triangles - i) * kFloats; });
             for (int k = 0; k < kFloats; ++k)
                 room[k] = value++;
         }
-        writer.finish();
+        EXPECT_EQ(writer.count(), triangles * kFloats);
+        EXPECT_EQ(writer.finish(), triangles > 0);
     }
 
     void expectAllFloats(int triangles) const
@@ -77,17 +77,47 @@ TEST_F(ChunkWriterTest, FullChunkIsNotFollowedByAnEmptyOne)
     EXPECT_EQ(m_chunks.size(), 2);
 }
 
-TEST_F(ChunkWriterTest, EvenFileReservesLittleMoreThanItNeeds)
+TEST_F(ChunkWriterTest, WhatIsExpectedIsReservedAndNoMore)
 {
     write(100000, 1000000);
-    EXPECT_LT(m_chunks[0]->capacity(), 1.3 * 100000 * kFloats);
+    EXPECT_EQ(m_chunks[0]->capacity(), 100000 * kFloats);
+}
+
+TEST_F(ChunkWriterTest, MoreThanExpectedIsNotLostAndGrowsByAHalf)
+{
+    ChunkWriter writer(m_chunks, 1000000);
+    int lost = 0;
+    for (int i = 0; i < 300000; ++i)
+        *writer.next(1, [] { return 1; }) = static_cast<float>(i);
+    EXPECT_TRUE(writer.finish());
+    ASSERT_EQ(m_chunks.size(), 1);
+    for (int i = 0; i < 300000; ++i)
+        lost += static_cast<int>(m_chunks[0]->at(i)) == i ? 0 : 1;
+    EXPECT_EQ(lost, 0);
+    EXPECT_LE(m_chunks[0]->capacity(), 1.6 * 300000);
+}
+
+TEST_F(ChunkWriterTest, PieceThatTheChunkEndsBeforeGetsNoRoom)
+{
+    ChunkWriter writer(m_chunks, 5);
+    const auto toCome = [] { return 9; };
+    std::fill_n(writer.next(3, toCome), 3, 1.0F);
+    EXPECT_EQ(writer.next(3, toCome), nullptr);
+    EXPECT_FALSE(writer.endFullChunk());
+    std::fill_n(writer.next(2, toCome), 2, 2.0F);
+    EXPECT_TRUE(writer.endFullChunk());
+    EXPECT_FALSE(writer.endFullChunk());
+    ASSERT_EQ(m_chunks.size(), 1);
+    EXPECT_EQ(*m_chunks[0], (MeshChunk{1, 1, 1, 2, 2}));
+    EXPECT_EQ(writer.count(), 5);
+    EXPECT_FALSE(writer.finish());
 }
 
 TEST_F(ChunkWriterTest, WrittenTrianglesAreDroppedWithoutFinish)
 {
     {
-        ChunkWriter writer(m_chunks, kFloats, 1000, 0);
-        std::fill_n(writer.next(0), kFloats, 0.0F);
+        ChunkWriter writer(m_chunks, 1000);
+        std::fill_n(writer.next(kFloats, [] { return 0; }), kFloats, 0.0F);
     }
     EXPECT_TRUE(m_chunks.isEmpty());
 }

@@ -6,8 +6,6 @@
 #include <vector>
 
 #ifdef Q_OS_LINUX
-#include "readers/mesh/meminfo_text.h"
-
 #include <QElapsedTimer>
 #include <QFile>
 #endif
@@ -17,14 +15,38 @@ namespace zr::test
 namespace
 {
 
-constexpr quint64 kLeastBytes = 1 << 20;
+constexpr quint64 kMinBytes = 1 << 20;
 [[maybe_unused]] constexpr quint64 kSmallChange = 32 << 20;
 
 TEST(MemoryProbeTest, ThisMachineHasSomeMemoryLeft)
 {
-    const MemoryFigures figures = systemMemory(MemoryQuery::Single);
-    EXPECT_GT(figures.availableBytes, kLeastBytes);
+    const MemoryFigures figures = systemMemory();
+    EXPECT_GT(figures.availableBytes, kMinBytes);
     EXPECT_LT(figures.loadPercent, 100U);
+}
+
+int queries = 0;
+
+MemoryFigures shortFromThirdQueryOn()
+{
+    return {kMinBytes, ++queries < 3 ? 89U : 90U};
+}
+
+TEST(MemoryProbeTest, WatchAsksATestsProbeAfterEachTriangle)
+{
+    MemoryWatch watch(shortFromThirdQueryOn);
+    EXPECT_FALSE(watch.isShort());
+    EXPECT_FALSE(watch.isShort());
+    EXPECT_TRUE(watch.isShort());
+    EXPECT_TRUE(watch.isShort());
+    EXPECT_EQ(queries, 4);
+}
+
+TEST(MemoryProbeTest, WatchOfThisMachineCostsNothing)
+{
+    MemoryWatch watch(systemMemory);
+    for (int triangle = 0; triangle < 3 * kTrianglesPerReading; ++triangle)
+        ASSERT_FALSE(watch.isShort());
 }
 
 TEST(MemoryProbeTest, ExpectingAFillChangesNothing)
@@ -46,15 +68,13 @@ MemoryFigures kernelFigures()
 }
 
 // Within five seconds, since other programs take and give memory between the two queries.
-bool followsTheKernel(MemoryQuery query)
+bool followsTheKernel()
 {
     QElapsedTimer timer;
     timer.start();
     while (timer.elapsed() < 5000) {
         const MemoryFigures expected = kernelFigures();
-        // What a loop asks first comes after a single query.
-        systemMemory(MemoryQuery::Single);
-        const MemoryFigures figures = systemMemory(query);
+        const MemoryFigures figures = systemMemory();
         const quint64 difference = expected.availableBytes > figures.availableBytes
                                        ? expected.availableBytes - figures.availableBytes
                                        : figures.availableBytes - expected.availableBytes;
@@ -66,11 +86,9 @@ bool followsTheKernel(MemoryQuery query)
 
 TEST(MemoryProbeTest, FiguresFollowThoseOfTheKernel)
 {
-    for (const MemoryQuery query : {MemoryQuery::Single, MemoryQuery::InLoop}) {
-        EXPECT_TRUE(followsTheKernel(query));
-        const std::vector<char> taken(8 * kSmallChange, 'x');
-        EXPECT_TRUE(followsTheKernel(query));
-    }
+    EXPECT_TRUE(followsTheKernel());
+    const std::vector<char> taken(8 * kSmallChange, 'x');
+    EXPECT_TRUE(followsTheKernel());
 }
 
 TEST(MemoryProbeTest, LoadCountsThePageCacheAsAvailable)

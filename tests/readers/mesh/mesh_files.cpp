@@ -81,27 +81,27 @@ SourceFile::SourceFile(const QByteArray& content, const char* name)
     EXPECT_TRUE(m_file.open(QIODevice::ReadOnly));
 }
 
-MemoryFigures muchMemory(MemoryQuery /*query*/)
+MemoryFigures muchMemory()
 {
     return {kManyBytes, 10};
 }
 
-MemoryFigures memoryFor999Bytes(MemoryQuery /*query*/)
+MemoryFigures memoryFor999Bytes()
 {
     return {1500, 10};
 }
 
-MemoryFigures noFreeMemory(MemoryQuery /*query*/)
+MemoryFigures noFreeMemory()
 {
     return {0, 10};
 }
 
-MemoryFigures shortMemory(MemoryQuery /*query*/)
+MemoryFigures shortMemory()
 {
     return {kManyBytes, 90};
 }
 
-MemoryFigures nearlyShortMemory(MemoryQuery /*query*/)
+MemoryFigures nearlyShortMemory()
 {
     return {kManyBytes, 89};
 }
@@ -110,9 +110,7 @@ MemoryProbe memoryShortAtQuery(int query)
 {
     queriesDone = 0;
     firstShortQuery = query;
-    return [](MemoryQuery /*query*/) {
-        return MemoryFigures{kManyBytes, ++queriesDone >= firstShortQuery ? 95U : 10U};
-    };
+    return []() { return MemoryFigures{kManyBytes, ++queriesDone >= firstShortQuery ? 95U : 10U}; };
 }
 
 int memoryQueries()

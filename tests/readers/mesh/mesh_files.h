@@ -42,18 +42,18 @@ private:
 };
 
 // A machine whose memory never runs out, and some that lack it; for the loaders' constructors.
-MemoryFigures muchMemory(MemoryQuery query);
+MemoryFigures muchMemory();
 
 /// 1500 bytes free, so that files of 1000 bytes are too large.
-MemoryFigures memoryFor999Bytes(MemoryQuery query);
+MemoryFigures memoryFor999Bytes();
 
-MemoryFigures noFreeMemory(MemoryQuery query);
+MemoryFigures noFreeMemory();
 
 /// Nothing wrong with the size, but 90 percent in use.
-MemoryFigures shortMemory(MemoryQuery query);
+MemoryFigures shortMemory();
 
 /// 89 percent.
-MemoryFigures nearlyShortMemory(MemoryQuery query);
+MemoryFigures nearlyShortMemory();
 
 /// Becomes short with the given query, counted from 1; restarts the count.
 MemoryProbe memoryShortAtQuery(int query);

@@ -21,12 +21,23 @@ class ProbeMesh : public Mesh
 public:
     explicit ProbeMesh(MemoryProbe probe = muchMemory, bool positionsOnly = false) : Mesh(positionsOnly, probe) {}
 
-    using Mesh::exceedsFreeMemory;
     using Mesh::extentIsUsable;
     using Mesh::floatsPerTriangle;
-    using Mesh::largestExtent;
     using Mesh::m_chunks;
+    using Mesh::m_spareChunks;
+    using Mesh::maxExtent;
     using Mesh::memoryIsShort;
+    using Mesh::memoryWatch;
+    using Mesh::start;
+
+    bool exceedsFreeMemory(quint64 bytes) const
+    {
+        return throws([&] { requireMemoryFor(bytes, kFailure); });
+    }
+    bool hasUsableExtent() const
+    {
+        return !throws([&] { requireUsableExtent(kFailure); });
+    }
 
     void box(Vec4 min, Vec4 max)
     {
@@ -34,6 +45,21 @@ public:
         bounds.min = min;
         bounds.max = max;
         setBounds(bounds);
+    }
+
+private:
+    static constexpr ThrownKey kFailure{1, "failure", "reason"};
+
+    template <typename Step>
+    static bool throws(Step step)
+    {
+        try {
+            step();
+            return false;
+        } catch (const QString& key) {
+            EXPECT_EQ(key, "failure");
+            return true;
+        }
     }
 };
 
@@ -50,10 +76,16 @@ TEST(MeshTest, ClearFreesTheChunksAndKeepsTheBounds)
 {
     ProbeMesh mesh;
     mesh.m_chunks = {new MeshChunk(18), new MeshChunk(18)};
+    mesh.m_spareChunks = {new MeshChunk(18)};
     mesh.box(Vec4{1, 2, 3, 0}, Vec4{4, 5, 6, 0});
     mesh.clear();
     EXPECT_TRUE(mesh.chunks().isEmpty());
+    EXPECT_TRUE(mesh.m_spareChunks.isEmpty());
     EXPECT_EQ(mesh.boundingBox(), std::make_pair(Point{1, 2, 3}, Point{4, 5, 6}));
+    mesh.m_chunks = {new MeshChunk(18)};
+    mesh.start();
+    EXPECT_TRUE(mesh.chunks().isEmpty());
+    EXPECT_EQ(mesh.boundingBox(), ProbeMesh().boundingBox());
 }
 
 TEST(MeshTest, FloatsPerTriangleFollowTheRenderersMode)
@@ -69,7 +101,7 @@ TEST(MeshTest, FileOfTwoThirdsOfTheFreeMemoryIsTooLarge)
     EXPECT_TRUE(mesh.exceedsFreeMemory(1000));
     EXPECT_TRUE(ProbeMesh(noFreeMemory).exceedsFreeMemory(0));
     // The thirds are cut last.
-    const ProbeMesh uneven([](MemoryQuery /*query*/) { return MemoryFigures{1502, 10}; });
+    const ProbeMesh uneven([] { return MemoryFigures{1502, 10}; });
     EXPECT_FALSE(uneven.exceedsFreeMemory(1000));
     EXPECT_TRUE(uneven.exceedsFreeMemory(1001));
 }
@@ -78,6 +110,8 @@ TEST(MeshTest, MemoryIsShortFrom90Percent)
 {
     EXPECT_FALSE(ProbeMesh(nearlyShortMemory).memoryIsShort());
     EXPECT_TRUE(ProbeMesh(shortMemory).memoryIsShort());
+    EXPECT_FALSE(ProbeMesh(nearlyShortMemory).memoryWatch().isShort());
+    EXPECT_TRUE(ProbeMesh(shortMemory).memoryWatch().isShort());
 }
 
 struct Box {
@@ -86,7 +120,7 @@ struct Box {
     bool usable;
 };
 
-TEST(MeshTest, LargestSideMustBeMoreThanNothingAndAtMost10000)
+TEST(MeshTest, MaxSideMustBeMoreThanZeroAndAtMost10000)
 {
     const Box boxes[] = {
         {{1, 1, 1}, {1, 1, 1}, false},
@@ -104,16 +138,17 @@ TEST(MeshTest, LargestSideMustBeMoreThanNothingAndAtMost10000)
     for (const Box& box : boxes) {
         ProbeMesh mesh;
         mesh.box(box.min, box.max);
-        EXPECT_EQ(ProbeMesh::extentIsUsable(mesh.largestExtent()), box.usable) << "row " << row;
+        EXPECT_EQ(ProbeMesh::extentIsUsable(mesh.maxExtent()), box.usable) << "row " << row;
+        EXPECT_EQ(mesh.hasUsableExtent(), box.usable) << "row " << row;
         ++row;
     }
 }
 
-TEST(MeshTest, MeshWithoutPointsIsNoSizeError)
+TEST(MeshTest, MeshWithoutPointsIsNotASizeError)
 {
     const ProbeMesh mesh;
-    EXPECT_EQ(mesh.largestExtent(), -INFINITY);
-    EXPECT_TRUE(ProbeMesh::extentIsUsable(mesh.largestExtent()));
+    EXPECT_EQ(mesh.maxExtent(), -INFINITY);
+    EXPECT_TRUE(mesh.hasUsableExtent());
 }
 
 } // namespace

@@ -1,8 +1,8 @@
 #pragma once
 
+#include "tests/readers/mesh/logged_test.h"
 #include "tests/readers/mesh/mesh_files.h"
 #include "tests/render/sample_meshes.h"
-#include "tests/support/data_folder_fixture.h"
 #include "tests/support/qt_printers.h"
 #include "tests/support/software_rasteriser.h"
 
@@ -39,15 +39,9 @@ public:
 };
 
 /// Tests of one model reader.
-class ModelReaderTest : public DataFolderTest
+class ModelReaderTest : public LoggedTest
 {
 protected:
-    void SetUp() override
-    {
-        DataFolderTest::SetUp();
-        restartLog();
-    }
-
     /// The picture of a file with this content; the log holds what the reader wrote.
     template <typename Reader>
     QImage pictureOf(const QByteArray& content)

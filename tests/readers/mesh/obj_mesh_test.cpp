@@ -1,10 +1,10 @@
 #include "readers/mesh/obj_mesh.h"
 
-#include "readers/mesh/text_blocks.h"
+#include "readers/mesh/text/text_blocks.h"
+#include "tests/readers/mesh/logged_test.h"
 #include "tests/readers/mesh/mesh_files.h"
-#include "tests/readers/mesh/odd_lines.h"
-#include "tests/readers/mesh/plain_text_model.h"
-#include "tests/support/data_folder_fixture.h"
+#include "tests/readers/mesh/reference/reference_text_model.h"
+#include "tests/readers/mesh/text/odd_lines.h"
 #include "tests/support/qt_printers.h"
 
 #include <cmath>
@@ -23,14 +23,8 @@ const QByteArray kPoints = "v 10 20 30\nv 11 22 33\nv 12 25 31\nv 13 21 39\n";
 const Vertex kFirst = {10, 20, 30}, kSecond = {11, 22, 33}, kThird = {12, 25, 31}, kFourth = {13, 21, 39};
 const Vertex kOrigin = {0, 0, 0};
 
-class ObjMeshTest : public DataFolderTest
+class ObjMeshTest : public LoggedTest
 {
-protected:
-    void SetUp() override
-    {
-        DataFolderTest::SetUp();
-        restartLog();
-    }
 };
 
 std::vector<Vertex> parsed(const QByteArray& content)
@@ -74,23 +68,18 @@ TEST_F(ObjMeshTest, FacesCountPointsFromZero)
     EXPECT_EQ(logMessages(), QStringList());
 }
 
-TEST_F(ObjMeshTest, RecordsArePositionAndNormal)
+TEST_F(ObjMeshTest, RecordsHaveNormalsUnlessTheRendererMakesThem)
 {
-    SourceFile source("v 0 0 0\nv 2 0 0\nv 0 3 0\nf 0 1 2\n");
-    ObjMesh mesh(false);
-    mesh.parse(source.file());
-    ASSERT_EQ(mesh.chunks().size(), 1);
-    EXPECT_EQ(*mesh.chunks()[0], (MeshChunk{0, 0, 0, 0, 0, 1, 2, 0, 0, 0, 0, 1, 0, 3, 0, 0, 0, 1}));
-    EXPECT_EQ(mesh.boundingBox(), std::make_pair(Point{0, 0, 0}, Point{2, 3, 0}));
-}
-
-TEST_F(ObjMeshTest, NormalsAreLeftOutWhenTheRendererMakesThem)
-{
-    SourceFile source("v 0 0 0\nv 2 0 0\nv 0 3 0\nf 0 1 2\nf 2 1 0\n");
-    ObjMesh mesh(true);
-    mesh.parse(source.file());
-    ASSERT_EQ(mesh.chunks().size(), 1);
-    EXPECT_EQ(*mesh.chunks()[0], (MeshChunk{0, 0, 0, 2, 0, 0, 0, 3, 0, 0, 3, 0, 2, 0, 0, 0, 0, 0}));
+    for (const bool positionsOnly : {false, true}) {
+        SourceFile source("v 0 0 0\nv 2 0 0\nv 0 3 0\nf 0 1 2\n");
+        ObjMesh mesh(positionsOnly);
+        mesh.parse(source.file());
+        ASSERT_EQ(mesh.chunks().size(), 1);
+        const MeshChunk bare = {0, 0, 0, 2, 0, 0, 0, 3, 0};
+        const MeshChunk full = {0, 0, 0, 0, 0, 1, 2, 0, 0, 0, 0, 1, 0, 3, 0, 0, 0, 1};
+        EXPECT_EQ(*mesh.chunks()[0], positionsOnly ? bare : full);
+        EXPECT_EQ(mesh.boundingBox(), std::make_pair(Point{0, 0, 0}, Point{2, 3, 0}));
+    }
 }
 
 struct FaceLine {
@@ -228,7 +217,7 @@ TEST_F(ObjMeshTest, FailuresThrowTheirKeyAfterTheirLine)
     EXPECT_EQ(failureOf("v 0 0 0\nv 10000.001 0 0\n", muchMemory).key, "modelSizeIsErr");
 }
 
-TEST_F(ObjMeshTest, LimitsAreNotReachedByAHair)
+TEST_F(ObjMeshTest, ValuesJustBelowTheLimitsPass)
 {
     const QByteArray faces = kPoints + "f 0 1 2\n";
     EXPECT_TRUE(failureOf(faces + QByteArray(999 - faces.size(), ' '), memoryFor999Bytes).key.isNull());
@@ -280,28 +269,19 @@ void expectAsQt(const QByteArray& content)
         EXPECT_EQ(key, "modelSizeIsErr");
         usable = false;
     }
-    const PlainModel plain = plainObj(content);
+    const ReferenceModel reference = referenceObj(content);
     if (usable) {
-        EXPECT_TRUE(sameBits(cornersOf(mesh.chunks()), plain.corners)) << content.toPercentEncoding().constData();
+        EXPECT_TRUE(sameBits(cornersOf(mesh.chunks()), reference.corners)) << content.toPercentEncoding().constData();
     }
-    Vertex max = mesh.boundingBox().second;
-    for (const Vertex& point : plain.points) {
-        for (std::size_t axis = 0; axis < 3; ++axis)
-            max[axis] = std::max(max[axis], point[axis]);
-    }
-    EXPECT_EQ(mesh.boundingBox().second, max);
+    EXPECT_EQ(mesh.boundingBox(), boundsOf(reference.points));
 }
 
 TEST_F(ObjMeshTest, OddLinesAreReadAsQtReadsThem)
 {
     OddLines odd(8);
     const std::vector<QByteArray> keywords = {"v", "v", "V", "f", "f", "F", "vn", "vt", "g"};
-    for (int file = 0; file < 1000; ++file) {
-        QByteArray content;
-        for (int line = 0; line < 20; ++line)
-            content += odd.line(keywords);
-        expectAsQt(content);
-    }
+    for (int file = 0; file < 1000; ++file)
+        expectAsQt(odd.lines(20, keywords));
 }
 
 TEST_F(ObjMeshTest, LinesAcrossTheBuffersEndAreReadAsQtReadsThem)

@@ -1,8 +1,8 @@
 #include "readers/mesh/slc_mesh.h"
 
+#include "tests/readers/mesh/logged_test.h"
 #include "tests/readers/mesh/mesh_files.h"
-#include "tests/readers/mesh/plain_slc.h"
-#include "tests/support/data_folder_fixture.h"
+#include "tests/readers/mesh/reference/reference_slc.h"
 #include "tests/support/qt_printers.h"
 #include "tools/samples/slc_bytes.h"
 
@@ -29,14 +29,8 @@ constexpr qint64 kSoon = 2000;
 
 const std::vector<ContourPoint> kSquare = {{10, 20}, {30, 20}, {30, 40}, {10, 40}, {10, 20}};
 
-class SlcMeshTest : public DataFolderTest
+class SlcMeshTest : public LoggedTest
 {
-protected:
-    void SetUp() override
-    {
-        DataFolderTest::SetUp();
-        restartLog();
-    }
 };
 
 QByteArray withLayers(const QByteArray& layers)
@@ -52,7 +46,7 @@ QByteArray squareLayer()
 
 struct Parsed {
     QString key;
-    std::vector<PlainSlc::Point> triples;
+    std::vector<ReferenceSlc::Point> triples;
     Point min;
     Point max;
 };
@@ -74,7 +68,7 @@ Parsed parsed(const QByteArray& content, MemoryProbe probe = muchMemory, bool po
     return result;
 }
 
-bool nearlyEqual(const PlainSlc::Point& a, const PlainSlc::Point& b)
+bool nearlyEqual(const ReferenceSlc::Point& a, const ReferenceSlc::Point& b)
 {
     for (std::size_t axis = 0; axis < 3; ++axis) {
         // Positions are the same to the bit; of normals the last bits may differ.
@@ -85,23 +79,23 @@ bool nearlyEqual(const PlainSlc::Point& a, const PlainSlc::Point& b)
     return true;
 }
 
-bool nearlyEqual(const std::vector<PlainSlc::Point>& a, const std::vector<PlainSlc::Point>& b)
+bool nearlyEqual(const std::vector<ReferenceSlc::Point>& a, const std::vector<ReferenceSlc::Point>& b)
 {
     return a.size() == b.size() &&
            std::equal(a.begin(), a.end(), b.begin(), [](const auto& x, const auto& y) { return nearlyEqual(x, y); });
 }
 
-// Compares a file with what the plain reading makes of it.
-void expectAsPlain(const QByteArray& content, const char* what = "")
+// Compares a file with what the reference makes of it.
+void expectAsReference(const QByteArray& content, const char* what = "")
 {
-    const PlainSlc plain = plainSlc(content);
+    const ReferenceSlc reference = referenceSlc(content);
     const Parsed result = parsed(content);
-    EXPECT_EQ(result.key == "fileHeadErr" || result.key == "fileReadLess", !plain.hasTable) << what;
-    if (!plain.hasTable)
+    EXPECT_EQ(result.key == "fileHeadErr" || result.key == "fileReadLess", !reference.hasTable) << what;
+    if (!reference.hasTable)
         return;
-    EXPECT_TRUE(nearlyEqual(result.triples, plain.triples)) << what;
-    EXPECT_TRUE(nearlyEqual(result.min, plain.min)) << what;
-    EXPECT_TRUE(nearlyEqual(result.max, plain.max)) << what;
+    EXPECT_TRUE(nearlyEqual(result.triples, reference.triples)) << what;
+    EXPECT_TRUE(nearlyEqual(result.min, reference.min)) << what;
+    EXPECT_TRUE(nearlyEqual(result.max, reference.max)) << what;
 }
 
 // The number of walls of a file that has no other trouble.
@@ -109,15 +103,15 @@ std::size_t wallsOf(const QByteArray& layers)
 {
     const Parsed result = parsed(withLayers(layers));
     EXPECT_EQ(result.key, QString());
-    expectAsPlain(withLayers(layers));
+    expectAsReference(withLayers(layers));
     return result.triples.size() / 12;
 }
 
 TEST_F(SlcMeshTest, WallIsTwoTrianglesOverItsLowerEdge)
 {
     const Parsed result = parsed(withLayers(slcLayer(5, slcBoundary({{1, 2}, {3, 2}}), 1) + slcEnd()));
-    const PlainSlc::Point a{3, 2, 5}, b{1, 2, 5}, c{3, 2, 5.5F}, d{1, 2, 5.5F}, n{0, -1, 0};
-    EXPECT_EQ(result.triples, (std::vector<PlainSlc::Point>{c, n, b, n, a, n, d, n, b, n, a, n}));
+    const ReferenceSlc::Point a{3, 2, 5}, b{1, 2, 5}, c{3, 2, 5.5F}, d{1, 2, 5.5F}, n{0, -1, 0};
+    EXPECT_EQ(result.triples, (std::vector<ReferenceSlc::Point>{c, n, b, n, a, n, d, n, b, n, a, n}));
     EXPECT_EQ(logMessages(), QStringList({"23 ", "133 "}));
 }
 
@@ -125,8 +119,8 @@ TEST_F(SlcMeshTest, NormalsAreLeftOutWhenTheRendererMakesThem)
 {
     const Parsed result =
         parsed(withLayers(slcLayer(5, slcBoundary({{1, 2}, {3, 2}}), 1) + slcEnd()), muchMemory, true);
-    const PlainSlc::Point a{3, 2, 5}, b{1, 2, 5}, c{3, 2, 5.5F}, d{1, 2, 5.5F};
-    EXPECT_EQ(result.triples, (std::vector<PlainSlc::Point>{c, b, a, d, b, a}));
+    const ReferenceSlc::Point a{3, 2, 5}, b{1, 2, 5}, c{3, 2, 5.5F}, d{1, 2, 5.5F};
+    EXPECT_EQ(result.triples, (std::vector<ReferenceSlc::Point>{c, b, a, d, b, a}));
     EXPECT_EQ(result.min, (Point{1, 2, 5}));
     EXPECT_EQ(result.max, (Point{3, 2, 5.5F}));
 }
@@ -207,7 +201,7 @@ TEST_F(SlcMeshTest, ThicknessIsThatOfTheLastEntryReached)
         parts.samplingTable = test.table;
         const QByteArray content = slcHead(parts) + slcLayer(test.z, slcBoundary(kSquare), 1);
         EXPECT_EQ(parsed(content).triples.at(0)[2], test.z + test.thickness) << test.z;
-        expectAsPlain(content);
+        expectAsReference(content);
     }
 }
 
@@ -225,7 +219,7 @@ TEST_F(SlcMeshTest, HeadEndsAtItsMarkInOneOfThreeReads)
         int length;
         bool found;
     };
-    // A mark that straddles two reads of 1024 bytes is not found. Behind 2045 the table lies too far.
+    // A mark that straddles two reads of 1024 bytes is not found. After 2045 the table is too far.
     for (const Head& head : {Head{0, true}, Head{1, true}, Head{1021, true}, Head{1022, false}, Head{1023, false},
                              Head{1024, true}, Head{2045, true}, Head{2046, false}, Head{2047, false},
                              Head{2048, false}, Head{3069, false}, Head{4000, false}}) {
@@ -233,7 +227,7 @@ TEST_F(SlcMeshTest, HeadEndsAtItsMarkInOneOfThreeReads)
         const Parsed result = parsed(content);
         EXPECT_EQ(result.key, head.found ? QString() : QString("fileHeadErr")) << head.length;
         EXPECT_EQ(logMessages().mid(1), QStringList({head.found ? "133 " : "130  throw "})) << head.length;
-        expectAsPlain(content);
+        expectAsReference(content);
     }
 }
 
@@ -278,7 +272,7 @@ TEST_F(SlcMeshTest, SizesOutOfRangeAreErrors)
 {
     SlcParts flat;
     flat.samplingTable = {{0, 0}};
-    // The normal of nothing is a point, too: all lies at the origin.
+    // The zero normal is a point, too: all lies at the origin.
     EXPECT_EQ(parsed(slcHead(flat) + slcLayer(0, slcBoundary({{0, 0}, {0, 0}}), 1)).key, "fileIsErr");
     EXPECT_EQ(logMessages(), QStringList({"23 ", "124  throw "}));
     EXPECT_EQ(parsed(withLayers(slcLayer(5, slcBoundary({{0, 0}, {10000.001F, 0}}), 1))).key, "fileIsErr");
@@ -295,7 +289,7 @@ TEST_F(SlcMeshTest, FileThatIsTooLargeForTheMemoryIsAnError)
     EXPECT_EQ(parsed(content + QByteArray(1000 - content.size(), '\0'), memoryFor999Bytes).key, "fileIsCanNoRender");
     EXPECT_EQ(logMessages(), QStringList({"23 ", "30  throw "}));
     EXPECT_EQ(parsed(content + QByteArray(999 - content.size(), '\0'), memoryFor999Bytes).key, QString());
-    // In between nobody asks.
+    // In between, the memory is not asked for.
     EXPECT_EQ(parsed(content, shortMemory).key, QString());
 }
 
@@ -325,12 +319,12 @@ TEST_F(SlcMeshTest, PointCountWrapsAt32Bits)
 
 TEST_F(SlcMeshTest, CoordinatesThatAreNotFiniteDoNoHarm)
 {
-    expectAsPlain(withLayers(slcLayer(NAN, slcBoundary(kSquare), 1)));
+    expectAsReference(withLayers(slcLayer(NAN, slcBoundary(kSquare), 1)));
     for (const float bad : {static_cast<float>(NAN), static_cast<float>(INFINITY), -3e38F})
-        expectAsPlain(withLayers(slcLayer(5, slcBoundary({{0, 0}, {bad, 1}, {2, bad}, {3, 3}}), 1)));
+        expectAsReference(withLayers(slcLayer(5, slcBoundary({{0, 0}, {bad, 1}, {2, bad}, {3, 3}}), 1)));
 }
 
-// A zigzag of so many points.
+// A zigzag of this number of points.
 std::vector<ContourPoint> zigzag(int points)
 {
     std::vector<ContourPoint> line;
@@ -366,7 +360,7 @@ TEST_P(SlcChunkTest, ChunksEndInTheMiddleOfATriangle)
         const int at = (wall * triplesPerWall + i) * 3;
         const MeshChunk& chunk = *mesh.chunks()[at < kChunkFloats ? 0 : 1];
         const int offset = at < kChunkFloats ? at : at - kChunkFloats;
-        const PlainSlc::Point triple{chunk[offset], chunk[offset + 1], chunk[offset + 2]};
+        const ReferenceSlc::Point triple{chunk[offset], chunk[offset + 1], chunk[offset + 2]};
         EXPECT_TRUE(nearlyEqual(triple, alone.triples[static_cast<std::size_t>(i)])) << i;
     }
 }
@@ -395,7 +389,7 @@ TEST_F(SlcMeshTest, SecondParseReplacesTheFirst)
     EXPECT_EQ(mesh.boundingBox().second, (Point{30, 40, 5.5F}));
 }
 
-TEST_F(SlcMeshTest, FilesWithAnyBytesChangedAreReadAsPlainly)
+TEST_F(SlcMeshTest, FilesWithAnyBytesChangedAreReadAsByTheReference)
 {
     const QByteArray content =
         withLayers(squareLayer() + slcLayer(6, slcBoundary(kSquare) + slcBoundary({{1, 1}, {2, 2}}), 2) + slcEnd());
@@ -406,7 +400,7 @@ TEST_F(SlcMeshTest, FilesWithAnyBytesChangedAreReadAsPlainly)
             const auto at = static_cast<int>(random() % static_cast<unsigned>(changed.size()));
             changed[at] = static_cast<char>(random() % 4 == 0 ? random() % 256 : random() % 3);
         }
-        expectAsPlain(changed, changed.toHex().constData());
+        expectAsReference(changed, changed.toHex().constData());
     }
 }
 

@@ -55,7 +55,7 @@ TEST_F(StlFileThumbnailTest, CornersThatAreNotFiniteDoNoHarm)
     triangles[3][1][2] = NAN;
     EXPECT_EQ(pictureOf<StlFileThumbnail>(binaryStl(triangles)).size(), QSize(400, 400));
     EXPECT_EQ(pictureOf<StlFileThumbnail>(asciiStl(triangles)).size(), QSize(400, 400));
-    // All of them: the extent is NaN as well, which is no size error.
+    // All of them: the extent is NaN as well, which is not a size error.
     for (auto& triangle : triangles) {
         for (auto& corner : triangle)
             corner = {NAN, INFINITY, -INFINITY};

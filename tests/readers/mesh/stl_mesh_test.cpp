@@ -1,8 +1,8 @@
 #include "readers/mesh/stl_mesh.h"
 
+#include "tests/readers/mesh/logged_test.h"
 #include "tests/readers/mesh/mesh_files.h"
-#include "tests/readers/mesh/plain_text_model.h"
-#include "tests/support/data_folder_fixture.h"
+#include "tests/readers/mesh/reference/reference_text_model.h"
 #include "tests/support/qt_printers.h"
 
 #include <cmath>
@@ -17,14 +17,8 @@ constexpr int kManyTriangles = 3000000;
 constexpr int kBatchTriangles = 2912711;
 constexpr int kAsciiChunkTriangles = 1456356;
 
-class StlMeshTest : public DataFolderTest
+class StlMeshTest : public LoggedTest
 {
-protected:
-    void SetUp() override
-    {
-        DataFolderTest::SetUp();
-        restartLog();
-    }
 };
 
 Triangle cornerAt(float x)
@@ -64,27 +58,20 @@ void expectFailure(const QByteArray& content, MemoryProbe probe, const QStringLi
     EXPECT_EQ(logMessages(), log);
 }
 
-TEST_F(StlMeshTest, BinaryTrianglesHaveTheirOwnNormalsAndBounds)
+TEST_F(StlMeshTest, TrianglesHaveTheirOwnNormalsAndBounds)
 {
-    SourceFile source(binaryStl({{{{0, 0, 0}, {2, 0, 0}, {0, 3, 0}}}}));
-    StlMesh mesh(false);
-    EXPECT_TRUE(mesh.parse(source.file()));
-    ASSERT_EQ(mesh.chunks().size(), 1);
-    EXPECT_EQ(*mesh.chunks()[0], (MeshChunk{0, 0, 0, 0, 0, 1, 2, 0, 0, 0, 0, 1, 0, 3, 0, 0, 0, 1}));
-    EXPECT_EQ(mesh.boundingBox(), std::make_pair(Point{0, 0, 0}, Point{2, 3, 0}));
-    EXPECT_EQ(mesh.triangleCount(), 1U);
-    EXPECT_EQ(logMessages(), QStringList({"100 "}));
-}
-
-TEST_F(StlMeshTest, AsciiTrianglesHaveTheirOwnNormalsAndBounds)
-{
-    SourceFile source(asciiStl({{{{0, 0, 0}, {2, 0, 0}, {0, 3, 0}}}}));
-    StlMesh mesh(false);
-    EXPECT_TRUE(mesh.parse(source.file()));
-    ASSERT_EQ(mesh.chunks().size(), 1);
-    EXPECT_EQ(*mesh.chunks()[0], (MeshChunk{0, 0, 0, 0, 0, 1, 2, 0, 0, 0, 0, 1, 0, 3, 0, 0, 0, 1}));
-    EXPECT_EQ(mesh.boundingBox(), std::make_pair(Point{0, 0, 0}, Point{2, 3, 0}));
-    EXPECT_EQ(logMessages(), QStringList());
+    const std::vector<Triangle> triangle = {{{{0, 0, 0}, {2, 0, 0}, {0, 3, 0}}}};
+    for (const bool isBinary : {true, false}) {
+        restartLog();
+        SourceFile source(isBinary ? binaryStl(triangle) : asciiStl(triangle));
+        StlMesh mesh(false);
+        EXPECT_TRUE(mesh.parse(source.file()));
+        ASSERT_EQ(mesh.chunks().size(), 1);
+        EXPECT_EQ(*mesh.chunks()[0], (MeshChunk{0, 0, 0, 0, 0, 1, 2, 0, 0, 0, 0, 1, 0, 3, 0, 0, 0, 1}));
+        EXPECT_EQ(mesh.boundingBox(), std::make_pair(Point{0, 0, 0}, Point{2, 3, 0}));
+        EXPECT_EQ(mesh.triangleCount(), isBinary ? 1U : 0U);
+        EXPECT_EQ(logMessages(), isBinary ? QStringList({"100 "}) : QStringList());
+    }
 }
 
 TEST_F(StlMeshTest, NormalsAreWrittenWhateverTheRendererReports)
@@ -143,7 +130,7 @@ TEST_F(StlMeshTest, TwoLinesTellTextFromBinary)
                                {lateFacet.c_str(), false},
                                {longFirst.c_str(), false},
                                {cutFirst.c_str(), true}};
-    // What stands behind them is a triangle in the text form only.
+    // What follows them is a triangle in the text form only.
     const QByteArray facet = asciiFacet(cornerAt(3));
     for (const Detection& test : cases) {
         SourceFile source(test.firstLines + facet);
@@ -216,7 +203,7 @@ TEST_F(StlMeshTest, AsciiFailuresLeaveTheirLineAndNoChunk)
     expectFailure(asciiStl({{{{0, 0, 0}, {10000.001F, 0, 0}, {0, 1, 0}}}}), muchMemory, {"320  throw "});
 }
 
-TEST_F(StlMeshTest, LimitsAreNotReachedByAHair)
+TEST_F(StlMeshTest, ValuesJustBelowTheLimitsPass)
 {
     const QByteArray two = asciiStl(twoTriangles());
     SourceFile small(two + QByteArray(999 - two.size(), ' '));
@@ -261,7 +248,7 @@ TEST_F(StlMeshTest, HugeCountInASmallFileFailsAtOnce)
         expectFailure(binaryStl(twoTriangles(), count), muchMemory, {"97  throw "});
 }
 
-TEST_F(StlMeshTest, BytesBehindTheLastTriangleDoNotMatter)
+TEST_F(StlMeshTest, BytesAfterTheLastTriangleDoNotMatter)
 {
     expectTriangles(binaryStl(twoTriangles()) + "more", twoTriangles());
     expectTriangles(binaryStl(twoTriangles(), 1), {twoTriangles()[0]});

@@ -1,8 +1,7 @@
-#include "readers/mesh/number_text.h"
-
-#include "readers/mesh/plain_number.h"
-#include "tests/readers/mesh/odd_lines.h"
-#include "tests/readers/mesh/plain_text_model.h"
+#include "readers/mesh/text/line_tokenizer.h"
+#include "readers/mesh/text/reference_number.h"
+#include "readers/mesh/text/scalar_number.h"
+#include "tests/readers/mesh/text/odd_lines.h"
 
 #include <QString>
 
@@ -24,26 +23,21 @@ quint32 bitsOf(float value)
     return bits;
 }
 
-Token tokenOf(const QByteArray& text)
-{
-    return {text.constData(), text.constData() + text.size()};
-}
-
-// What the quick way makes of `token` in each of the three places of a line.
+// What the quicker ways make of `token` in each of the three places of a line.
 struct QuickNumber {
     bool accepted;
     float value;
 };
 
-// `behind` stands behind the token in the last place, a blank behind it in the others.
-QuickNumber quickly(const QByteArray& token, const char* behind, std::size_t place = 2)
+// `after` follows the token in the last place, a blank in the others.
+QuickNumber quickly(const QByteArray& token, const char* after, std::size_t place = 2)
 {
     std::array<QByteArray, 3> tokens = {"-1.5", "20", "0.03125"};
     tokens[place] = token;
     const QByteArray line = tokens[0] + ' ' + tokens[1] + "  " + tokens[2];
-    const QByteArray text = QByteArray(kTextPadding, '9') + line + behind + QByteArray(kTextPadding, '9');
+    const QByteArray text = QByteArray(kTextPadding, '9') + line + after + QByteArray(kTextPadding, '9');
     Vec4 point{};
-    const char* const end = readPlainPoint(text.constData() + kTextPadding, point);
+    const char* const end = readPoint(text.constData() + kTextPadding, point);
     if (end) {
         // A carriage return belongs to the line's end.
         const int size = line.endsWith('\r') ? line.size() - 1 : line.size();
@@ -66,9 +60,9 @@ void expectAsQt(const QByteArray& token)
     };
     compare(quickly(token, "\n", 0));
     compare(quickly(token, "\n", 1));
-    for (const char* behind : {"\n", " ", "\t", "\r\n"})
-        compare(quickly(token, behind));
-    EXPECT_EQ(bitsOf(toFloat(tokenOf(token))), bitsOf(expected)) << token.constData();
+    for (const char* after : {"\n", " ", "\t", "\r\n"})
+        compare(quickly(token, after));
+    EXPECT_EQ(bitsOf(reference::toFloat(token)), bitsOf(expected)) << token.constData();
 }
 
 struct KnownNumber {
@@ -80,65 +74,48 @@ class KnownNumberTest : public ::testing::TestWithParam<KnownNumber>
 {
 };
 
-TEST_P(KnownNumberTest, ReadsSoInBothWays)
+TEST_P(KnownNumberTest, IsReadToItInBothWays)
 {
     const QByteArray text(GetParam().text);
     const QuickNumber number = quickly(text, "\n");
     EXPECT_TRUE(number.accepted);
     EXPECT_EQ(bitsOf(number.value), bitsOf(GetParam().value));
-    EXPECT_EQ(bitsOf(toFloat(tokenOf(text))), bitsOf(GetParam().value));
+    EXPECT_EQ(bitsOf(reference::toFloat(text)), bitsOf(GetParam().value));
 }
 
 INSTANTIATE_TEST_SUITE_P(
     Usual, KnownNumberTest,
-    ::testing::Values(KnownNumber{"0", 0.0F}, KnownNumber{"-0", -0.0F}, KnownNumber{"+5", 5.0F},
-                      KnownNumber{"-12.345678", -12.345678F}, KnownNumber{"5.", 5.0F}, KnownNumber{".5", 0.5F},
-                      KnownNumber{"1.234567e+01", 12.34567F}, KnownNumber{"-1.234567E-10", -1.234567e-10F},
-                      KnownNumber{"1.5e+001", 15.0F}, KnownNumber{"2e3", 2000.0F},
-                      KnownNumber{"0.10000000149011612", 0.1F}, KnownNumber{"00000000000000012", 12.0F},
-                      KnownNumber{"123456789012345678", 123456789012345678.0F}, KnownNumber{"1e39", INFINITY},
-                      KnownNumber{"-1e39", -INFINITY}, KnownNumber{"1e-45", 1e-45F}, KnownNumber{"-1e-46", 0.0F},
-                      KnownNumber{"3.4028235e38", INFINITY}, KnownNumber{"3.40282346e38", 3.40282346e38F}));
+    ::testing::Values(KnownNumber{"0", 0.0F}, KnownNumber{"-0", -0.0F}, KnownNumber{"-12.345678", -12.345678F},
+                      KnownNumber{"5.", 5.0F}, KnownNumber{".5", 0.5F}, KnownNumber{"1.234567e+01", 12.34567F},
+                      KnownNumber{"-1.234567E-10", -1.234567e-10F}, KnownNumber{"1.5e+001", 15.0F},
+                      KnownNumber{"2e3", 2000.0F}, KnownNumber{"0.10000000149011612", 0.1F},
+                      KnownNumber{"00000000000000012", 12.0F}, KnownNumber{"123456789012345678", 123456789012345678.0F},
+                      KnownNumber{"12345678901234567890", 12345678901234567890.0F},
+                      KnownNumber{"0.1234567890123456789012345", 0.1234567890123456789012345F},
+                      KnownNumber{"1e39", INFINITY}, KnownNumber{"-1e39", -INFINITY}, KnownNumber{"1e-45", 1e-45F},
+                      KnownNumber{"-1e-46", 0.0F}, KnownNumber{"3.4028235e38", INFINITY},
+                      KnownNumber{"3.40282346e38", 3.40282346e38F}));
 
-TEST(NumberTextTest, UnusualTokensAreLeftToQt)
+TEST(NumberTest, UnusualTokensAreLeftToQt)
 {
-    for (const char* text : {"",
-                             "nan",
-                             "inf",
-                             "0x10",
-                             "1,5",
-                             "--5",
-                             "1e",
-                             "1e+",
-                             "e5",
-                             ".",
-                             "-",
-                             "1.2.3",
-                             "1f",
-                             "1\v",
-                             "\302\2401",
-                             "1e10000",
-                             "12345678901234567890",
-                             "1f+01",
-                             "1d+01",
-                             "1e*01",
-                             "1e,01",
-                             "1e+0:",
-                             "1e+/1"})
+    for (const char* text :
+         {"",         "nan",   "inf",   "0x10",  "1,5",       "--5",     "1e",        "1e+",  "e5",   ".",
+          "-",        "1.2.3", "1f",    "1\v",   "\302\2401", "1e10000", "-1e-10000", "+5",   "-nan", "-inf",
+          "infinity", "+-5",   "1f+01", "1d+01", "1e*01",     "1e,01",   "1e+0:",     "1e+/1"})
         EXPECT_FALSE(quickly(text, "\n").accepted) << text;
     // A number that ends with the text, not with the line.
     EXPECT_FALSE(quickly("1", "").accepted);
     EXPECT_FALSE(quickly("1", "\r").accepted);
 }
 
-TEST(NumberTextTest, OddNumbersAreWhatQtMakesOfThem)
+TEST(NumberTest, OddNumbersAreWhatQtMakesOfThem)
 {
     OddLines odd(1);
     for (int i = 0; i < 200000; ++i)
         expectAsQt(odd.number());
 }
 
-TEST(NumberTextTest, EachFloatIsReadFromItsShortestAndItsLongTexts)
+TEST(NumberTest, EachFloatIsReadFromItsShortestAndItsLongTexts)
 {
     std::mt19937 random(2);
     for (int i = 0; i < 100000; ++i) {
@@ -155,7 +132,7 @@ TEST(NumberTextTest, EachFloatIsReadFromItsShortestAndItsLongTexts)
 }
 
 // Lines of all lengths around that of what is looked at in one step.
-TEST(NumberTextTest, ThreeNumbersInALineAreThoseThreeOneByOne)
+TEST(NumberTest, ThreeNumbersInALineAreThoseThreeOneByOne)
 {
     std::mt19937 random(4);
     const auto below = [&random](int end) { return static_cast<int>(random() % static_cast<quint32>(end)); };
@@ -171,7 +148,7 @@ TEST(NumberTextTest, ThreeNumbersInALineAreThoseThreeOneByOne)
         }
         const QByteArray text = QByteArray(kTextPadding, '9') + line + "\n" + QByteArray(kTextPadding, '9');
         Vec4 point{};
-        if (readPlainPoint(text.constData() + kTextPadding, point)) {
+        if (readPoint(text.constData() + kTextPadding, point)) {
             ++accepted;
             for (std::size_t k = 0; k < 3; ++k)
                 EXPECT_EQ(bitsOf(point[k]), bitsOf(expected[k])) << line.constData();
@@ -180,68 +157,68 @@ TEST(NumberTextTest, ThreeNumbersInALineAreThoseThreeOneByOne)
     EXPECT_GT(accepted, 190000);
 }
 
-TEST(NumberTextTest, LineThatEndsBeforeItsThirdNumberDoesNotTakeTheNextOne)
+TEST(NumberTest, LineThatEndsBeforeItsThirdNumberDoesNotTakeTheNextOne)
 {
     for (const char* line : {"1 2\n3 4\n", "1 2 \n3 4\n", "1\n2\n3\n", "\n1 2 3\n", "1 2 \r\n3\n"}) {
         const QByteArray text = QByteArray(kTextPadding, '9') + line + QByteArray(kTextPadding, '9');
         Vec4 point{};
         Indices indices{};
-        EXPECT_EQ(readPlainPoint(text.constData() + kTextPadding, point), nullptr) << line;
-        EXPECT_EQ(readPlainIndices(text.constData() + kTextPadding, indices), nullptr) << line;
+        EXPECT_EQ(readPoint(text.constData() + kTextPadding, point), nullptr) << line;
+        EXPECT_EQ(readIndices(text.constData() + kTextPadding, indices), nullptr) << line;
     }
 }
 
 // Any of these would be read to the same numbers one by one, but half as fast.
-TEST(NumberTextTest, UsualLinesAreReadInOneGo)
+TEST(NumberTest, UsualLinesAreReadInOneGo)
 {
     for (const char* line : {"40.000000 -0.5 12", "-1 -2 -3", "-4.009167e+01 3.563084E-01 -1.200000e+01", "1  2\t3",
                              "5. .5 -.5", "-12345.6789012345 -12345.6789012 123456789012", "1.5 2.5 3.5\r"}) {
         const QByteArray text = QByteArray(kTextPadding, '9') + line + "\n" + QByteArray(kTextPadding, '9');
         Vec4 point{};
-        EXPECT_TRUE(plain::readShortPoint(text.constData() + kTextPadding, point)) << line;
+        EXPECT_TRUE(fast::readPoint(text.constData() + kTextPadding, point)) << line;
     }
     const QByteArray face = QByteArray(kTextPadding, '9') + "1 23456789 99999999\n" + QByteArray(kTextPadding, '9');
     Indices indices{};
-    EXPECT_TRUE(plain::readShortIndices(face.constData() + kTextPadding, indices));
+    EXPECT_TRUE(fast::readIndices(face.constData() + kTextPadding, indices));
 }
 
-TEST(NumberTextTest, ThreeIndicesInALineAreThoseThreeOneByOne)
+TEST(NumberTest, ThreeIndicesInALineAreThoseThreeOneByOne)
 {
     const std::array<QByteArray, 14> tokens = {"0",          "7",           "12345678",   "123456789", "00000012",
                                                "000000012",  "4294967298",  "2147483648", "1/2/3",     "7//7",
                                                "12345678/1", "1234567890/", "/",          "99999999"};
     for (const char* blanks : {" ", "  ", "\t", " \t "}) {
-        for (const char* behind : {"\n", " ", "\t", "\r\n", " 9\n"}) {
+        for (const char* after : {"\n", " ", "\t", "\r\n", " 9\n"}) {
             for (std::size_t i = 0; i < tokens.size() * tokens.size() * tokens.size(); ++i) {
                 const std::array<QByteArray, 3> line = {tokens[i % 14], tokens[i / 14 % 14], tokens[i / 196]};
                 const QByteArray text = QByteArray(kTextPadding, '9') + line[0] + blanks + line[1] + blanks + line[2] +
-                                        behind + QByteArray(kTextPadding, '9');
+                                        after + QByteArray(kTextPadding, '9');
                 Indices indices{};
-                const char* const end = readPlainIndices(text.constData() + kTextPadding, indices);
+                const char* const end = readIndices(text.constData() + kTextPadding, indices);
                 ASSERT_TRUE(end) << text.constData();
-                ASSERT_TRUE(QByteArray(end).startsWith(behind)) << text.constData();
+                ASSERT_TRUE(QByteArray(end).startsWith(after)) << text.constData();
                 for (std::size_t k = 0; k < 3; ++k)
-                    ASSERT_EQ(indices[k], toIndex(tokenOf(line[k]))) << text.constData();
+                    ASSERT_EQ(indices[k], reference::toIndex(line[k])) << text.constData();
             }
         }
     }
 }
 
-TEST(NumberTextTest, TerminatorBelongsToTheNumber)
+TEST(NumberTest, TerminatorBelongsToTheNumber)
 {
-    EXPECT_EQ(toFloat(tokenOf("2.5\n")), 2.5F);
-    EXPECT_EQ(toFloat(tokenOf("2.5\r\n")), 2.5F);
-    EXPECT_EQ(toFloat(tokenOf("\n")), 0.0F);
+    EXPECT_EQ(reference::toFloat("2.5\n"), 2.5F);
+    EXPECT_EQ(reference::toFloat("2.5\r\n"), 2.5F);
+    EXPECT_EQ(reference::toFloat("\n"), 0.0F);
 }
 
-TEST(NumberTextTest, TokenThatIsTooLongIsNoNumber)
+TEST(NumberTest, TokenThatIsTooLongReadsAsZero)
 {
-    const QByteArray longest(kLongestNumber, '1');
-    EXPECT_EQ(toFloat(tokenOf(longest)), INFINITY);
-    EXPECT_EQ(toFloat(tokenOf(longest + '1')), 0.0F);
+    const QByteArray max(kMaxNumberBytes, '1');
+    EXPECT_EQ(reference::toFloat(max), INFINITY);
+    EXPECT_EQ(reference::toFloat(max + '1'), 0.0F);
 }
 
-TEST(NumberTextTest, IndexIsTheNumberCutTo32Bits)
+TEST(NumberTest, IndexIsTheNumberCutTo32Bits)
 {
     const std::pair<const char*, qint32> cases[] = {{"7", 7},
                                                     {"+7", 7},
@@ -258,39 +235,16 @@ TEST(NumberTextTest, IndexIsTheNumberCutTo32Bits)
                                                     {"18446744073709551616", 0},
                                                     {"x", 0}};
     for (const auto& [text, index] : cases)
-        EXPECT_EQ(toIndex(tokenOf(text)), index) << text;
+        EXPECT_EQ(reference::toIndex(text), index) << text;
 }
 
-// The tokens as text, so that they compare with Qt's.
-QStringList textsOf(const LineTokens& line)
+TEST(NumberTest, NumbersLongerThanThePaddingAreLeftToQt)
 {
-    QStringList texts;
-    for (int i = 0; i < line.count; ++i) {
-        const Token& token = line.tokens[static_cast<std::size_t>(i)];
-        const QByteArray bytes(token.begin, static_cast<int>(token.end - token.begin));
-        // A blank in front keeps a byte order mark that is not at the line's beginning.
-        texts += QString::fromUtf8(' ' + bytes).mid(1);
+    for (int digits = kTextPadding - 2; digits < kTextPadding + 3; ++digits) {
+        const QByteArray token = "0." + QByteArray(digits - 2, '3');
+        EXPECT_EQ(quickly(token, "\n").accepted, digits <= kTextPadding) << digits;
+        expectAsQt(token);
     }
-    return texts;
-}
-
-TEST(NumberTextTest, LinesAreSplitAsQtSplitsThem)
-{
-    OddLines odd(3);
-    for (int i = 0; i < 50000; ++i) {
-        const QByteArray line = odd.line({"vertex", "v"});
-        const QStringList expected = plainTokens(line).mid(0, kMostTokens);
-        EXPECT_EQ(textsOf(splitLine(line.constData(), line.constData() + line.size())), expected)
-            << line.toPercentEncoding().constData();
-    }
-}
-
-TEST(NumberTextTest, KeywordMatchesInAnyCaseButWhole)
-{
-    for (const char* text : {"vertex", "VERTEX", "VeRtEx"})
-        EXPECT_TRUE(isKeyword(tokenOf(text), "vertex")) << text;
-    for (const char* text : {"verte", "vertexx", "vertex\n", "vertey", "\026ertex", ""})
-        EXPECT_FALSE(isKeyword(tokenOf(text), "vertex")) << text;
 }
 
 } // namespace

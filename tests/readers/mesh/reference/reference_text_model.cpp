@@ -1,9 +1,11 @@
-#include "tests/readers/mesh/plain_text_model.h"
+#include "tests/readers/mesh/reference/reference_text_model.h"
 
 #include <QBuffer>
 #include <QRegularExpression>
 
+#include <algorithm>
 #include <cstring>
+#include <limits>
 
 namespace zr::test
 {
@@ -20,7 +22,7 @@ void forEachLine(const QByteArray& file, bool withFirst, Use use)
     if (!withFirst)
         buffer.readLine();
     for (QByteArray line = buffer.readLine(); !line.isEmpty(); line = buffer.readLine())
-        use(plainTokens(line));
+        use(referenceTokens(line));
 }
 
 bool isLine(const QStringList& tokens, const char* keyword)
@@ -35,15 +37,15 @@ std::array<float, 3> pointOf(const QStringList& tokens)
 
 } // namespace
 
-QStringList plainTokens(const QByteArray& line)
+QStringList referenceTokens(const QByteArray& line)
 {
     static const QRegularExpression blanks(QStringLiteral("\t* +|\t+ *|\t+ +"));
     return QString(line).split(blanks, Qt::SkipEmptyParts);
 }
 
-PlainModel plainAsciiStl(const QByteArray& file)
+ReferenceModel referenceAsciiStl(const QByteArray& file)
 {
-    PlainModel model;
+    ReferenceModel model;
     forEachLine(file, false, [&model](const QStringList& tokens) {
         if (isLine(tokens, "vertex"))
             model.corners.push_back(pointOf(tokens));
@@ -53,9 +55,9 @@ PlainModel plainAsciiStl(const QByteArray& file)
     return model;
 }
 
-PlainModel plainObj(const QByteArray& file)
+ReferenceModel referenceObj(const QByteArray& file)
 {
-    PlainModel model;
+    ReferenceModel model;
     forEachLine(file, true, [&model](const QStringList& tokens) {
         if (isLine(tokens, "v"))
             model.points.push_back(pointOf(tokens));
@@ -78,6 +80,20 @@ std::vector<std::array<float, 3>> cornersOf(const QList<QVector<float>*>& chunks
             corners.push_back({chunk->at(i), chunk->at(i + 1), chunk->at(i + 2)});
     }
     return corners;
+}
+
+std::pair<std::array<float, 3>, std::array<float, 3>> boundsOf(const std::vector<std::array<float, 3>>& points)
+{
+    std::array<float, 3> min{}, max{};
+    min.fill(std::numeric_limits<float>::max());
+    max.fill(std::numeric_limits<float>::lowest());
+    for (const auto& point : points) {
+        for (std::size_t axis = 0; axis < 3; ++axis) {
+            min[axis] = std::min(min[axis], point[axis]);
+            max[axis] = std::max(max[axis], point[axis]);
+        }
+    }
+    return {min, max};
 }
 
 bool sameBits(const std::vector<std::array<float, 3>>& a, const std::vector<std::array<float, 3>>& b)

@@ -8,19 +8,15 @@
 namespace zr
 {
 
-/// So many readable bytes must stand before and behind the text that the functions of plain_number.h are called on.
+/// The number of readable bytes that there must be before and after the text that is read with the functions of
+/// fast_number.h.
 constexpr int kTextPadding = 64;
 
 /// The corners of a face, and a fourth number that means nothing.
 using Indices = std::array<qint32, 4>;
 
-namespace plain
-{
-
 static_assert(Q_BYTE_ORDER == Q_LITTLE_ENDIAN,
               "the first of several bytes is taken to be the lowest one of their word");
-
-constexpr quint64 kEveryByte = 0x0101010101010101;
 
 /// The eight bytes at `text`.
 inline quint64 word(const char* text)
@@ -35,8 +31,8 @@ inline bool isBlank(char c)
     return c == ' ' || c == '\t';
 }
 
-/// The first byte from `text` on that is no blank. Nearly always that is a letter or a digit, all of which stand above
-/// the blanks.
+/// The first byte from `text` on that is not a blank. Nearly always that is a letter or a digit, all of which are
+/// greater than the blanks.
 inline const char* skipBlanks(const char* text)
 {
     while (*text <= ' ' && isBlank(*text))
@@ -50,10 +46,12 @@ inline bool tokenEndsAt(const char* text)
     return isBlank(*text) || *text == '\n' || (*text == '\r' && text[1] == '\n');
 }
 
-/// All powers of ten that are doubles without rounding.
-constexpr int kMostExactPower = 22;
-constexpr double kPowers[kMostExactPower + 1] = {1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7,  1e8,  1e9,  1e10, 1e11,
-                                                 1e12, 1e13, 1e14, 1e15, 1e16, 1e17, 1e18, 1e19, 1e20, 1e21, 1e22};
+/// The beginning of the line after that of `text`, which ends before `end`.
+inline const char* lineAfter(const char* text, const char* end)
+{
+    if (*text == '\n')
+        return text + 1;
+    return static_cast<const char*>(std::memchr(text, '\n', static_cast<std::size_t>(end - text))) + 1;
+}
 
-} // namespace plain
 } // namespace zr

@@ -1,4 +1,4 @@
-#include "tests/readers/mesh/plain_slc.h"
+#include "tests/readers/mesh/reference/reference_slc.h"
 
 #include <QDataStream>
 #include <QIODevice>
@@ -13,14 +13,14 @@ namespace zr::test
 namespace
 {
 
-using Point = PlainSlc::Point;
+using Point = ReferenceSlc::Point;
 
 class Reader
 {
 public:
     explicit Reader(const QByteArray& file) : m_file(file) {}
 
-    PlainSlc read()
+    ReferenceSlc read()
     {
         m_slc.min.fill(std::numeric_limits<float>::max());
         m_slc.max.fill(std::numeric_limits<float>::lowest());
@@ -131,7 +131,7 @@ private:
         const Point u{b[0] - a[0], b[1] - a[1], b[2] - a[2]};
         const Point v{c[0] - b[0], c[1] - b[1], c[2] - b[2]};
         Point n{u[1] * v[2] - u[2] * v[1], u[2] * v[0] - u[0] * v[2], u[0] * v[1] - u[1] * v[0]};
-        // Not std::hypot(), to which an infinite side is worth more than one that is no number.
+        // Not std::hypot(), to which an infinite side is worth more than one that is not a number.
         const double length = std::sqrt(double{n[0]} * n[0] + double{n[1]} * n[1] + double{n[2]} * n[2]);
         for (float& component : n)
             component = length == 0 ? 0 : static_cast<float>(component / length);
@@ -153,12 +153,12 @@ private:
     QByteArray m_file;
     QByteArray m_table;
     qint64 m_position = 0;
-    PlainSlc m_slc;
+    ReferenceSlc m_slc;
 };
 
 } // namespace
 
-PlainSlc plainSlc(const QByteArray& file)
+ReferenceSlc referenceSlc(const QByteArray& file)
 {
     return Reader(file).read();
 }

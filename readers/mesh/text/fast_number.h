@@ -1,10 +1,13 @@
 #pragma once
 
-// Three numbers of at most 15 digits each in the 48 bytes behind a keyword, or three indices of at most eight digits in
+// Three numbers of at most 15 digits each in the 48 bytes after a keyword, or three indices of at most eight digits in
 // 32 bytes: nearly all that model files have. The ends of all three are looked up in one set of bits and their digits
 // are converted together, which takes half the time of reading one number after the other.
+//
+// What these functions accept they read to the same bits as those of scalar_number.h, which say what is right:
+// the tests compare each step with a loop over the bytes.
 
-#include "readers/mesh/plain_text.h"
+#include "readers/mesh/text/text_bytes.h"
 #include "readers/mesh/vec4.h"
 
 #include <array>
@@ -13,19 +16,24 @@
 #include <emmintrin.h>
 #endif
 
-namespace zr::plain
+namespace zr::fast
 {
 
 #ifdef __SSE2__
 
-/// Of so many digits every number is a double without rounding, which leaves the one rounding of the scale.
-constexpr unsigned kMostExactDigits = 15;
+/// With this number of digits every number is a double without rounding, which leaves the one rounding of the scale.
+constexpr unsigned kMaxDigits = 15;
 
-/// Bytes from kHighBytes + n on are a mask: of 16 bytes the last n are chosen, of 8 bytes from kHighBytes + 8 + n on,
-/// the last n, too.
+/// Masks. 16 bytes from kHighBytes + n on choose the last n of 16 bytes, 8 bytes from kHighBytes + 8 + n on the last n
+/// of eight: kHighBytes + 3 begins with 13 zeros, after which there are three 0xFF.
 constexpr quint8 kHighBytes[] = {0,    0,    0,    0,    0,    0,    0,    0,    0,    0,    0,
                                  0,    0,    0,    0,    0,    0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF,
                                  0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF};
+
+/// All powers of ten that are doubles without rounding.
+constexpr int kMaxPower = 22;
+constexpr double kPowers[kMaxPower + 1] = {1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7,  1e8,  1e9,  1e10, 1e11,
+                                           1e12, 1e13, 1e14, 1e15, 1e16, 1e17, 1e18, 1e19, 1e20, 1e21, 1e22};
 
 /// What the digits of a number are multiplied by and then divided by; one of the two is 1 but for its sign, so that
 /// the result is rounded once.
@@ -34,25 +42,24 @@ struct Scale {
     double divisor;
 };
 
-constexpr std::size_t kPowersOfScale = 2 * kMostExactPower + 1;
-
-/// For the powers of ten from -kMostExactPower on, each for numbers without and with a minus.
-constexpr std::array<Scale, 2 * kPowersOfScale> makeScales()
+/// Two for each power of ten from -kMaxPower on, without and with a minus: "-2.5" is the digits 25, the power -1 and a
+/// minus, which is kScales[2 * (22 - 1) + 1] = {-1, 10}, and 25 * -1 / 10 = -2.5.
+constexpr auto makeScales()
 {
-    std::array<Scale, 2 * kPowersOfScale> scales{};
+    std::array<Scale, 2 * (2 * kMaxPower + 1)> scales{};
     for (std::size_t i = 0; i < scales.size(); ++i) {
         const double sign = i % 2 == 0 ? 1.0 : -1.0;
-        const int power = static_cast<int>(i / 2) - kMostExactPower;
+        const int power = static_cast<int>(i / 2) - kMaxPower;
         scales[i] = power < 0 ? Scale{sign, kPowers[-power]} : Scale{sign * kPowers[power], 1.0};
     }
     return scales;
 }
 
 constexpr auto kScales = makeScales();
-constexpr std::size_t kUnscaled = kPowersOfScale - 1; ///< where the power 0 is
+constexpr std::size_t kUnscaled = 2 * kMaxPower; ///< of kScales, for the power 0
 
 /// A number whose digits were found.
-struct ShortFloat {
+struct FoundFloat {
     __m128i fours;     ///< four numbers of four digits each, the first ones in the lowest lane
     std::size_t scale; ///< of kScales
 };
@@ -70,16 +77,22 @@ inline __m128i load8and8(const void* first, const void* second)
 }
 
 /// One bit for each of the 16 bytes at `text`, set where the byte is a digit.
+///
+/// Adding 70 moves the digits to the upper end of the signed bytes: '0' becomes 118 and '9' 127. '/' becomes 117, and
+/// ':' wraps to -128, so what is greater than 117 was a digit.
 inline quint64 digitBits(const char* text)
 {
-    // Moves the digits to the upper end of the signed bytes.
     const __m128i moved = _mm_add_epi8(load16(text), _mm_set1_epi8(0x7F - '9'));
     const __m128i digits = _mm_cmpgt_epi8(moved, _mm_set1_epi8(0x7F - 10));
     return static_cast<unsigned>(_mm_movemask_epi8(digits));
 }
 
-/// Goes through some bytes from one that is no digit to the next one. All of them are found in one step, so that the
+/// Goes through some bytes from one that is not a digit to the next one. All of them are found in one step, so that the
 /// processor can be at work on several numbers, and on the next line, at the same time.
+///
+/// Invariant: bit i of m_bits is set exactly where text[i] is not a digit and was not dropped. Bits are only cleared,
+/// the lowest one first, so next() never goes back. No bit beyond the 32 or 48 bytes is ever set: when the bits have
+/// run out, what follows is unknown, not digits.
 class NonDigits
 {
 public:
@@ -94,11 +107,13 @@ public:
         return NonDigits(digits ^ 0xFFFFFFFFFFFF);
     }
 
-    /// Where the next one is. There must be one.
+    /// The place of the next one. There must be one.
     std::size_t next() const { return static_cast<std::size_t>(__builtin_ctzll(m_bits)); }
 
-    /// Leaves the next one behind, if `count` is 1, or none, if it is 0, by the same instructions: signs are as good as
-    /// random. Whether there is another one.
+    /// Drops the next one, if `count` is 1, or none, if it is 0, by the same instructions: signs are as good as random.
+    /// Whether there is another one.
+    ///
+    /// 0b1010'0000 - 1 = 0b1001'1111 differs from the lowest set bit on downwards, so that & leaves 0b1000'0000.
     bool drop(std::size_t count = 1)
     {
         m_bits &= m_bits - count;
@@ -114,11 +129,14 @@ private:
 };
 
 /// The numbers that each four of the digits among `text` make. `chosen` masks the digits; the other bytes read as 0.
+///
+/// "1234" is the two lanes 0x0201 and 0x0403 of 16 bits, the first digit in the lower byte. Times 0x0A01 = 10 * 256 + 1
+/// a lane has 10 * 1 + 2 in its upper byte, what is beyond 16 bits is lost, and the shift leaves 12 and 34. Times 100
+/// and 1, from 0x00010064, these add up to 1234.
 inline __m128i fourDigits(__m128i text, __m128i chosen)
 {
     const __m128i digits = _mm_and_si128(_mm_sub_epi8(text, _mm_set1_epi8('0')), chosen);
-    // Multiplied by 10 * 256 + 1, two digits in a lane make their number in its upper byte. The compiler would take the
-    // multiplication by a constant apart, into five instructions.
+    // The compiler would take the multiplication by a constant apart, into five instructions.
     __m128i factor = _mm_set1_epi16(0x0A01);
     asm("" : "+x"(factor)); // NOLINT(hicpp-no-assembler)
     const __m128i pairs = _mm_srli_epi16(_mm_mullo_epi16(digits, factor), 8);
@@ -126,29 +144,38 @@ inline __m128i fourDigits(__m128i text, __m128i chosen)
 }
 
 /// The numbers of eight digits each that those of `first` and then those of `second` make.
+///
+/// "12345678" is the lanes 1234 and 5678, which fit into 16 bits. Times 10000 and 1, from 0x00012710, they add up.
 inline __m128i eightDigits(__m128i first, __m128i second)
 {
     return _mm_madd_epi16(_mm_packs_epi32(first, second), _mm_set1_epi32(0x00012710));
 }
 
-/// The `count` digits before `end`, at most 16, `fraction` of them behind a point that stands among them; 16 for none.
+/// The `count` digits before `end`, at most 16, `fraction` of them after a point among them; 16 for no point.
+///
+/// What is in front of the point moves up by one byte, over it: before the end of "12.5" are the bytes "12.5", and one
+/// byte earlier "?12.". The last one (`fraction`) of the former and all others of the latter are "?125", of which the
+/// last three (`count`) are chosen.
 inline __m128i digitsBefore(const char* end, std::size_t fraction, std::size_t count)
 {
-    // What stands before the point moves up by one byte, over it.
-    const __m128i behindPoint = load16(kHighBytes + fraction);
+    const __m128i afterPoint = load16(kHighBytes + fraction);
     const __m128i text =
-        _mm_or_si128(_mm_and_si128(behindPoint, load16(end - 16)), _mm_andnot_si128(behindPoint, load16(end - 17)));
+        _mm_or_si128(_mm_and_si128(afterPoint, load16(end - 16)), _mm_andnot_si128(afterPoint, load16(end - 17)));
     return fourDigits(text, load16(kHighBytes + count));
 }
 
 /// Adds an exponent to the place in kScales: "e", a sign and two digits, which is what every C library writes. False
 /// for others.
+///
+/// Less "e+00", byte for byte, "E-05" is 0, 2, 0, 5. 0xFF and 0xFD allow no other letter and no other sign than one
+/// that is two above the plus. A digit has no high bit, even after 0x76 was added: 9 becomes 0x7F, but 10 is 0x80. A
+/// byte below its own in "e+00" borrows from the next one, but has a forbidden bit itself. The two digits make their
+/// number as in fourDigits(), and each step of the power is two places.
 inline bool addExponent(const char* text, std::size_t& scale)
 {
     quint32 bytes = 0;
     std::memcpy(&bytes, text, sizeof(bytes));
     bytes = (bytes | 0x20U) - ('e' | '+' << 8U | '0' << 16U | quint32{'0'} << 24U);
-    // A minus is two above a plus. A digit does not reach the high bit, even after the addition.
     if (((bytes | (bytes + 0x76760000U)) & 0x8080FDFFU) != 0)
         return false;
     const std::size_t steps = 2 * std::size_t{(bytes >> 16U) * 0x0A01U >> 8U & 0xFFU};
@@ -156,9 +183,13 @@ inline bool addExponent(const char* text, std::size_t& scale)
     return scale < kScales.size();
 }
 
-/// Finds the number that begins at text[begin], and moves on to its end; `others` are those of `text` from `begin` on.
-/// False when it is none, has more than kMostExactDigits or an unusual exponent. Something else may stand behind it.
-inline bool findShortFloat(const char* text, std::size_t& begin, NonDigits& others, ShortFloat& number)
+/// Finds the number that begins at text[begin], and moves on to its end. False when it is not a number, has more than
+/// kMaxDigits or an unusual exponent. Something else may follow it.
+///
+/// Before and after: text[begin] has not been passed, and `others` holds all that are not digits from there on. After a
+/// number, text[begin] is the first byte that does not belong to it; others.next() is the same place unless a digit
+/// follows an exponent, which does not end a token.
+inline bool findFloat(const char* text, std::size_t& begin, NonDigits& others, FoundFloat& number)
 {
     const std::size_t negative = text[begin] == '-' ? 1 : 0;
     if (!others.drop(negative))
@@ -176,10 +207,11 @@ inline bool findShortFloat(const char* text, std::size_t& begin, NonDigits& othe
         digits = end - begin - negative - 1;
         scale -= 2 * fraction;
     }
-    if (digits - 1 >= kMostExactDigits)
+    // No digits are too many, too: 0 - 1 is the max number.
+    if (digits - 1 >= kMaxDigits)
         return false;
     number.fours = digitsBefore(text + end, fraction, digits);
-    // Most numbers have no exponent, and then a blank or a line end stands here.
+    // Most numbers have no exponent, and then this is a blank or a line end.
     if (text[end] > ' ') {
         others.drop();
         if (!addExponent(text + end, scale) || !others.drop())
@@ -192,7 +224,10 @@ inline bool findShortFloat(const char* text, std::size_t& begin, NonDigits& othe
 }
 
 /// The numbers as floats, rounded once as a double and once as a float.
-inline Vec4 toVec4(const ShortFloat& x, const ShortFloat& y, const ShortFloat& z)
+///
+/// "123456789" is found as the fours 0, 1, 2345 and 6789, these are the eights 1 and 23456789, and 1 * 1e8 + 23456789
+/// is a double without rounding.
+inline Vec4 toVec4(const FoundFloat& x, const FoundFloat& y, const FoundFloat& z)
 {
     const __m128i xy = eightDigits(x.fours, y.fours);
     const __m128i zz = eightDigits(z.fours, z.fours);
@@ -213,6 +248,8 @@ inline Vec4 toVec4(const ShortFloat& x, const ShortFloat& y, const ShortFloat& z
 }
 
 /// Moves on from the end of a number to the next token of the line; false when there is none.
+///
+/// Before: what findFloat() leaves. After: what it expects.
 inline bool findNextToken(const char* text, std::size_t& position, NonDigits& others)
 {
     if (!isBlank(text[position]))
@@ -225,15 +262,15 @@ inline bool findNextToken(const char* text, std::size_t& position, NonDigits& ot
     return true;
 }
 
-/// Reads three short numbers with blanks between them that end within 48 bytes; the end of the last one, or null.
-inline const char* readShortPoint(const char* text, Vec4& point)
+/// Reads three numbers with blanks between them that end within 48 bytes; the end of the last one, or null.
+inline const char* readPoint(const char* text, Vec4& point)
 {
-    ShortFloat x, y, z; // NOLINT(cppcoreguidelines-pro-type-member-init): filled when they are used
+    FoundFloat x, y, z; // NOLINT(cppcoreguidelines-pro-type-member-init): filled when they are used
     NonDigits others = NonDigits::among48(text);
     std::size_t position = 0;
-    if (others.isEmpty() || !findShortFloat(text, position, others, x) || !findNextToken(text, position, others) ||
-        !findShortFloat(text, position, others, y) || !findNextToken(text, position, others) ||
-        !findShortFloat(text, position, others, z) || !tokenEndsAt(text + position))
+    if (others.isEmpty() || !findFloat(text, position, others, x) || !findNextToken(text, position, others) ||
+        !findFloat(text, position, others, y) || !findNextToken(text, position, others) ||
+        !findFloat(text, position, others, z) || !tokenEndsAt(text + position))
         return nullptr;
     point = toVec4(x, y, z);
     return text + position;
@@ -241,7 +278,10 @@ inline const char* readShortPoint(const char* text, Vec4& point)
 
 /// Reads three indices of at most eight digits with one space between them that end within 32 bytes; their end, or
 /// null.
-inline const char* readShortIndices(const char* text, Indices& indices)
+///
+/// "12 345 6\n" has its others at 2, 6 and 8, hence numbers of 2, 6 - 2 - 1 = 3 and 8 - 6 - 1 = 1 digits. Less one, a
+/// number of digits from 1 to 8 is below 8, and so is what | makes of three of them.
+inline const char* readIndices(const char* text, Indices& indices)
 {
     NonDigits others = NonDigits::among32(text);
     if (others.isEmpty())
@@ -268,16 +308,16 @@ inline const char* readShortIndices(const char* text, Indices& indices)
 #else
 
 // Every x64 processor has SSE2. On others, all numbers are read one by one.
-inline const char* readShortPoint(const char* /*text*/, Vec4& /*point*/)
+inline const char* readPoint(const char* /*text*/, Vec4& /*point*/)
 {
     return nullptr;
 }
 
-inline const char* readShortIndices(const char* /*text*/, Indices& /*indices*/)
+inline const char* readIndices(const char* /*text*/, Indices& /*indices*/)
 {
     return nullptr;
 }
 
 #endif
 
-} // namespace zr::plain
+} // namespace zr::fast

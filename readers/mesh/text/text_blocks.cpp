@@ -1,6 +1,6 @@
-#include "readers/mesh/text_blocks.h"
+#include "readers/mesh/text/text_blocks.h"
 
-#include "readers/mesh/line_condenser.h"
+#include "readers/mesh/text/line_tokenizer.h"
 
 #include <algorithm>
 #include <cstring>
@@ -11,7 +11,7 @@ namespace zr
 namespace
 {
 
-// A zero byte and a line feed may be put behind the last line.
+// A zero byte and a line feed may be put after the last line.
 constexpr qint64 kTerminatorBytes = 2;
 
 constexpr qint64 kBufferBytes = kTextPadding + TextBlocks::kBlockBytes + kTerminatorBytes + kTextPadding;
@@ -37,7 +37,7 @@ bool TextBlocks::next()
     }
 }
 
-// Reads behind what is left; false at the end of the file.
+// Reads on after what is left; false at the end of the file.
 bool TextBlocks::fill()
 {
     const auto kept = m_filled - m_rest;
@@ -82,17 +82,18 @@ bool TextBlocks::takeLastLine()
 // The buffer is full and holds no line end.
 bool TextBlocks::takeLongLine()
 {
-    LineCondenser condenser;
+    LineTokenizer tokenizer;
     m_position = m_restPosition;
     const char* lineEnd = nullptr;
     do {
         lineEnd = static_cast<const char*>(std::memchr(m_rest, '\n', static_cast<std::size_t>(m_filled - m_rest)));
         char* const taken = lineEnd ? m_rest + (lineEnd - m_rest) + 1 : m_filled;
-        condenser.add(m_rest, taken);
+        tokenizer.add(m_rest, taken);
         m_restPosition += taken - m_rest;
         m_rest = taken;
     } while (!lineEnd && fill());
-    m_longLine = condenser.takeLine();
+    // The blank keeps a byte order mark in the first token from being taken for one at the line's beginning.
+    m_longLine = ' ' + tokenizer.tokens().join(' ');
     if (!m_longLine.endsWith('\n'))
         m_longLine.append("\0\n", kTerminatorBytes);
     m_longLine.insert(0, kTextPadding, '\0').append(kTextPadding, '\0');

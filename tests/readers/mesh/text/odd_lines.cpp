@@ -1,4 +1,4 @@
-#include "tests/readers/mesh/odd_lines.h"
+#include "tests/readers/mesh/text/odd_lines.h"
 
 namespace zr::test
 {
@@ -32,10 +32,10 @@ QByteArray OddLines::pick(const std::vector<QByteArray>& choices)
     return choices[m_random() % choices.size()];
 }
 
-QByteArray OddLines::digits(int most)
+QByteArray OddLines::digits(int max)
 {
     QByteArray text;
-    for (int count = below(most + 1); count > 0; --count)
+    for (int count = below(max + 1); count > 0; --count)
         text += static_cast<char>('0' + below(10));
     return text;
 }
@@ -72,6 +72,14 @@ QByteArray OddLines::line(const std::vector<QByteArray>& keywords)
     if (oneIn(30))
         text.insert(below(text.size() + 1), '\0');
     return text + pick({"\n", "\n", "\n", "\r\n", "\r\n", "\n\n", "\r", "\r\r\n", ""});
+}
+
+QByteArray OddLines::lines(int count, const std::vector<QByteArray>& keywords)
+{
+    QByteArray text;
+    while (count-- > 0)
+        text += line(keywords);
+    return text;
 }
 
 } // namespace zr::test

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "readers/mesh/plain_number.h"
+#include "readers/mesh/text/text_bytes.h"
 
 #include <QByteArray>
 #include <QFile>
@@ -13,21 +13,21 @@ namespace zr
 /// Reads a text file in runs of whole lines, through one buffer that is used again for each run.
 ///
 /// Each line ends in "\n"; a last line without a terminator gets a zero byte before it, which ends the line's text.
-/// A line that is longer than the buffer comes alone and condensed: its first tokens with single blanks between them,
-/// which splitLine() cannot tell from the line itself.
+/// A line that is longer than the buffer comes alone and condensed: single blanks before the tokens that LineTokenizer
+/// finds in it, and in the condensed line again.
 class TextBlocks
 {
 public:
     /// Small enough to stay in the processor's cache between the read and the parse.
     static constexpr qint64 kBlockBytes = 64 << 10;
 
-    /// Reads `file`, which must be open, from where it stands.
+    /// Reads `file`, which must be open, from its position on.
     explicit TextBlocks(QFile& file);
 
     /// Moves on to the next run of lines; false at the end of the file.
     bool next();
 
-    /// The current run. kTextPadding readable bytes stand before and behind it.
+    /// The current run. There are kTextPadding readable bytes before and after it.
     const char* begin() const { return m_begin; }
     const char* end() const { return m_end; }
 

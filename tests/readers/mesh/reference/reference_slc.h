@@ -9,7 +9,7 @@ namespace zr::test
 {
 
 /// An SLC file read step by step: what the loader's own reading must agree with.
-struct PlainSlc {
+struct ReferenceSlc {
     using Point = std::array<float, 3>;
 
     bool hasTable = false; ///< false: the file fails before its layers
@@ -19,9 +19,9 @@ struct PlainSlc {
     Point max;
 };
 
-PlainSlc plainSlc(const QByteArray& file);
+ReferenceSlc referenceSlc(const QByteArray& file);
 
 /// The triples of chunks.
-std::vector<PlainSlc::Point> triplesOf(const QList<QVector<float>*>& chunks);
+std::vector<ReferenceSlc::Point> triplesOf(const QList<QVector<float>*>& chunks);
 
 } // namespace zr::test
