@@ -62,13 +62,15 @@ inline Vec4 triangleNormal(Vec4 a, Vec4 b, Vec4 c)
 /// Writes three records with the same normal: kFloatsPerTriangle floats.
 inline void writeTriangle(float* out, Vec4 a, Vec4 b, Vec4 c, Vec4 normal)
 {
+    float* const second = out + kFloatsPerRecord;
+    float* const third = second + kFloatsPerRecord;
     // Each store covers the float that the one before wrote too much.
     storeVec4(out, a);
     storeVec4(out + kFloatsPerPoint, normal);
-    storeVec4(out + kFloatsPerRecord, b);
-    storeVec4(out + kFloatsPerRecord + kFloatsPerPoint, normal);
-    storeVec4(out + 2 * kFloatsPerRecord, c);
-    storeVec3(out + 2 * kFloatsPerRecord + kFloatsPerPoint, normal);
+    storeVec4(second, b);
+    storeVec4(second + kFloatsPerPoint, normal);
+    storeVec4(third, c);
+    storeVec3(third + kFloatsPerPoint, normal);
 }
 
 /// The same with the triangle's own normal.
@@ -80,9 +82,10 @@ inline void writeTriangle(float* out, Vec4 a, Vec4 b, Vec4 c)
 /// The same without normals: kFloatsPerBareTriangle floats.
 inline void writeBareTriangle(float* out, Vec4 a, Vec4 b, Vec4 c)
 {
+    float* const second = out + kFloatsPerPoint;
     storeVec4(out, a);
-    storeVec4(out + kFloatsPerPoint, b);
-    storeVec3(out + 2 * kFloatsPerPoint, c);
+    storeVec4(second, b);
+    storeVec3(second + kFloatsPerPoint, c);
 }
 
 } // namespace zr
