@@ -46,7 +46,7 @@ struct Scale {
 /// minus, which is kScales[2 * (22 - 1) + 1] = {-1, 10}, and 25 * -1 / 10 = -2.5.
 constexpr auto makeScales()
 {
-    std::array<Scale, 2 * (2 * kMaxPower + 1)> scales{};
+    std::array<Scale, 2 * (2 * std::size_t{kMaxPower} + 1)> scales{};
     for (std::size_t i = 0; i < scales.size(); ++i) {
         const double sign = i % 2 == 0 ? 1.0 : -1.0;
         const int power = static_cast<int>(i / 2) - kMaxPower;
@@ -56,7 +56,7 @@ constexpr auto makeScales()
 }
 
 constexpr auto kScales = makeScales();
-constexpr std::size_t kUnscaled = 2 * kMaxPower; ///< of kScales, for the power 0
+constexpr std::size_t kUnscaled = 2 * std::size_t{kMaxPower}; ///< of kScales, for the power 0
 
 /// A number whose digits were found.
 struct FoundFloat {
