@@ -2,7 +2,7 @@
 # gives back follow from it; tools/check-docs holds the README against it.
 #
 #   kind     the folder below readers/
-#   reader   the class NameFileThumbnail of readers/KIND/name_file_thumbnail.{h,cpp}, "-" for none
+#   reader   the class NameFileThumbnail of readers/KIND/name_file_thumbnail.h, "-" for none
 #   shell    "yes" when the server is registered for the suffix, in this order
 set(ZR_FORMATS
     # suffix    kind    reader     shell  what it is
@@ -20,8 +20,8 @@ set(ZR_FORMATS
 )
 
 # What follows from it: lists, and texts for configure_file().
-set(ZR_SLICE_READERS "")      # sources
-set(ZR_MESH_READERS "")       # sources
+set(ZR_READERS "")            # the stl, slc and so on of their file names
+set(ZR_SLICE_READERS "")      # those for slice files
 set(ZR_READER_HEADERS "")     # the includes of core/job/reader_table.cpp
 set(ZR_READER_ROWS "")        # its rows
 set(ZR_REGISTERED_SUFFIXES "") # with their dots
@@ -33,10 +33,12 @@ while(rest)
     list(POP_FRONT rest suffix kind reader shell description)
     set(functions "nullptr, nullptr")
     if(NOT reader STREQUAL "-")
-        string(TOLOWER "${reader}_file_thumbnail" file)
-        string(TOUPPER "ZR_${kind}_READERS" sources)
-        list(APPEND ${sources} "${file}.cpp")
-        string(APPEND ZR_READER_HEADERS "#include \"readers/${kind}/${file}.h\"\n")
+        string(TOLOWER "${reader}" name)
+        list(APPEND ZR_READERS ${name})
+        if(kind STREQUAL "slice")
+            list(APPEND ZR_SLICE_READERS ${name})
+        endif()
+        string(APPEND ZR_READER_HEADERS "#include \"readers/${kind}/${name}_file_thumbnail.h\"\n")
         set(functions "make<${reader}FileThumbnail>, ${reader}FileThumbnail::failures")
     endif()
     set(registered false)
@@ -57,5 +59,5 @@ while(rest)
     endif()
     string(APPEND ZR_READER_ROWS "    {\"${suffix}\", ${registered}, ${functions}},\n")
 endwhile()
+list(REMOVE_DUPLICATES ZR_READERS)
 list(REMOVE_DUPLICATES ZR_SLICE_READERS)
-list(REMOVE_DUPLICATES ZR_MESH_READERS)

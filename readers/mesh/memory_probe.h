@@ -57,10 +57,8 @@ private:
 /// Changes no content; does nothing where the platform has no such call.
 void expectSequentialFill(void* begin, std::size_t bytes);
 
-#ifdef Q_OS_LINUX
-/// The figures in the text of /proc/meminfo; nullopt when a needed line is missing or makes no sense. The page cache
-/// does not count as used memory, since the kernel gives it away on demand.
+/// On Linux, where alone this exists: the figures in the text of /proc/meminfo; nullopt when a needed line is missing
+/// or makes no sense. The page cache does not count as used memory, since the kernel gives it away on demand.
 std::optional<MemoryFigures> memoryFiguresFromMeminfo(const char* text);
-#endif
 
 } // namespace zr

@@ -1,7 +1,7 @@
 #pragma once
 
+#include "core/vec4.h"
 #include "readers/mesh/fill_estimate.h"
-#include "readers/mesh/vec4.h"
 
 #include <vector>
 

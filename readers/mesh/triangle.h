@@ -1,7 +1,7 @@
 #pragma once
 
+#include "core/vec4.h"
 #include "readers/mesh/mesh.h"
-#include "readers/mesh/vec4.h"
 
 #include <cmath>
 

@@ -7,8 +7,8 @@
 // What these functions accept they read to the same bits as those of scalar_number.h, which say what is right:
 // the tests compare each step with a loop over the bytes.
 
+#include "core/vec4.h"
 #include "readers/mesh/text/text_bytes.h"
-#include "readers/mesh/vec4.h"
 
 #include <array>
 

@@ -1,7 +1,7 @@
 #pragma once
 
+#include "core/vec4.h"
 #include "readers/mesh/text/text_bytes.h"
-#include "readers/mesh/vec4.h"
 
 #include <QByteArrayList>
 

@@ -1,6 +1,6 @@
 // zrthumb --check: the states of the data folder and its files that keep thumbnails from being made.
 
-#include "tests/host/check_test.h"
+#include "tests/host/check/check_test.h"
 
 #include "core/data_location.h"
 #include "tests/support/files.h"

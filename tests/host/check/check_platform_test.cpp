@@ -1,6 +1,6 @@
 // What the user has set for Qt's platform: zrthumb goes without what does not work, and --check tells it.
 
-#include "tests/host/check_test.h"
+#include "tests/host/check/check_test.h"
 
 #include "core/data_location.h"
 #include "tests/support/files.h"

@@ -1,6 +1,6 @@
 // zrthumb --check: what it finds on a machine where all is well, and that it leaves nothing behind.
 
-#include "tests/host/check_test.h"
+#include "tests/host/check/check_test.h"
 
 #include "core/data_location.h"
 #include "tests/support/files.h"

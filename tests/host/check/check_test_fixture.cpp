@@ -1,4 +1,4 @@
-#include "tests/host/check_test.h"
+#include "tests/host/check/check_test.h"
 
 #include "core/data_location.h"
 #include "tests/support/files.h"
