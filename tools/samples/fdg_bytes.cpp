@@ -1,5 +1,6 @@
 #include "tools/samples/fdg_bytes.h"
 
+#include "tools/samples/drawn_solids.h"
 #include "tools/samples/put_bytes.h"
 
 namespace zr::samples
@@ -13,6 +14,23 @@ QByteArray fdgBytes(const FdgParts& parts)
     putLittleEndian<qint32>(bytes, 48, parts.secondHeadOffset.value_or(kHeadBytes));
     putPreview(bytes, kHeadBytes, parts.preview);
     return bytes;
+}
+
+namespace
+{
+
+QByteArray pawnFdg()
+{
+    FdgParts parts;
+    parts.preview = runLengthPreview(drawSolid(Solid::Pawn, 400, 400));
+    return fdgBytes(parts);
+}
+
+} // namespace
+
+std::vector<SampleFile> fdgSamples()
+{
+    return {{"pawn.fdg", pawnFdg}};
 }
 
 } // namespace zr::samples

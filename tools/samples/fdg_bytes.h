@@ -1,6 +1,7 @@
 #pragma once
 
 #include "tools/samples/preview_bytes.h"
+#include "tools/samples/sample_files.h"
 
 namespace zr::samples
 {
@@ -13,5 +14,7 @@ struct FdgParts {
 };
 
 QByteArray fdgBytes(const FdgParts& parts);
+
+std::vector<SampleFile> fdgSamples();
 
 } // namespace zr::samples

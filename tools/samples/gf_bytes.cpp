@@ -1,5 +1,6 @@
 #include "tools/samples/gf_bytes.h"
 
+#include "tools/samples/drawn_solids.h"
 #include "tools/samples/put_bytes.h"
 
 namespace zr::samples
@@ -27,6 +28,23 @@ PreviewParts channelWordPreview(const QImage& picture)
         }
     }
     return preview;
+}
+
+namespace
+{
+
+QByteArray gobletGf()
+{
+    GfParts parts;
+    parts.preview = channelWordPreview(drawSolid(Solid::Goblet, 290, 240));
+    return gfBytes(parts);
+}
+
+} // namespace
+
+std::vector<SampleFile> gfSamples()
+{
+    return {{"goblet.gf", gobletGf}};
 }
 
 } // namespace zr::samples

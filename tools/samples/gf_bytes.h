@@ -1,6 +1,7 @@
 #pragma once
 
 #include "tools/samples/preview_bytes.h"
+#include "tools/samples/sample_files.h"
 
 namespace zr::samples
 {
@@ -15,5 +16,7 @@ QByteArray gfBytes(const GfParts& parts);
 
 /// The preview of a picture with its channels as 16-bit words.
 PreviewParts channelWordPreview(const QImage& picture);
+
+std::vector<SampleFile> gfSamples();
 
 } // namespace zr::samples

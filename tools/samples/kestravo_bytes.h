@@ -1,6 +1,7 @@
 #pragma once
 
 #include "tools/samples/preview_bytes.h"
+#include "tools/samples/sample_files.h"
 
 namespace zr::samples
 {
@@ -12,5 +13,7 @@ struct KestravoParts {
 };
 
 QByteArray kestravoBytes(const KestravoParts& parts);
+
+std::vector<SampleFile> kestravoSamples();
 
 } // namespace zr::samples

@@ -1,5 +1,7 @@
 #include "tools/samples/obj_bytes.h"
 
+#include "tools/samples/model_shapes.h"
+
 namespace zr::samples
 {
 
@@ -19,6 +21,11 @@ QByteArray objBytes(const IndexedModel& model)
         text += '\n';
     }
     return text;
+}
+
+std::vector<SampleFile> objSamples()
+{
+    return {{"duck.obj", [] { return objBytes(duck()); }}};
 }
 
 } // namespace zr::samples

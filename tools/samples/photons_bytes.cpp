@@ -1,5 +1,6 @@
 #include "tools/samples/photons_bytes.h"
 
+#include "tools/samples/drawn_solids.h"
 #include "tools/samples/preview_bytes.h"
 #include "tools/samples/put_bytes.h"
 
@@ -34,6 +35,21 @@ PhotonsParts photonsPicture(const QImage& picture)
         }
     }
     return parts;
+}
+
+namespace
+{
+
+QByteArray bottlePhotons()
+{
+    return photonsBytes(photonsPicture(drawSolid(Solid::Bottle, 224, 168)));
+}
+
+} // namespace
+
+std::vector<SampleFile> photonsSamples()
+{
+    return {{"bottle.photons", bottlePhotons}};
 }
 
 } // namespace zr::samples

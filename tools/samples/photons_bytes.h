@@ -1,5 +1,7 @@
 #pragma once
 
+#include "tools/samples/sample_files.h"
+
 #include <QByteArray>
 #include <QImage>
 
@@ -24,5 +26,7 @@ constexpr int kPhotonsHeadBytes = 92;
 
 /// The parts of a file that shows the picture.
 PhotonsParts photonsPicture(const QImage& picture);
+
+std::vector<SampleFile> photonsSamples();
 
 } // namespace zr::samples

@@ -1,5 +1,6 @@
 #include "tools/samples/slc_bytes.h"
 
+#include "tools/samples/model_shapes.h"
 #include "tools/samples/put_bytes.h"
 
 namespace zr::samples
@@ -66,6 +67,23 @@ QByteArray slcBytes(const SlcParts& parts)
         bytes += slcLayer(layer.z, boundaries, static_cast<quint32>(layer.contours.size()));
     }
     return parts.endMark ? bytes + slcEnd() : bytes;
+}
+
+namespace
+{
+
+QByteArray towerSlc()
+{
+    SlcParts parts;
+    parts.layers = tower();
+    return slcBytes(parts);
+}
+
+} // namespace
+
+std::vector<SampleFile> slcSamples()
+{
+    return {{"tower.slc", towerSlc}};
 }
 
 } // namespace zr::samples

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "tools/samples/model_shapes.h"
+#include "tools/samples/sample_files.h"
 
 #include <QByteArray>
 
@@ -36,5 +37,7 @@ QByteArray slcHead(const SlcParts& parts);
 
 /// The end mark behind the last layer.
 QByteArray slcEnd();
+
+std::vector<SampleFile> slcSamples();
 
 } // namespace zr::samples

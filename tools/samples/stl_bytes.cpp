@@ -1,5 +1,6 @@
 #include "tools/samples/stl_bytes.h"
 
+#include "tools/samples/model_shapes.h"
 #include "tools/samples/put_bytes.h"
 
 #include <cmath>
@@ -57,6 +58,14 @@ QByteArray asciiStlBytes(const std::vector<ModelTriangle>& triangles)
         text += "    endloop\n  endfacet\n";
     }
     return text + "endsolid sample\n";
+}
+
+std::vector<SampleFile> stlSamples()
+{
+    return {
+        {"gear.stl", [] { return binaryStlBytes(gear()); }},
+        {"vase-ascii.stl", [] { return asciiStlBytes(twistedVase()); }},
+    };
 }
 
 } // namespace zr::samples

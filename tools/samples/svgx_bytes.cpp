@@ -1,5 +1,6 @@
 #include "tools/samples/svgx_bytes.h"
 
+#include "tools/samples/drawn_solids.h"
 #include "tools/samples/put_bytes.h"
 
 namespace zr::samples
@@ -41,6 +42,23 @@ QByteArray bmpBytes(const QImage& picture)
         }
     }
     return bytes;
+}
+
+namespace
+{
+
+QByteArray spinningTopSvgx()
+{
+    SvgxParts parts;
+    parts.bmp = bmpBytes(drawSolid(Solid::SpinningTop, 44, 44));
+    return svgxBytes(parts);
+}
+
+} // namespace
+
+std::vector<SampleFile> svgxSamples()
+{
+    return {{"spinning-top.svgx", spinningTopSvgx}};
 }
 
 } // namespace zr::samples

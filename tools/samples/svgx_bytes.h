@@ -1,5 +1,7 @@
 #pragma once
 
+#include "tools/samples/sample_files.h"
+
 #include <QByteArray>
 #include <QImage>
 
@@ -22,5 +24,7 @@ constexpr int kSvgxHeadBytes = 28;
 
 /// The picture as a 24-bit BMP file.
 QByteArray bmpBytes(const QImage& picture);
+
+std::vector<SampleFile> svgxSamples();
 
 } // namespace zr::samples

@@ -1,5 +1,6 @@
 #include "tools/samples/vrx_bytes.h"
 
+#include "tools/samples/drawn_solids.h"
 #include "tools/samples/put_bytes.h"
 
 namespace zr::samples
@@ -41,6 +42,28 @@ QByteArray vrxBytes(const VrxParts& parts)
         break;
     }
     return dlpBytes(parts);
+}
+
+namespace
+{
+
+QByteArray rookVrx(VrxParts::Layout layout, int width, int height)
+{
+    VrxParts parts;
+    parts.layout = layout;
+    parts.preview = runLengthPreview(drawSolid(Solid::Rook, width, height));
+    return vrxBytes(parts);
+}
+
+} // namespace
+
+std::vector<SampleFile> vrxSamples()
+{
+    return {
+        {"rook.vrx", [] { return rookVrx(VrxParts::Layout::Dlp, 400, 400); }},
+        {"rook-wide.vrx", [] { return rookVrx(VrxParts::Layout::PreviewAt328, 290, 168); }},
+        {"rook.vrxdlp", [] { return rookVrx(VrxParts::Layout::PreviewAt336, 300, 400); }},
+    };
 }
 
 } // namespace zr::samples

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "tools/samples/preview_bytes.h"
+#include "tools/samples/sample_files.h"
 
 namespace zr::samples
 {
@@ -19,5 +20,7 @@ struct VrxParts {
 };
 
 QByteArray vrxBytes(const VrxParts& parts);
+
+std::vector<SampleFile> vrxSamples();
 
 } // namespace zr::samples
