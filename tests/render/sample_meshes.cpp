@@ -132,4 +132,41 @@ QImage rasterise(const SampleMesh& mesh, Camera camera)
     return rasterise(mesh.chunks(), mesh.min(), mesh.max(), camera, mesh.record());
 }
 
+std::vector<SampleSolid> sampleSolids(const std::vector<SampleSolid>& more)
+{
+    std::vector<SampleSolid> solids = {
+        {"Cube",
+         [](SampleMesh& mesh) {
+             mesh.addBox({0, 0, 0}, {10, 20, 5});
+         }},
+        {"Sphere",
+         [](SampleMesh& mesh) {
+             mesh.addSphere({3, 4, 5}, 10, 24);
+         }},
+        {"ThinPlate",
+         [](SampleMesh& mesh) {
+             mesh.addBox({-50, -50, 0}, {50, 50, 1});
+         }},
+        {"FarOffOrigin",
+         [](SampleMesh& mesh) {
+             mesh.addSphere({-6000, 8000, 3000}, 10, 12);
+         }},
+        {"Tiny",
+         [](SampleMesh& mesh) {
+             mesh.addSphere({0, 0, 0}, 0.5e-3F, 16);
+         }},
+        {"Huge",
+         [](SampleMesh& mesh) {
+             mesh.addSphere({5000, 5000, 5000}, 5000, 16);
+         }},
+        {"InwardCube",
+         [](SampleMesh& mesh) {
+             mesh.turnInward();
+             mesh.addBox({0, 0, 0}, {10, 20, 5});
+         }},
+    };
+    solids.insert(solids.end(), more.begin(), more.end());
+    return solids;
+}
+
 } // namespace zr::test

@@ -44,6 +44,15 @@ private:
     std::array<float, 3> m_max;
 };
 
+/// A mesh by its name.
+struct SampleSolid {
+    const char* name;
+    void (*build)(SampleMesh& mesh);
+};
+
+/// Solids of many sizes and places, a thin one, and one that is seen from its inside; then `more`.
+std::vector<SampleSolid> sampleSolids(const std::vector<SampleSolid>& more);
+
 /// The reference picture of the mesh.
 QImage rasterise(const SampleMesh& mesh, Camera camera = Camera::Perspective);
 

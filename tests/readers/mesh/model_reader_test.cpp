@@ -3,48 +3,19 @@
 namespace zr::test
 {
 
-const std::vector<ModelCase>& modelCases()
+const std::vector<SampleSolid>& modelCases()
 {
-    static const std::vector<ModelCase> cases = {
-        {"Cube",
-         [](SampleMesh& mesh) {
-             mesh.addBox({0, 0, 0}, {10, 20, 5});
-         }},
-        {"Sphere",
-         [](SampleMesh& mesh) {
-             mesh.addSphere({3, 4, 5}, 10, 24);
-         }},
-        {"ThinPlate",
-         [](SampleMesh& mesh) {
-             mesh.addBox({-50, -50, 0}, {50, 50, 1});
-         }},
-        {"FarOffOrigin",
-         [](SampleMesh& mesh) {
-             mesh.addSphere({-6000, 8000, 3000}, 10, 12);
-         }},
-        {"Tiny",
-         [](SampleMesh& mesh) {
-             mesh.addSphere({0, 0, 0}, 0.5e-3F, 16);
-         }},
+    static const std::vector<SampleSolid> cases = sampleSolids({
         {"TinyAndFine",
          [](SampleMesh& mesh) {
              mesh.addSphere({0, 0, 0}, 0.5e-2F, 90);
-         }},
-        {"Huge",
-         [](SampleMesh& mesh) {
-             mesh.addSphere({5000, 5000, 5000}, 5000, 16);
-         }},
-        {"InwardCube",
-         [](SampleMesh& mesh) {
-             mesh.turnInward();
-             mesh.addBox({0, 0, 0}, {10, 20, 5});
          }},
         {"TwoSolids",
          [](SampleMesh& mesh) {
              mesh.addBox({-10, -10, -10}, {0, 0, 0});
              mesh.addSphere({8, 8, 8}, 6, 20);
          }},
-    };
+    });
     return cases;
 }
 

@@ -11,17 +11,11 @@
 namespace zr::test
 {
 
-/// A mesh of which a model file is made, and which the file's picture must show.
-struct ModelCase {
-    const char* name;
-    void (*build)(SampleMesh& mesh);
-};
-
 /// Solids of many sizes and places, thin ones, and one that is seen from its inside.
-const std::vector<ModelCase>& modelCases();
+const std::vector<SampleSolid>& modelCases();
 
 /// For parameterised tests.
-inline std::string caseName(const ::testing::TestParamInfo<ModelCase>& test)
+inline std::string caseName(const ::testing::TestParamInfo<SampleSolid>& test)
 {
     return test.param.name;
 }

@@ -32,7 +32,7 @@ class ObjFileThumbnailTest : public ModelReaderTest
 {
 };
 
-class ObjPictureTest : public ObjFileThumbnailTest, public ::testing::WithParamInterface<ModelCase>
+class ObjPictureTest : public ObjFileThumbnailTest, public ::testing::WithParamInterface<SampleSolid>
 {
 };
 

@@ -15,7 +15,7 @@ class StlFileThumbnailTest : public ModelReaderTest
 {
 };
 
-class StlPictureTest : public StlFileThumbnailTest, public ::testing::WithParamInterface<ModelCase>
+class StlPictureTest : public StlFileThumbnailTest, public ::testing::WithParamInterface<SampleSolid>
 {
 };
 
