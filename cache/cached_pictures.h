@@ -8,19 +8,19 @@
 namespace zr
 {
 
-// The cache's pictures, above its database: which PNG shows which source file, and whether it still does.
+// The cache's pictures, on top of its database: which PNG shows which source file, and whether it is up to date.
 
-/// Where the picture of that source file is stored. Files of the same name in different folders share one.
+/// The path of the source file's picture. Files of the same name in different folders share one.
 QString picturePath(const QString& sourcePath);
 
-/// Whether the cache has a picture of the source file's present state; the log says what is missing when not.
+/// Whether the cache has an up-to-date picture of the source file; if not, the log says what is missing.
 bool freshPicture(const ThumbnailDatabase& database, const QString& sourcePath);
 
-/// Stores the picture as that of the source file's present state: the PNG, then its row. False when either fails.
+/// Stores the picture as the source file's current one: the PNG, then its row. False when either fails.
 bool store(ThumbnailDatabase& database, const QString& sourcePath, const QImage& picture);
 
-/// The PNG that the default database has for the source file, fresh or not, whether it exists or not; empty when it has
-/// none.
+/// The path of the PNG that the default database has recorded for the source file, which may be stale or missing; empty
+/// when none is recorded.
 QString findPicture(const QString& sourcePath);
 
 } // namespace zr

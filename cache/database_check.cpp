@@ -12,7 +12,7 @@ namespace zr
 namespace
 {
 
-// A connection of its own, since the default one is ThumbnailDatabase's.
+// A separate connection, since the default one belongs to ThumbnailDatabase.
 class Connection
 {
 public:
@@ -31,7 +31,7 @@ public:
     Connection(const Connection&) = delete;
     Connection& operator=(const Connection&) = delete;
 
-    // The first value that the statement yields; null when it fails or yields none.
+    // The first value of the statement's result; null when it fails or has none.
     QVariant value(const QString& statement) const
     {
         QSqlQuery query(database);
@@ -64,10 +64,10 @@ QStringList columnNamesOfTheCache()
 
 } // namespace
 
-// A file that is said never to change is read without locks and without the files that SQLite keeps beside it.
+// An immutable file is read without locks and without the files that SQLite keeps beside it.
 DatabaseState inspectDatabase(const QString& path)
 {
-    // In the middle of a transaction the file alone means nothing.
+    // In the middle of a transaction the database file alone is incomplete.
     if (QFileInfo::exists(path + QLatin1String("-journal")))
         return DatabaseState::Usable;
     const QString uri = QUrl::fromLocalFile(path).toString(QUrl::FullyEncoded) + QLatin1String("?immutable=1");

@@ -11,7 +11,7 @@ namespace zr
 namespace
 {
 
-// In memory, so that a process that is killed seldom leaves a temporary file: encoding takes far longer than writing.
+// In memory: encoding takes far longer than writing, so a killed process rarely leaves a temporary file.
 QByteArray encoded(const QImage& picture, const QString& format)
 {
     QBuffer buffer;
@@ -29,7 +29,7 @@ bool saveDirectly(const QString& path, const QByteArray& bytes)
 bool savePicture(const QImage& picture, const QString& path)
 {
     const QFileInfo target(path);
-    // A folder, or something to wait for: nobody may be at the other end of a pipe.
+    // A folder, or a pipe, which may have nobody at its other end.
     if (target.exists() && !target.isFile())
         return false;
     const QByteArray bytes = encoded(picture, target.suffix());

@@ -11,8 +11,8 @@ namespace zr
 namespace
 {
 
-// A file that somebody reads cannot be replaced; the browser's other processes read a picture for a few milliseconds,
-// and so do virus scanners.
+// A file that is open elsewhere cannot be replaced; the browser's other processes read a picture for a few
+// milliseconds, and so do virus scanners.
 constexpr int kAttempts = 20;
 constexpr DWORD kPauseMs = 10;
 
@@ -21,10 +21,10 @@ bool isInUse(DWORD error)
     return error == ERROR_SHARING_VIOLATION || error == ERROR_ACCESS_DENIED;
 }
 
-// Programs that make the same picture at the same time have nothing to replace. They had better not: a file that is
-// being replaced may be missing for a moment, which is when another of them looks for its picture. All that changes is
-// the time, so that nobody can tell the difference.
-bool takesPlaceOfItsEqual(const QString& from, const QString& to)
+// Processes that make the same picture at the same time should not replace it: a file that is being replaced may be
+// missing for a moment, just when another of them looks for its picture. Only the time is updated, so the result is the
+// same.
+bool keepsIdenticalFile(const QString& from, const QString& to)
 {
     QFile older(to);
     QFile newer(from);
@@ -39,7 +39,7 @@ bool takesPlaceOfItsEqual(const QString& from, const QString& to)
 
 bool replaceFile(const QString& from, const QString& to)
 {
-    if (takesPlaceOfItsEqual(from, to))
+    if (keepsIdenticalFile(from, to))
         return true;
     const QString nativeFrom = QDir::toNativeSeparators(from);
     const QString nativeTo = QDir::toNativeSeparators(to);

@@ -12,13 +12,13 @@ namespace zr
 namespace
 {
 
-// A connection of its own while the object lives; requests have theirs.
+// A separate connection while the object lives; requests have their own.
 class CacheConnection
 {
 public:
     CacheConnection()
     {
-        // SQLite would make a file that is missing, and wait at a pipe.
+        // SQLite would create a missing file, and block on a pipe.
         if (!QFileInfo(defaultDatabasePath()).isFile())
             return;
         auto database = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), name());

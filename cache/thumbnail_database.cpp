@@ -12,7 +12,7 @@ namespace zr
 namespace
 {
 
-// Recursive, since objects of one thread share the connection without harm.
+// Recursive, since objects of one thread may share the connection.
 std::recursive_mutex& connectionMutex()
 {
     static auto* const mutex = new std::recursive_mutex;
@@ -27,9 +27,9 @@ QSqlQuery newQuery()
 
 } // namespace
 
-// An apostrophe ends a text and mostly makes the statement an invalid one, but a name can be made so that it becomes
-// another statement, which lists or changes the rows of other files. Statements with such texts are taken for invalid
-// ones without asking SQLite.
+// An apostrophe ends a text. That usually makes the statement invalid, but a crafted name can turn it into another
+// statement, which lists or changes other files' rows. Statements with such texts are treated as invalid without asking
+// SQLite.
 bool fitsStatement(const QString& text)
 {
     return !text.contains(QLatin1Char('\''));
@@ -98,14 +98,14 @@ bool ThumbnailDatabase::saveRecord(const QString& filePath, const ThumbnailRecor
     if (!hasRow()) {
         if (insertRecord(record))
             return true;
-        // Another process that shows the same folder may have been faster with its row.
+        // Another process that shows the same folder may have inserted the row first.
         if (!hasRow())
             return false;
     }
     return updateRecord(filePath, record);
 }
 
-// The statements' places are filled in one step, so that a "%2" inside a path is not taken for a place.
+// The placeholders are filled in one step, so that a "%2" inside a path is not taken for one.
 
 bool ThumbnailDatabase::insertRecord(const ThumbnailRecord& record)
 {

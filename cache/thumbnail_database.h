@@ -13,16 +13,16 @@
 namespace zr
 {
 
-// The log's lines by which a failure of the database is known.
+// The log lines that report database failures.
 constexpr FailureLine kDatabaseNotOpen{line::kDatabaseNotOpen, "database no open", FailureLine::Rest::None,
                                        reason::kDatabaseNotOpen};
 constexpr FailureLine kTableNotMade{line::kTableNotMade, "database create faild", FailureLine::Rest::None,
                                     reason::kDatabaseNotUsable};
 
-/// The statement that makes the table of the cache. Needs no memory.
+/// The statement that creates the cache's table. Needs no memory.
 QString createTableStatement();
 
-/// Whether the text can be recorded: statements hold their texts unescaped, and an apostrophe would end one.
+/// Whether the text can be recorded: statements contain their texts unescaped, so an apostrophe would end one.
 bool fitsStatement(const QString& text);
 
 /// One row of the cache: which PNG shows which state of which source file.
@@ -41,14 +41,14 @@ struct ThumbnailRecord {
 class ThumbnailDatabase
 {
 public:
-    /// Opens `path` when it names an existing file that ends with ".db", else the default database, and makes the
-    /// table when it is missing. After a failure, which is logged, every operation yields null or false.
+    /// Opens `path` when it names an existing file that ends with ".db", else the default database, and creates the
+    /// table when it is missing. After a failure, which is logged, every operation returns null or false.
     explicit ThumbnailDatabase(const QString& path);
     ~ThumbnailDatabase();
     ThumbnailDatabase(const ThumbnailDatabase&) = delete;
     ThumbnailDatabase& operator=(const ThumbnailDatabase&) = delete;
 
-    // A text with an apostrophe has no place in a statement: looking it up yields null, and recording it fails.
+    // A text with an apostrophe cannot be part of a statement: looking it up returns null, and recording it fails.
 
     /// The value of `column` in the row of `filePath`; null when there is no such row or column.
     QVariant queryValue(const QString& filePath, const QString& column) const;

@@ -11,7 +11,7 @@ namespace zr
 namespace
 {
 
-// Short, since the file's own name may be as long as a name can be, and like no name that a source file gets.
+// Short, since the file's own name may already have the max length, and unlike any source file's name.
 QString temporaryPath(const QFileInfo& target)
 {
     return QStringLiteral("%1/.%2.%3")
@@ -20,7 +20,7 @@ QString temporaryPath(const QFileInfo& target)
 
 } // namespace
 
-// Only the attempt to write the rest tells why it has no room.
+// A short write reports no error: only the attempt to write the rest shows why it does not fit.
 bool writeAll(QFile& file, const QByteArray& bytes)
 {
     qint64 done = 0;

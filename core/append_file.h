@@ -6,8 +6,8 @@
 namespace zr
 {
 
-/// A file that several processes append to at once. What append() is given goes to the end of the file in one piece:
-/// the operating system finds the end and writes in a single step, so no process overwrites another one's bytes.
+/// A file that several processes append to at the same time. append() writes its bytes to the end of the file in one
+/// piece: the operating system finds the end and writes in a single step, so no process overwrites another's bytes.
 class AppendFile
 {
 public:

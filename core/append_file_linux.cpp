@@ -15,7 +15,7 @@ namespace
 
 constexpr mode_t kEverybodyMayReadAndWrite = 0666; // less what the user's umask takes away
 
-// A reader that leaves a pipe would end this process at its next line.
+// When a pipe's reader goes away, the next line would end this process.
 bool isPipe(int file)
 {
     struct stat status = {};
@@ -30,7 +30,7 @@ AppendFile::~AppendFile()
         ::close(static_cast<int>(m_handle));
 }
 
-// Without O_NONBLOCK the opening of a pipe would wait until somebody reads it.
+// Without O_NONBLOCK, opening a pipe would block until it has a reader.
 bool AppendFile::open(const QString& path)
 {
     const int file = ::open(QFile::encodeName(path).constData(), O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC | O_NONBLOCK,

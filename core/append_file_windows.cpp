@@ -14,8 +14,8 @@ HANDLE asHandle(qintptr handle)
     return reinterpret_cast<HANDLE>(handle);
 }
 
-// The turn to append among all that have the file open. Local disks need none, but network folders and Wine find the
-// end of the file and write there in two steps. It is a lock on a byte that no log ever reaches.
+// The turn to append, among all that have the file open. Local disks need none, but network folders and Wine find the
+// end of the file and write there in two steps. The lock is on a byte that no log ever reaches.
 class Turn
 {
 public:
@@ -53,8 +53,8 @@ AppendFile::~AppendFile()
         CloseHandle(asHandle(m_handle));
 }
 
-// A handle that may append but not write elsewhere is what makes the system move each write to the end of the file;
-// without any right to read it could take no turns.
+// With a handle that may append but not write elsewhere, the system moves each write to the end of the file. The lock
+// needs the right to read as well.
 bool AppendFile::open(const QString& path)
 {
     const QString native = QDir::toNativeSeparators(path);

@@ -57,7 +57,7 @@ void FileReaderBase::handleError(const QString& key)
         if (key == QLatin1String(handler.key))
             return (this->*handler.handle)(key);
     }
-    // A reader's mistake, which must not look like an ordinary unreadable file.
+    // A bug in a reader, which must not look like an ordinary unreadable file.
     throw std::bad_function_call();
 }
 

@@ -1,11 +1,11 @@
 #pragma once
 
 /// The words and numbers that logs and error handling share: error keys, which are thrown as QString by value, and the
-/// numbers of the log's lines that no reader's table of failures holds. Users' logs have them, so none ever changes.
+/// numbers of the log lines outside the readers' tables of failures. Users' logs contain them, so none ever changes.
 namespace zr
 {
 
-/// Error keys. A key tells what kind of failure it was; the line that was logged before it tells which.
+/// Error keys. A key names the kind of failure; the line that was logged before it names the failure itself.
 namespace key
 {
 

@@ -23,8 +23,8 @@ ProcessInstance& processInstance()
     return *slot;
 }
 
-// What init() was last called on by this thread, kept so that end() on another thread cannot put an instance without
-// a path in its place in the middle of this thread's request.
+// The instance that this thread last called init() on, kept so that end() on another thread cannot replace it by one
+// without a path in the middle of this thread's request.
 thread_local std::shared_ptr<LogFile> threadInstance;
 
 } // namespace

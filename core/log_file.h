@@ -14,7 +14,7 @@ namespace zr
 /// The process-wide text log beside the cache database.
 ///
 /// Each line is a local time stamp, the message and a line feed, in the process's 8-bit code page. It is appended at
-/// once and in one piece, also when other processes write theirs. Nothing here reports a failure: a line that cannot
+/// once and in one piece, even while other processes write theirs. Nothing here reports a failure: a line that cannot
 /// be written is lost.
 ///
 /// All functions may be called from any thread. A thread that has called init() keeps the instance it initialised
@@ -57,7 +57,7 @@ private:
 /// Writes the line "number text", the form of every line of the log.
 void logLine(int number, const QString& text);
 
-/// Writes the failure's line, with `rest` in the place of what is FailureLine::Rest::Anything.
+/// Writes the failure's line, with `rest` after the text where the line has Rest::Anything.
 void logLine(const FailureLine& line, const QString& rest = QString());
 
 /// Writes the line "number  throw " that precedes every thrown key, then throws `key` as a QString.

@@ -1,7 +1,6 @@
 #pragma once
 
-/// What failures mean to a person, who reads them behind "no thumbnail: ". One fault has one sentence, whichever format
-/// it is found in.
+/// What failures mean to a user, shown after "no thumbnail: ". Each fault has one sentence, whatever the format.
 namespace zr::reason
 {
 

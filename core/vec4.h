@@ -5,7 +5,7 @@
 namespace zr
 {
 
-/// A point or direction as the processor takes it, x, y, z and one number that means nothing.
+/// A point or direction in a SIMD register: x, y, z and a fourth number without meaning.
 using Vec4 = float __attribute__((vector_size(16)));
 
 /// From four floats at any address, of any alignment.

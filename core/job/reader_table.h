@@ -17,7 +17,7 @@ QStringList supportedSuffixes();
 /// The suffixes for whose files the server is registered with the system.
 QStringList registeredSuffixes();
 
-/// The lines by which the log tells the failures of the reader for `suffix`; empty when no format has that suffix.
+/// The log lines that report failures of the reader for `suffix`; empty when no format has that suffix.
 FailureLines readerFailures(const QString& suffix);
 
 /// A new reader of `filePath` for `suffix`, compared without regard to case; null when no format has that suffix.

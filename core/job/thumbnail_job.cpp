@@ -14,8 +14,8 @@ namespace zr
 ThumbnailJob::ThumbnailJob(const QString& sourcePath)
     : m_sourcePath(sourcePath), m_database(QString()), m_imageDir(thumbnailImageFolder())
 {
-    // After the database, which therefore stays closed in a profile that has no data folder yet: the very first
-    // request of a user fails, the next one finds the folder.
+    // Created after the database is opened, which therefore fails in a profile without a data folder: a user's very
+    // first request fails, and the next one finds the folder.
     if (!QDir().mkpath(m_imageDir))
         m_imageDir.clear();
 }

@@ -14,8 +14,8 @@
 namespace zr
 {
 
-// The log's lines by which it is known where a job failed. Each failed job's last line is kJobFailed, unless an error
-// other than a QString ended it.
+// The log lines that show where a job failed. Each failed job's last line is kJobFailed, unless an error other than a
+// QString ended it.
 constexpr ThrownKey kNotSupported{line::kNotSupported, key::kNotSupported, reason::kNotSupported};
 constexpr ThrownKey kNoPicture{line::kNoPicture, key::kNoPicture, reason::kDamagedOrNoMemory};
 constexpr ThrownKey kNotSaved{line::kNotSaved, key::kNotSaved, reason::kNotSaved};
@@ -29,9 +29,9 @@ public:
     /// Opens the cache database and makes the folder of the cached pictures.
     explicit ThumbnailJob(const QString& sourcePath);
 
-    /// Makes sure that the cache has a picture of the source file's present state: when it has none, the reader for the
-    /// file's suffix makes one, which is stored. False, with the reason in the log, when there is none in the end.
-    /// Errors other than a QString pass through.
+    /// Makes sure that the cache has an up-to-date picture of the source file: when it has none, the reader for the
+    /// file's suffix makes one, which is stored. False, with the reason in the log, when that fails. Errors other than
+    /// a QString pass through.
     bool run();
 
 private:
