@@ -1,8 +1,8 @@
-// The functions of the system that Qt must not reach from inside of somebody else's process, and what it gets instead.
+// The system functions that Qt must not call inside somebody else's process, and their replacements.
 //
-// Qt is a part of the programs, and the linker leads its calls of the functions that ZR_REPLACE and ZR_REPLACE_IMPORT
-// name to the ones here (its option --wrap; CMakeLists.txt reads the names from this file). So nothing has to be set in
-// the host and set back afterwards.
+// Qt is linked statically, and the linker redirects its calls of the functions that ZR_REPLACE and ZR_REPLACE_IMPORT
+// name to the ones here (its option --wrap; CMakeLists.txt reads the names from this file). So nothing in the host has
+// to be changed and restored.
 
 #include <cstddef>
 #include <cstdlib>
@@ -14,10 +14,10 @@
 #include <objbase.h>
 #include <process.h>
 
-// Begins the function that is called in place of `name`, and names the original.
+// Names the function that is called in place of `name`, and the original.
 #define ZR_REPLACE(name) __wrap_##name
 #define ZR_ORIGINAL(name) __real_##name
-// The same for a function of a DLL, which is called through a pointer in the table of imports.
+// The same for a function of a DLL, which is called through a pointer in the import table.
 #define ZR_REPLACE_IMPORT(name, type, replacement)                                                                     \
     extern type* const __wrap___imp_##name;                                                                            \
     type* const __wrap___imp_##name = replacement
@@ -34,7 +34,7 @@ namespace
 //   QT_OPENGL, QT_OPENGL_DLL, QT_OPENGL_BUGLIST: draw models with another driver
 //   QT_SCALE_FACTOR, QT_FONT_DPI, QT_AUTO_SCREEN_SCALE_FACTOR and their kin: change sizes
 //   QT_HASH_SEED, QT_STYLE_OVERRIDE, QT_IM_MODULE, QT_DEFAULT_THREAD_STACK_SIZE and others: change how Qt works
-// The prefix covers all of them. Windows does not tell capitals from small letters in names of variables.
+// The prefix covers all of them. Names of variables are case-insensitive on Windows.
 constexpr std::size_t kPrefixLength = 3;
 
 bool isForQt(const char* name)
@@ -73,8 +73,8 @@ static errno_t wideGetenv(std::size_t* length, wchar_t* value, std::size_t size,
 }
 ZR_REPLACE_IMPORT(_wgetenv_s, WideGetenv, wideGetenv);
 
-// Qt starts OLE on the thread of the first request and never ends it: a thread that has ended its own COM since could
-// not choose another kind of apartment any more. Only the clipboard and dragging need OLE.
+// Qt initialises OLE on the thread of the first request and never uninitialises it, so that thread could no longer end
+// its own COM and choose another kind of apartment. Only the clipboard and drag and drop need OLE.
 static HRESULT WINAPI startNoOle(void*)
 {
     return S_OK;
@@ -92,9 +92,9 @@ static HPOWERNOTIFY WINAPI notifyOfNothing(HANDLE, const GUID*, DWORD)
 }
 ZR_REPLACE_IMPORT(RegisterPowerSettingNotification, decltype(RegisterPowerSettingNotification), notifyOfNothing);
 
-// Whoever sends a message to all windows waits for the thread of each; those of the server's windows may never look at
-// their messages. Nobody sees these windows, which are what OpenGL contexts are made for, so they become message-only.
-// Some live as long as the process.
+// A program that sends a message to all windows waits for the thread of each; those of the server's windows may never
+// look at their messages. These windows are only there to make OpenGL contexts and are never visible, so they become
+// message-only. Some live as long as the process.
 extern decltype(CreateWindowExW)* const ZR_ORIGINAL_IMPORT(CreateWindowExW);
 static HWND WINAPI createWindow(DWORD extendedStyle, LPCWSTR className, LPCWSTR title, DWORD style, int x, int y,
                                 int width, int height, HWND parent, HMENU menu, HINSTANCE instance, void* parameter)
@@ -104,8 +104,8 @@ static HWND WINAPI createWindow(DWORD extendedStyle, LPCWSTR className, LPCWSTR 
 }
 ZR_REPLACE_IMPORT(CreateWindowExW, decltype(CreateWindowExW), createWindow);
 
-// QSystemLibrary::load(): Qt looks for graphics cards with Direct3D to choose a screen for a window with OpenGL. The
-// server's are on no screen, and Direct3D is much to load into a host.
+// QSystemLibrary::load(): Qt uses Direct3D to look for graphics cards and choose a screen for an OpenGL window. The
+// server's windows are on no screen, and Direct3D is a lot to load into a host.
 HINSTANCE ZR_ORIGINAL(_ZN14QSystemLibrary4loadEPKwb)(const wchar_t* name, bool onlyOfTheSystem);
 HINSTANCE ZR_REPLACE(_ZN14QSystemLibrary4loadEPKwb)(const wchar_t* name, bool onlyOfTheSystem)
 {
@@ -113,16 +113,16 @@ HINSTANCE ZR_REPLACE(_ZN14QSystemLibrary4loadEPKwb)(const wchar_t* name, bool on
                                            : ZR_ORIGINAL(_ZN14QSystemLibrary4loadEPKwb)(name, onlyOfTheSystem);
 }
 
-// Qt would tell in a message box why it ends the process; nobody may be there to read it.
+// Qt would show a message box with the reason why it ends the process; there may be nobody to close it.
 static int WINAPI showNothing(HWND, LPCWSTR, LPCWSTR, UINT)
 {
     return IDOK;
 }
 ZR_REPLACE_IMPORT(MessageBoxW, decltype(MessageBoxW), showNothing);
 
-// A process that ends has stopped all threads but one, wherever they were. Qt's static objects would be destroyed by
-// that one then and wait for ever for a lock that another had. Windows takes back everything anyway. A DLL that is
-// freed while the process goes on is different.
+// When a process ends, Windows has stopped all threads but one, wherever they were. That one would destroy Qt's static
+// objects and could wait for ever for a lock that a stopped thread holds. Windows frees everything anyway. A DLL that
+// is unloaded while the process goes on is a different case.
 BOOL WINAPI DllMain(HINSTANCE, DWORD reason, void* isProcessEnd)
 {
     if (reason == DLL_PROCESS_DETACH && isProcessEnd)

@@ -5,8 +5,7 @@
 namespace zr
 {
 
-/// The file that holds this code, the DLL or the host's executable, as the system spells it; empty when it does not
-/// say.
+/// The path of the file with this code, the DLL or the host's executable, as the system spells it; empty when unknown.
 QString modulePath();
 
 /// Its folder, without a trailing "/", in the form that Qt's library paths get.

@@ -40,8 +40,8 @@ QString modulePath()
     return QString::fromStdWString(path);
 }
 
-// The short form in the code page is what Qt's library paths have always been given. It leads nowhere when the path is
-// longer or has letters of other languages.
+// Qt's library paths have always been given the short form in the code page. It is not a file when the path is too long
+// or has letters outside the code page.
 QString moduleFolder()
 {
     const QFileInfo narrow(narrowPath());

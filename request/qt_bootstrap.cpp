@@ -13,10 +13,10 @@ namespace zr
 namespace
 {
 
-// The application object is never destroyed: its destructor would run while the process unloads its modules, where
-// it hangs or crashes the host. Qt's cache of compiled shaders, a folder of its own in the user's profile, is turned
-// off: it gains no time with shaders as small as ours, and uninstalling would leave it behind. A plug-in's application
-// leaves the DPI awareness of the process as it is, by which Windows scales all windows of the host.
+// The application object is never destroyed: its destructor would run while the process unloads its modules, where it
+// hangs or crashes the host. Qt's cache of compiled shaders, a folder of its own in the user's profile, is turned off:
+// it saves no time with shaders as small as ours, and uninstalling would leave it there. A plug-in's application leaves
+// the process's DPI awareness alone, which affects all windows of the host.
 void makeApplication()
 {
     QCoreApplication::setAttribute(Qt::AA_DisableShaderDiskCache);

@@ -5,7 +5,7 @@ struct HINSTANCE__;
 namespace zr
 {
 
-/// The module that holds this code, whichever program loaded it: an HMODULE of Windows, where alone this exists.
+/// The module that holds this code, whichever program loaded it: an HMODULE. Windows only.
 HINSTANCE__* thisModule();
 
 } // namespace zr

@@ -15,7 +15,7 @@ class ThumbnailExtractor
 {
 public:
     /// Starts Qt when this is the process's first request, and runs one thumbnail job. True when the cache holds the
-    /// picture. Errors that are no QString pass through; the file then counts as not loaded.
+    /// picture. Errors other than a QString pass through; the file then counts as not loaded.
     bool load(const QString& path);
 
     /// The cached picture of the loaded file as it is, or a null image. Ends the log instance of the request.

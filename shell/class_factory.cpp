@@ -8,7 +8,7 @@ namespace zr
 namespace
 {
 
-// What references are told that are not counted one by one.
+// What AddRef() and Release() return, since references are not counted one by one.
 constexpr ULONG kSomeReferences = 1;
 
 } // namespace

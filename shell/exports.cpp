@@ -1,4 +1,4 @@
-// What the DLL exports; zrthumbnail.def gives the names out.
+// The DLL's exports; zrthumbnail.def lists their names.
 
 #include "shell/class_factory.h"
 #include "shell/identifiers.h"

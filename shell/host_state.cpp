@@ -10,7 +10,7 @@ namespace
 // What a thread of Windows x64 starts with: all exceptions masked, round to nearest, no flushing of denormals.
 constexpr unsigned kDefaultMxcsr = 0x1F80;
 
-// A function of the system's OpenGL; null as long as nobody has loaded that: then no context is current either.
+// A function of the system's OpenGL; null while that is not loaded, and then no context is current either.
 template <typename Function>
 Function* glFunction(const char* name)
 {
@@ -43,7 +43,7 @@ HostState::~HostState()
 {
     if (currentContext() != m_context || currentDrawable() != m_drawable)
         glFunction<decltype(wglMakeCurrent)>("wglMakeCurrent")(m_drawable, m_context);
-    // The C library's functions for the environment leave SSE's register out when they put it back.
+    // The C library's functions for the environment do not restore SSE's register.
     std::fesetenv(&m_x87);
     _mm_setcsr(m_mxcsr);
 }

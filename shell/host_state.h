@@ -7,12 +7,12 @@
 namespace zr
 {
 
-/// What a request changes of the thread that it runs on: the object gives the request a state of its own and puts the
-/// host's back when it goes.
+/// The parts of a thread's state that a request changes: the constructor gives the request its own, and the destructor
+/// restores the host's.
 ///
 /// - The floating-point environment: a host may round in its own way or have set traps for divisions by zero and the
-///   like, which damaged models bring about.
-/// - The OpenGL context that is current: drawing a model makes others current.
+///   like, which damaged models cause.
+/// - The current OpenGL context: drawing a model makes others current.
 class HostState
 {
 public:

@@ -106,7 +106,7 @@ void note(LSTATUS& first, LSTATUS status)
 
 LSTATUS removeKey(HKEY parent, const RegistryKeyEntry& entry);
 
-// Removes the entry's values and subkeys; tells whether others have keys there.
+// Removes the entry's values and subkeys; `isShared` says whether others have keys there.
 LSTATUS emptyKey(HKEY parent, const RegistryKeyEntry& entry, bool& isShared)
 {
     OpenKey key;

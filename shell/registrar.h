@@ -7,8 +7,8 @@
 namespace zr
 {
 
-/// Writes all keys and values in the script's order. The first failure ends it, undoes what the script stands for
-/// as unregisterScript() does, and is returned.
+/// Writes all keys and values in the script's order. Stops at the first failure, undoes the script as
+/// unregisterScript() does, and returns that failure.
 HRESULT registerScript(const std::vector<RegistryBranch>& script);
 
 /// Removes what the script writes: its values, and its keys as their Removal says. What is not there counts as removed.

@@ -51,8 +51,8 @@ struct Token {
     bool is(std::wstring_view keyword) const { return !quoted && equalsInAnyCase(text, keyword); }
 };
 
-// Cuts the text into tokens and replaces the marks in them. A malformed token makes the reader fail for good; then,
-// and at the end of the text, next() has nothing.
+// Splits the text into tokens and replaces the marks in them. A malformed token makes the reader fail for good; then,
+// and at the end of the text, take() returns nullopt.
 class TokenReader
 {
 public:
@@ -162,7 +162,7 @@ public:
         std::vector<RegistryBranch> branches;
         while (!m_tokens.atEnd()) {
             RegistryBranch branch;
-            // What stands below a root has the form of what stands below a key, but a root has no values.
+            // A root's block has the form of a key's block, but without values.
             RegistryKeyEntry root;
             if (!parseRoot(branch.root) || !parseBlock(root, 0) || !root.values.empty())
                 return std::nullopt;
@@ -228,7 +228,7 @@ private:
         return true;
     }
 
-    // Signs and keywords are no names, unless they are quoted.
+    // Signs and keywords are not names unless quoted.
     bool parseName(std::wstring& name)
     {
         static constexpr std::wstring_view kReserved[] = {L"{",           L"}",        L"=",     L"val",

@@ -19,11 +19,11 @@ struct RegistryValue {
 
 /// One key that a script writes, with everything below it.
 struct RegistryKeyEntry {
-    /// What becomes of the key when the script is undone.
+    /// What happens to the key when the script is undone.
     enum class Removal {
-        WhenEmpty,      ///< no flag: it goes unless somebody else has keys below it
-        WithEverything, ///< ForceRemove: it goes with all that is below it, also before it is written
-        Never,          ///< NoRemove: it stays, only what the script wrote below it goes
+        WhenEmpty,      ///< no flag: it is removed unless somebody else has keys below it
+        WithEverything, ///< ForceRemove: it is removed with everything below it, also before it is written
+        Never,          ///< NoRemove: it stays, only what the script wrote below it is removed
     };
 
     std::wstring name;
@@ -40,7 +40,7 @@ struct RegistryBranch {
     std::vector<RegistryKeyEntry> keys;
 };
 
-/// What stands for each %NAME% of a script, by name.
+/// The replacement of each %NAME% of a script, by name.
 using RegistryReplacements = std::map<std::wstring, std::wstring, std::less<>>;
 
 /// Parses a script in the syntax of ATL's registrar:
@@ -54,10 +54,10 @@ using RegistryReplacements = std::map<std::wstring, std::wstring, std::less<>>;
 ///         }
 ///     }
 ///
-/// Tokens stand between blanks or in single quotes, where '' is a quote; in quotes, nothing is a keyword. Keywords are
-/// taken in any case. %NAME% is replaced inside every token, %% is a per cent sign. Deleting keys, and values other
-/// than strings and DWORDs, are not part of it. Nothing when the text breaks these rules or names an unknown
-/// replacement.
+/// Tokens are separated by blanks or enclosed in single quotes, where '' is a quote; a quoted token is never a keyword.
+/// Keywords are case-insensitive. %NAME% is replaced inside every token, %% is a per cent sign. Deleting keys, and
+/// values other than strings and DWORDs, are not supported. Returns nullopt when the text breaks these rules or names
+/// an unknown replacement.
 std::optional<std::vector<RegistryBranch>> parseRegistryScript(std::wstring_view text,
                                                                const RegistryReplacements& replacements);
 

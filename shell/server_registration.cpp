@@ -22,7 +22,7 @@ std::wstring scriptText()
     return text ? std::wstring(text, text + SizeofResource(module, resource)) : std::wstring();
 }
 
-// What ATL's registrar returns for a script that it cannot make sense of.
+// What ATL's registrar returns for a script that it cannot parse.
 constexpr HRESULT kBadScript = DISP_E_EXCEPTION;
 
 std::optional<std::vector<RegistryBranch>> serverScript()
@@ -69,7 +69,7 @@ public:
     }
 
 private:
-    // Unregistering a library that is not registered would fail in the same way as one that may not be.
+    // Unregistering fails alike for a library that is not registered and for one that may not be unregistered.
     bool isRegistered() const
     {
         BSTR path = nullptr;

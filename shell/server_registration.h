@@ -9,7 +9,7 @@ namespace zr
 /// Returns the first failure. Uses no Qt.
 HRESULT registerServer();
 
-/// Undoes registerServer(). Goes on after a failure and returns the first one; what is not registered is none.
+/// Undoes registerServer(). Goes on after a failure and returns the first one; a missing registration is not a failure.
 HRESULT unregisterServer();
 
 } // namespace zr

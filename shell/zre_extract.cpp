@@ -20,7 +20,7 @@ namespace
 // 32 bits per pixel with the alpha channel, not premultiplied.
 constexpr int kHBitmapAlpha = 2;
 
-// What Qt has to say is of no use to the host's output, and the log is for what requests come to.
+// Qt's messages are of no use in the host's output, and the log is for the results of requests.
 void toDebugger(QtMsgType, const QMessageLogContext&, const QString& message)
 {
     OutputDebugStringW(reinterpret_cast<LPCWSTR>((QLatin1String("ZRThumbnail: ") + message).utf16()));
@@ -143,7 +143,7 @@ HRESULT CZReExtract::Extract(HBITMAP* bitmap)
     HBITMAP result = nullptr;
     try {
         silenceQt();
-        // Cached pictures without colours of their own would become bitmaps of fewer bits.
+        // Cached pictures with few colours would become bitmaps with fewer bits per pixel.
         const QImage picture = m_extractor.extract().convertToFormat(QImage::Format_ARGB32);
         if (bitmap)
             result = qt_imageToWinHBITMAP(picture, kHBitmapAlpha);

@@ -65,7 +65,7 @@ private:
 
     ModuleLock m_moduleLock;
     Inner m_inner;
-    IUnknown* m_outer; ///< whoever answers IUnknown calls: the outer object, which is not counted, or m_inner
+    IUnknown* m_outer; ///< answers IUnknown calls: the outer object, which is not counted, or m_inner
     ThumbnailExtractor m_extractor;
 };
 
