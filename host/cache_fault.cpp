@@ -16,8 +16,8 @@ namespace zr
 namespace
 {
 
-// Less than a picture, its row and the database's journal may take.
-constexpr qint64 kLeastFreeBytes = 1 << 20;
+// A picture, its row and the database's journal may take as much.
+constexpr qint64 kMinFreeBytes = 1 << 20;
 
 QString apostropheFault(const QString& path)
 {
@@ -46,19 +46,19 @@ QString folderFault(const QString& folder)
 QString spaceFault()
 {
     const QStorageInfo disk(dataFolder());
-    if (!disk.isValid() || disk.bytesAvailable() >= kLeastFreeBytes)
+    if (!disk.isValid() || disk.bytesAvailable() >= kMinFreeBytes)
         return QString();
     return QStringLiteral("the disk is full: make room for the data folder, %1").arg(dataFolder());
 }
 
-// What is there may not be written, or take new files.
+// An existing file that may not be written, or a folder that takes no new files.
 QString accessFault(const QString& path)
 {
     const QString fault = writeFault(path);
     return fault.isEmpty() ? QString() : QStringLiteral("%1 cannot be written: %2").arg(path, fault);
 }
 
-// Something else than a file at `path`, a file that may not be written, or none in a folder that takes no new ones.
+// Something other than a file at `path`, a read-only file, or a missing one in a folder that takes no new files.
 QString fileFault(const QString& path)
 {
     const QFileInfo info(path);

@@ -13,7 +13,7 @@ namespace zr
 namespace
 {
 
-// A path of which the end from `shownFrom` on is the label.
+// A path whose end from `shownFrom` on is the label.
 struct Candidate {
     QString path;
     int shownFrom;
@@ -49,8 +49,8 @@ struct CommonEnds {
     }
 };
 
-// Takes one more folder into the labels of a group. Those that are the only ones then are done, with the part of the
-// folder's name in which it differs from the others'; the rest makes new groups.
+// Takes one more folder into the labels of a group. Labels that are then unique are done, with the part of the folder's
+// name that differs from the others; the rest form new groups.
 void refine(const Group& group, bool areFolders, QHash<QString, CellLabel>& labels, std::vector<Group>& groups)
 {
     std::vector<QStringView> components;
@@ -84,8 +84,7 @@ void refine(const Group& group, bool areFolders, QHash<QString, CellLabel>& labe
 
 } // namespace
 
-// Each round looks at one component of each path that is not done, so that the whole takes time by the length of the
-// paths.
+// Each round looks at one component of each path that is not done, so the time is linear in the length of the paths.
 std::vector<CellLabel> cellLabels(const QStringList& paths)
 {
     QStringList clean;

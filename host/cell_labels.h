@@ -8,11 +8,11 @@
 namespace zr
 {
 
-/// What stands below a cell of a contact sheet: the file's name, and as many folders above it as tell it from the
+/// The text below a cell of a contact sheet: the file's name, and as many folders above it as distinguish it from the
 /// other files.
 struct CellLabel {
-    QString text;    ///< of characters that show, on one line
-    int keptAt = -1; ///< where the part starts by which it differs from equal names; -1 when its name is the only one
+    QString text;       ///< printable, on one line
+    int keptAt = -1;    ///< start of the part that differs from equal names; -1 when the name is unique
     int keptLength = 0; ///< of that part
 };
 

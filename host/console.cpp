@@ -11,7 +11,7 @@ namespace
 
 QString fault;
 
-// errno tells about the step before.
+// Uses errno, so it has to come right after the failed call.
 void noteFault()
 {
     if (fault.isEmpty())

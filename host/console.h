@@ -15,13 +15,13 @@ void printText(std::FILE* stream, const QString& text);
 /// The same with an end of line.
 void printLine(std::FILE* stream, const QString& text);
 
-/// Writes the bytes to stdout as they are. Returns why they could not be written, all of them; empty when they were.
+/// Writes the bytes to stdout unchanged. Returns why not all of them could be written; empty when they were.
 QString writeStdout(const QByteArray& bytes);
 
-/// Why something that was printed to stdout did not get there, in the system's words; empty when all did.
+/// Why something that was printed to stdout did not get there, in the system's words; empty when everything did.
 QString stdoutFault();
 
-/// The text without what a terminal would act on: names of files may hold line feeds and control sequences.
+/// The text without anything that a terminal would interpret: file names may contain line feeds and control sequences.
 QString printable(QString text);
 
 } // namespace zr

@@ -23,7 +23,7 @@ constexpr int kFontPx = 13;
 constexpr int kReasonMarginPx = 12;
 constexpr int kMaxColumns = 10;
 
-// A page is 11,712 pixels high and takes 100 MB, unpacked. Qt paints up to 32,767 pixels, and the viewers that draw
+// A full page is 11,712 pixels high and takes 100 MB in memory. Qt paints up to 32,767 pixels, and viewers that draw
 // with the graphics card show up to 16,384.
 constexpr int kMaxRows = 50;
 constexpr int kMaxCells = kMaxColumns * kMaxRows;
@@ -126,7 +126,7 @@ void ContactSheet::addCell(const Cell& cell)
         endPage();
 }
 
-// Text comes last: the application object that it needs is the first request's to make, with a line in the log.
+// Text comes last: it needs the application object, which the first request has to make, with a line in the log.
 void ContactSheet::endPage()
 {
     prepareDrawing();

@@ -12,12 +12,12 @@
 namespace zr
 {
 
-/// Names of the pictures that a contact sheet of `count` files is saved as: `file`, and when one does not hold them
-/// all, the same with numbers: all.png, all-2.png, all-3.png.
+/// The names of a contact sheet's pictures for `count` files: `file`, and when one page is not enough, the same with
+/// numbers: all.png, all-2.png, all-3.png.
 QStringList sheetFiles(const QString& file, int count);
 
-/// Pictures that show many, each file in a cell of its own with its name below. The cells come in the order of the
-/// files; each page is handed over as soon as it is full, and only the one in work is kept.
+/// Overview pictures with one cell for each file, with its name below. Cells are in the order of the files; each page
+/// is handed over as soon as it is full, and only the current one is kept.
 class ContactSheet
 {
 public:
@@ -27,13 +27,13 @@ public:
     /// The sheet of the files at `paths`.
     ContactSheet(const QString& file, const QStringList& paths, SavePage savePage);
 
-    /// The next file's cell, with its picture.
+    /// Adds the next file's cell, with its picture.
     void addPicture(const QImage& picture);
 
-    /// The next file's cell, with the reason why it has no picture.
+    /// Adds the next file's cell, with the reason why it has no picture.
     void addFailure(const QString& reason);
 
-    /// Hands over the page that is in work, if any, cropped to its cells. For runs that end early.
+    /// Hands over the current page, if any, cropped to its cells. For runs that end early.
     void finish();
 
 private:

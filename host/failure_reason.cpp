@@ -31,7 +31,7 @@ public:
                            [&](const QString& message) { return isLine(message, line, m_path); });
     }
 
-    // The reason of the first of the lines that the log has; empty when it has none.
+    // The reason of the first of `lines` that the log has; empty when it has none of them.
     QLatin1String reasonAmong(const FailureLines& lines) const
     {
         const auto line = std::find_if(lines.cbegin(), lines.cend(), [this](const auto& row) { return has(row); });
@@ -43,7 +43,7 @@ private:
     const QStringList& m_messages;
 };
 
-// Why there is nothing to read; empty when there is.
+// Why there is nothing to read; empty when there is something.
 QString contentFault(const QFileInfo& file)
 {
     if (!supportedSuffixes().contains(file.suffix(), Qt::CaseInsensitive))
@@ -67,7 +67,7 @@ QString jobsReason(const RequestLog& log)
     const QLatin1String reason = log.reasonAmong({kNoPicture, kDatabaseNotOpen, kTableNotMade, kNotSaved});
     if (!reason.isEmpty())
         return reason;
-    // An error that no reader foresees ended the job without a word, mostly a size that no memory has room for.
+    // An unexpected error ended the job without a log line, usually a size that does not fit into memory.
     if (!log.has(kJobFailed))
         return QLatin1String(reason::kDamagedOrNoMemory);
     return QStringLiteral("no picture came back; see %1").arg(defaultLogPath());
@@ -84,7 +84,7 @@ QString failureReason(const QString& path, const QStringList& messages)
         reason = contentFault(file);
     if (reason.isEmpty())
         reason = readersReason(file, log);
-    // Without a log, too, which may be missing for the same reason.
+    // Also without a log, which may be missing for the same reason.
     if (reason.isEmpty() && (log.isEmpty() || log.has(kNotSaved)))
         reason = cacheFault(path);
     return reason.isEmpty() ? jobsReason(log) : reason;

@@ -10,8 +10,8 @@ namespace zr
 constexpr char kOpenGlNeedsDisplay[] =
     "OpenGL needs a display: run it in a graphical session, or as 'xvfb-run zrthumb ...' (package xvfb)";
 
-/// One line for the user on why the file at `path` has no thumbnail, from what its request logged and from what can be
-/// seen of the file and the cache.
+/// One line for the user on why the file at `path` has no thumbnail, judged from what its request logged and from the
+/// state of the file and the cache.
 QString failureReason(const QString& path, const QStringList& messages);
 
 /// The same for a request that succeeded but handed out no picture; `pngPath` is the one that the cache has recorded.

@@ -20,11 +20,11 @@ constexpr char kWriteNotPermitted[] = "permission denied";
 /// Why the source file at the absolute `path` cannot be read, one line for the user; empty when it can.
 QString sourceFault(const QString& path);
 
-/// Why the file at `path` cannot be written, or the folder take new files, in a few words; empty when nothing is known
-/// against it.
+/// Why the file at `path` cannot be written, or why the folder takes no new files, in a few words; empty when no reason
+/// is known.
 QString writeFault(const QString& path);
 
-/// Whether the file system of the folder that exists takes files of that name.
+/// Whether the file system of the existing folder accepts files of that name.
 bool takesName(const QString& folder, const QString& name);
 
 } // namespace zr

@@ -15,7 +15,7 @@ namespace zr
 namespace
 {
 
-// Bytes of a name that are no text are lost where the name becomes one.
+// Bytes of a name that are not valid text are lost when the name becomes a QString.
 QString missingFault(const QString& path)
 {
     constexpr int kUtf8 = 106; // as IANA numbers it
@@ -26,7 +26,7 @@ QString missingFault(const QString& path)
     return QStringLiteral("its name is not text in this locale: rename it, or use a UTF-8 locale");
 }
 
-// What the system says of a path that leads to no file.
+// What the system says about a path that leads to no file.
 QString lookupFault(const QString& path, int error)
 {
     struct stat link = {};
@@ -47,7 +47,7 @@ QString lookupFault(const QString& path, int error)
     }
 }
 
-// Why the regular file cannot be opened. Should it have become a pipe meanwhile, nobody waits for its other end.
+// Why the regular file cannot be opened. Does not block even if it has become a pipe meanwhile.
 QString openFault(const QByteArray& name)
 {
     const int file = open(name.constData(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY);
@@ -89,8 +89,8 @@ bool takesName(const QString& folder, const QString& name)
 {
     const QByteArray bytes = QFile::encodeName(folder);
     const auto fits = [&bytes](int limit, int size) {
-        const long most = pathconf(bytes.constData(), limit);
-        return most == -1 || size <= most;
+        const long maxSize = pathconf(bytes.constData(), limit);
+        return maxSize == -1 || size <= maxSize;
     };
     const int nameBytes = QFile::encodeName(name).size();
     return fits(_PC_NAME_MAX, nameBytes) && fits(_PC_PATH_MAX, bytes.size() + nameBytes + 1);

@@ -22,7 +22,7 @@ QString nativePath(const QString& path)
                                                     : QLatin1String("\\\\?\\") + native;
 }
 
-// What opening gives: ERROR_SUCCESS, or why it failed.
+// ERROR_SUCCESS, or why the file cannot be opened.
 DWORD tryToOpen(const QString& path, DWORD access)
 {
     const QString native = nativePath(path);
@@ -88,12 +88,12 @@ QString writeFault(const QString& path)
 bool takesName(const QString& folder, const QString& name)
 {
     wchar_t volume[MAX_PATH] = {};
-    DWORD most = 0;
+    DWORD maxSize = 0;
     const QString native = nativePath(folder);
     if (!GetVolumePathNameW(reinterpret_cast<LPCWSTR>(native.utf16()), volume, MAX_PATH) ||
-        !GetVolumeInformationW(volume, nullptr, 0, nullptr, &most, nullptr, nullptr, 0))
+        !GetVolumeInformationW(volume, nullptr, 0, nullptr, &maxSize, nullptr, nullptr, 0))
         return true;
-    return static_cast<DWORD>(name.size()) <= most;
+    return static_cast<DWORD>(name.size()) <= maxSize;
 }
 
 } // namespace zr

@@ -7,15 +7,15 @@
 namespace zr
 {
 
-/// A file or folder of a folder.
+/// A file or folder in a folder.
 struct FolderEntry {
     QString name;
-    bool isFolder = false; ///< and no link to one
-    bool isText = true;    ///< false when the name has bytes that mean nothing; `name` does not lead to it then
+    bool isFolder = false; ///< and not a link to one
+    bool isText = true;    ///< false when the name is not valid text; then `name` does not lead to it
 };
 
-/// What is in the folder, in no order: folders, and whatever files and links to files there are. Hidden ones are left
-/// out. Returns why not all of it could be listed, in the system's words; empty when it was.
+/// What is in the folder, unsorted: folders, files and links to files, without hidden ones. Returns why not all of it
+/// could be listed, in the system's words; empty when it was.
 QString readFolder(const QString& path, std::vector<FolderEntry>& entries);
 
 } // namespace zr

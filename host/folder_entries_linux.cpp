@@ -28,7 +28,7 @@ Kind kindOf(const dirent& entry, int folder)
     if (entry.d_type == DT_UNKNOWN && fstatat(folder, entry.d_name, &status, AT_SYMLINK_NOFOLLOW) == 0 &&
         S_ISDIR(status.st_mode))
         return Kind::Folder;
-    // A link is what it leads to, but folders are not entered twice. One that leads nowhere is told when it is read.
+    // A link counts as what it leads to, but folders are not entered twice. A dangling one is reported when it is read.
     return fstatat(folder, entry.d_name, &status, 0) != 0 || S_ISREG(status.st_mode) ? Kind::File : Kind::Other;
 }
 

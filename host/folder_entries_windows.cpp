@@ -10,7 +10,7 @@ namespace zr
 namespace
 {
 
-// Of any length, which paths of this form may have.
+// In the form of paths that allows any length.
 QString searchPattern(const QString& folder)
 {
     const QString path = QDir::toNativeSeparators(QFileInfo(folder).absoluteFilePath());
@@ -21,7 +21,7 @@ QString searchPattern(const QString& folder)
 }
 
 // Junctions and links lead to folders that are listed elsewhere, or back to one above. Folders whose files are in the
-// cloud look alike at first.
+// cloud look similar.
 bool isLink(const WIN32_FIND_DATAW& found)
 {
     return (found.dwFileAttributes & FILE_ATTRIBUTE_REPARSE_POINT) && IsReparseTagNameSurrogate(found.dwReserved0);

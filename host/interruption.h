@@ -3,8 +3,8 @@
 namespace zr
 {
 
-/// Notes the first request to end the program, Ctrl+C or another, instead of ending at once, so that what is begun can
-/// be completed. A second one ends the program as usual. One object at a time.
+/// Records the first request to end the program, Ctrl+C or another, instead of ending at once, so that the current work
+/// can be completed. A second one ends the program as usual. One object at a time.
 class Interruption
 {
 public:
@@ -16,7 +16,7 @@ public:
     /// Whether the program is to end.
     bool isRequested() const;
 
-    /// The exit status of a program that ends so: 128 and the number of the signal.
+    /// The exit status of a program that ends so: 128 plus the number of the signal.
     int status() const;
 };
 

@@ -34,7 +34,7 @@ Interruption::Interruption()
     requestedBy = 0;
     struct sigaction action = {};
     action.sa_handler = note;
-    action.sa_flags = SA_RESTART; // nothing that reads or writes is to see it
+    action.sa_flags = SA_RESTART; // reads and writes must not notice it
     sigemptyset(&action.sa_mask);
     for (const int signal : kSignals)
         sigaddset(&action.sa_mask, signal);

@@ -19,10 +19,10 @@ constexpr qint64 kMaxTailBytes = 1 << 20;
 QString readFrom(qint64 start)
 {
     QFile log(defaultLogPath());
-    // Nobody may be at the other end of a pipe.
+    // A pipe may have nobody at its other end.
     if (!QFileInfo(log).isFile() || !log.open(QIODevice::ReadOnly))
         return {};
-    // A log that has shrunk was deleted for its size and begun anew.
+    // A log that has shrunk was deleted for its size and started again.
     log.seek(start <= log.size() ? start : 0);
     return QString::fromLocal8Bit(log.read(kMaxTailBytes));
 }

@@ -11,7 +11,7 @@ namespace zr
 namespace
 {
 
-// Ten times the size of the pictures that are made; nothing more is in them.
+// Ten times the size of the pictures; a larger output would show nothing more.
 constexpr int kMaxSizePx = 4096;
 
 // Below the list of options.

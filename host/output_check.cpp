@@ -17,14 +17,14 @@ namespace zr
 namespace
 {
 
-// By the identity of the file, so that links and other spellings of its name count, too.
+// Compares the files' identities, so that links and other spellings of the name count, too.
 bool isSameFile(const QString& path, const QString& other)
 {
     try {
         std::error_code error;
         return std::filesystem::equivalent(path.toStdU16String(), other.toStdU16String(), error);
     } catch (const std::filesystem::filesystem_error&) {
-        // A name that is no text. Hard links of it are not recognised.
+        // A name that is not valid text. Hard links of it are not recognised.
         return QFileInfo(path).canonicalFilePath() == QFileInfo(other).canonicalFilePath();
     }
 }

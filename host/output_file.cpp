@@ -18,7 +18,7 @@ QByteArray encoded(const QImage& picture)
     return picture.save(&buffer, "PNG") ? buffer.data() : QByteArray();
 }
 
-// Nothing is cut off first: whatever the disk has given to the older bytes can take them back after a failure.
+// The file is not truncated first: after a failure, the older bytes can be put back into the space that they had.
 QString overwrite(QFile& file, const QByteArray& bytes)
 {
     const QByteArray older = file.readAll();

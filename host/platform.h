@@ -14,12 +14,12 @@ QStringList commandLineArguments(int argc, char** argv);
 bool stderrIsTerminal();
 bool stdoutIsTerminal();
 
-/// Opens what is closed of stdin, stdout and stderr on the null device, so that no file that is opened later takes the
-/// place of one of them. To be called before anything else.
+/// Opens the null device for each of stdin, stdout and stderr that is closed, so that no file that is opened later
+/// becomes one of them. To be called before anything else.
 void openStandardStreams();
 
-/// Gives the process the home folder that the system knows of the user when the environment names none. Returns what to
-/// tell the user when there is none either, so that the cache has no place; else empty.
+/// Sets the user's home folder from the system's data when the environment names none. Returns what to tell the user
+/// when there is none either, so that the cache has no place; else empty.
 QString homeFault();
 
 /// What to do when the path of the data folder cannot be used.
@@ -28,15 +28,15 @@ QString otherDataFolder();
 /// The system's words for a disk without room.
 QString diskFullText();
 
-/// Writes the text to `stream` and empties its buffer; false, with errno, when it does not get there. In the terminal's
-/// encoding; on Windows consoles get any character, files and pipes UTF-8.
+/// Writes the text to `stream` and flushes it; false, with errno, when that fails. In the terminal's encoding; on
+/// Windows consoles get any character, files and pipes UTF-8.
 bool writeText(std::FILE* stream, const QString& text);
 
-/// What is written to stdout from now on stays as it is.
+/// From now on, what is written to stdout is not translated.
 void makeStdoutBinary();
 
-/// Ends the process with `status` at once: the application object is never destroyed, so the usual tearing down of
-/// Qt's libraries must not run.
+/// Ends the process with `status` at once: the application object is never destroyed, so the usual teardown of Qt's
+/// libraries must not run.
 [[noreturn]] void leave(int status);
 
 } // namespace zr

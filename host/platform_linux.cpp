@@ -38,7 +38,7 @@ bool stdoutIsTerminal()
 void openStandardStreams()
 {
     for (int descriptor = STDIN_FILENO; descriptor <= STDERR_FILENO; ++descriptor) {
-        // The lowest free number is what it gets.
+        // open() returns the lowest free number.
         if (fcntl(descriptor, F_GETFD) == -1 && open("/dev/null", O_RDWR) != descriptor)
             std::_Exit(EXIT_FAILURE);
     }
@@ -49,7 +49,7 @@ QString homeFault()
     if (!qEnvironmentVariableIsEmpty("HOME") || !qEnvironmentVariableIsEmpty("XDG_DATA_HOME"))
         return {};
     const passwd* const user = getpwuid(getuid());
-    // The root folder is what services have that need none.
+    // Services that need no home folder have the root folder as theirs.
     const bool hasHome = user && user->pw_dir && *user->pw_dir && std::strcmp(user->pw_dir, "/") != 0;
     if (hasHome && qputenv("HOME", user->pw_dir))
         return {};

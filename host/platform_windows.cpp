@@ -70,7 +70,7 @@ bool writeText(std::FILE* stream, const QString& text)
         const QByteArray bytes = text.toUtf8();
         return std::fputs(bytes.constData(), stream) >= 0 && std::fflush(stream) == 0;
     }
-    // Consoles take a limited number at once.
+    // Consoles take a limited number of characters at once.
     constexpr int kPieceLength = 8192;
     for (int begin = 0; begin < text.size(); begin += kPieceLength) {
         const DWORD length = static_cast<DWORD>(qMin(kPieceLength, text.size() - begin));

@@ -35,7 +35,7 @@ Progress::Progress(bool quiet) : m_isQuiet(quiet), m_stdoutIsTerminal(stdoutIsTe
     try {
         m_drawing = std::thread([this] { drawUntilEnded(); });
     } catch (const std::system_error&) {
-        // No thread is to be had. The run goes on without the line.
+        // No thread is available. The run goes on without the line.
     }
 }
 
@@ -116,7 +116,7 @@ void Progress::drawUntilEnded()
     }
 }
 
-// A line that reaches the last cell would go on in the next one on some terminals, where nothing takes it away.
+// On some terminals, a line that reaches the last cell would continue on the next one, which is never erased.
 void Progress::draw()
 {
     const int room = terminalColumns() - 1;

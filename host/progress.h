@@ -11,14 +11,14 @@
 namespace zr
 {
 
-/// The line on stderr that shows how far a long run is. Shows nothing when stderr is no terminal that can move the
-/// cursor, for a few files only, or when the run is quiet. It is drawn ten times a second at most; what comes in
-/// between is left to a thread, so that the line is right during a file that takes long, too.
+/// The line on stderr that shows how far a long run is. Not shown when stderr is not a terminal that can move the
+/// cursor, for a few files only, or when the run is quiet. It is drawn at most ten times a second; a thread draws
+/// changes in between, so that the line is also right during a file that takes long.
 class Progress
 {
 public:
     explicit Progress(bool quiet);
-    /// Takes the line away.
+    /// Erases the line.
     ~Progress();
     Progress(const Progress&) = delete;
     Progress& operator=(const Progress&) = delete;
@@ -26,16 +26,16 @@ public:
     /// Shows how many files a walk through folders has found so far.
     void showListing(int found);
 
-    /// The files are listed: there are `total`. Takes the listing away.
+    /// The files are listed: there are `total`. Erases the listing.
     void begin(int total);
 
-    /// Shows that the file `name` is in work, the `number`th.
+    /// Shows that the file `name`, the `number`th, is being processed.
     void showFile(int number, const QString& name, int failures);
 
-    /// Prints a line to stdout or stderr, all of which are to be printed by this as long as the run goes on.
+    /// Prints a line to stdout or stderr. During a run, all lines must be printed by this.
     void print(std::FILE* stream, const QString& text);
 
-    /// Takes the line away for good, after `done` files. Tells on terminals how many failed, if any.
+    /// Erases the line for good, after `done` files. On terminals, reports how many failed, if any.
     void end(int done, int failures);
 
 private:

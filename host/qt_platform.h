@@ -5,12 +5,12 @@
 namespace zr
 {
 
-/// Lets Qt run with what QT_QPA_PLATFORM asks for, else with what there is, also where there is no display. Where no
-/// platform works the program ends with status 1 and a line on stderr. To be called before the first request and any
-/// thread, after the message handler is set.
+/// Makes Qt use the platform that QT_QPA_PLATFORM asks for, else one that works here, even without a display. Where
+/// none works, the program ends with status 1 and a line on stderr. To be called before the first request and before
+/// any thread starts, after the message handler is set.
 void chooseQtPlatform();
 
-/// The variables of the user that Qt did not start with, as "NAME=VALUE". To be called after the first request.
+/// The user's variables that Qt did not start with, as "NAME=VALUE". To be called after the first request.
 QStringList unusedPlatformSettings();
 
 /// Whether Qt's platform is one that the user asked for. To be called after the first request.

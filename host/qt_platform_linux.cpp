@@ -45,7 +45,7 @@ PlatformChoice& platformChoice()
     return *choice;
 }
 
-// What Qt calls fatal would abort the process when this returns.
+// Qt would abort the process when this returns from a fatal message.
 void endWithFatalMessage(QtMsgType type, const QMessageLogContext& context, const QString& message)
 {
     if (type != QtFatalMsg) {
@@ -100,7 +100,7 @@ bool mayAbort(const Settings& settings)
     return settings.size() > 1 || !std::all_of(names.cbegin(), names.cend(), isQuiet);
 }
 
-// In silence, and without leaving a core file.
+// Silently, and without leaving a core file.
 [[noreturn]] void startQtAndLeave()
 {
     alarm(kMostSecondsToStart);
@@ -113,11 +113,11 @@ bool mayAbort(const Settings& settings)
     char name[] = "zrthumb";
     char* argv[] = {name, nullptr};
     const QGuiApplication application(argc, argv);
-    // Without a screen there is no surface to draw on, which Qt calls fatal.
+    // Without a screen there is no surface to draw on, which is a fatal error for Qt.
     std::_Exit(QGuiApplication::primaryScreen() ? EXIT_SUCCESS : EXIT_FAILURE);
 }
 
-// Whether Qt starts with the environment as it is, tried out where only a child can be lost.
+// Whether Qt starts with the current environment, tried in a child process, which may crash.
 bool startsInChild()
 {
     const pid_t child = fork();

@@ -19,7 +19,7 @@ namespace zr
 namespace
 {
 
-// Whether the file was loaded. What an exception ended is a failure like others: the server's DLL tells of none either.
+// Whether the file was loaded. An exception is a failure like any other: the server's DLL does not report them either.
 bool load(ThumbnailClient& client, const QString& path)
 {
     try {
@@ -63,7 +63,7 @@ RequestResult requestOnce(const QString& path, const QString& serverPath)
     return requestFrom(*client, path);
 }
 
-// A user's very first request fails, since it comes before the data folder.
+// A user's very first request fails, since the data folder does not exist yet.
 RequestResult requestUpToTwice(const QString& path, const QString& serverPath)
 {
     const bool dataFolderExisted = QFileInfo::exists(dataFolder());
@@ -79,11 +79,11 @@ RequestResult requestThumbnail(const QString& path, const QString& serverPath)
 {
     try {
         RequestResult result = requestUpToTwice(path, serverPath);
-        // Names of files and folders stand in it.
+        // It contains names of files and folders.
         result.reason = printable(result.reason);
         return result;
     } catch (const std::exception&) {
-        // Not the request itself failed but what is told about it, for lack of memory. Other files may do better.
+        // Memory ran out while the result was described, not in the request itself. Other files may succeed.
         return failed(QLatin1String(reason::kMemoryShort));
     }
 }

@@ -6,7 +6,7 @@
 namespace zr
 {
 
-/// What came of one file.
+/// The result for one file.
 struct RequestResult {
     QImage picture;  ///< what extract handed back; null when there is no thumbnail
     QString pngPath; ///< absolute path of the cached PNG

@@ -44,7 +44,7 @@ public:
     Run(const Options& options, const FileList& list, Progress& progress)
         : m_options(options), m_list(list), m_progress(progress)
     {
-        // Only for what leaves the cache: there, files of equal names share their PNG.
+        // Only for output outside the cache, in which files of equal names share their PNG.
         if (!options.output.isEmpty() || !options.sheet.isEmpty())
             m_sharedPictures.emplace();
         if (!options.sheet.isEmpty()) {

@@ -12,7 +12,7 @@ namespace
 
 constexpr int kRoundingPx = 4; // of the widths of three pieces
 
-// Texts are not cut within a character that is made of two.
+// A text is not cut inside a surrogate pair.
 int startOfCharacter(const QString& text, int position)
 {
     const bool isWithin = position > 0 && position < text.size() && text[position].isLowSurrogate() &&
@@ -20,7 +20,7 @@ int startOfCharacter(const QString& text, int position)
     return isWithin ? position - 1 : position;
 }
 
-// Some fonts ask for the height of three lines, for the sake of letters that no reason has.
+// Some fonts ask for the height of three lines, because of letters that no reason contains.
 int lineHeight(const QFont& font)
 {
     return font.pixelSize() * 5 / 4;

@@ -10,12 +10,10 @@ class QRect;
 namespace zr
 {
 
-/// Makes the application object without which Qt draws no text, if the program has none: that of a server in a DLL is
-/// not the program's.
+/// Makes the application object without which Qt draws no text, if the program has none: a server in a DLL has its own.
 void prepareDrawing();
 
-/// The label within `widthPx`, with dots in place of what is left out. What tells it from others stays as long as it
-/// can.
+/// The label within `widthPx`, with dots in place of what is left out. The part that distinguishes it is left out last.
 QString elided(const CellLabel& label, const QFontMetrics& metrics, int widthPx);
 
 /// Draws the text in as many centred lines as fit into `area`, the last one elided.

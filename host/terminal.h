@@ -3,12 +3,12 @@
 namespace zr
 {
 
-/// Lets stderr take the control sequences by which a line can be written over, until endControlSequences(). False when
-/// it is no terminal that does.
+/// Makes stderr accept the control sequences that overwrite a line, until endControlSequences(). False when it is not a
+/// terminal that supports them.
 bool startControlSequences();
 void endControlSequences();
 
-/// Cells of a line of the terminal on stderr, at this moment.
+/// The current width of the terminal on stderr, in cells.
 int terminalColumns();
 
 } // namespace zr

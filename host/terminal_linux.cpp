@@ -23,14 +23,14 @@ bool startControlSequences()
 
 void endControlSequences() {}
 
-// The variable is the shell's, as of its last command; serial lines tell nothing else.
+// The variable is from the shell's last command; on serial lines there is nothing else.
 int terminalColumns()
 {
     winsize size{};
     if (ioctl(STDERR_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 0)
         return size.ws_col;
-    const int told = qEnvironmentVariableIntValue("COLUMNS");
-    return told > 0 ? told : kUsualColumns;
+    const int columns = qEnvironmentVariableIntValue("COLUMNS");
+    return columns > 0 ? columns : kUsualColumns;
 }
 
 } // namespace zr

@@ -10,10 +10,10 @@ namespace zr
 namespace
 {
 
-const QString kDots = QStringLiteral("..."); // in every encoding of a terminal
+const QString kDots = QStringLiteral("..."); // in every terminal's encoding
 
-// Blocks with characters that take two cells: scripts of East Asia, and pictures. In a block of both kinds, all count
-// as wide. tests/host/progress_test.cpp compares them with the C library's.
+// Blocks with characters that take two cells: scripts of East Asia, and pictures. In mixed blocks, all count as wide.
+// tests/host/progress_test.cpp compares them with the C library's.
 struct Block {
     uint first;
     uint last;
@@ -40,7 +40,7 @@ int cellsOf(uint character)
     return isWide ? 2 : 1;
 }
 
-// How many characters from `from` on, by steps of `step`, fit into so many cells.
+// How many characters from `from` on, in steps of `step`, fit into `cells`.
 int fitting(const QVector<uint>& characters, int from, int step, int cells)
 {
     int count = 0;

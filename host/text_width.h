@@ -5,10 +5,10 @@
 namespace zr
 {
 
-/// Cells of a terminal that the text takes at most. Where terminals disagree, it is the larger number.
+/// Cells of a terminal that the text takes; where terminals disagree, the max.
 int cellsOf(const QString& text);
 
-/// The text within so many cells, with dots in place of its middle when that is too long.
+/// The text fitted to `cells`, with dots in place of its middle when it is too long.
 QString fittedToCells(const QString& text, int cells);
 
 } // namespace zr

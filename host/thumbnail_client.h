@@ -8,7 +8,7 @@
 namespace zr
 {
 
-/// What the host asks for thumbnails: one object per file, as the file browser does it.
+/// How the host asks for thumbnails: one object per file, as in the file browser.
 /// The Linux host calls the extractor directly, the Windows host goes through COM.
 class ThumbnailClient
 {

@@ -24,7 +24,7 @@ QString invisibilityReason(const QString& path)
 {
     const QString nothing = QStringLiteral("nothing can be seen in its thumbnail");
     const QString suffix = QFileInfo(path).suffix().toLower();
-    // An index that is no plain number counts as the first point, and the first point has the number 0.
+    // An index that is not a plain number counts as the first point, number 0.
     if (suffix == QLatin1String("obj"))
         return nothing + QStringLiteral("; mostly because its faces have slashes ('f 1/2/3') or negative numbers, "
                                         "which are not understood");

@@ -6,10 +6,10 @@
 namespace zr
 {
 
-/// Whether there is nothing to be seen in the picture: all of it is transparent.
+/// Whether all of the picture is transparent.
 bool isInvisible(const QImage& picture);
 
-/// What to tell the user of a file with such a picture: the likely reason, by its suffix.
+/// The likely reason for such a picture, by the file's suffix, one line for the user.
 QString invisibilityReason(const QString& path);
 
 } // namespace zr

@@ -26,7 +26,7 @@ struct Check {
     const char* whenStuck; ///< what to do when it does not end
 };
 
-// In the order of a request, so that the first failure is the one to mend first. The request itself is the last.
+// In the order of a request, so that the first failure is the one to fix first. The request itself comes last.
 constexpr Check kChecks[] = {
     {checkInstallation, "installation", "the system does not answer; restart it"},
     {checkQt, "Qt", "the display does not answer; start it anew, or unset DISPLAY and WAYLAND_DISPLAY"},
@@ -41,7 +41,7 @@ constexpr const char* kWhenRequestIsStuck = "its request does not end; the end o
 QtMessageHandler previousHandler = nullptr;
 
 // Qt would abort the process when this returns.
-void tellFatalMessage(QtMsgType type, const QMessageLogContext& context, const QString& message)
+void reportFatalMessage(QtMsgType type, const QMessageLogContext& context, const QString& message)
 {
     if (type != QtFatalMsg) {
         previousHandler(type, context, message);
@@ -62,7 +62,7 @@ bool hasFailed(const Findings& findings)
 
 int runChecks()
 {
-    previousHandler = qInstallMessageHandler(tellFatalMessage);
+    previousHandler = qInstallMessageHandler(reportFatalMessage);
     CheckReport& report = CheckReport::instance();
     CheckWatch watch;
     bool drawsModels = true;

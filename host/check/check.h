@@ -7,7 +7,7 @@
 namespace zr
 {
 
-/// How a finding counts: a note tells what is worth knowing and no problem.
+/// How serious a finding is: a note is worth knowing but not a problem.
 enum class Verdict { Ok, Note, Fail };
 
 /// What one check found, as one line for the user. A failure's line says what to do about it.
@@ -20,10 +20,10 @@ struct Finding {
 
 using Findings = QVector<Finding>;
 
-/// Checks all that a thumbnail needs on this machine, and at last makes one. Prints what it finds and the end of the
+/// Checks all that a thumbnail needs on this machine, and finally makes one. Prints its findings and the end of the
 /// log, and returns the program's exit status: 0 when nothing failed, else 1. When Qt gives up or a check does not end,
-/// tells that likewise and ends the program. What the thumbnail left is taken back, but for its lines in a log that was
-/// there.
+/// reports that in the same way and ends the program. Removes what the thumbnail leaves, except its lines in a log that
+/// was there before.
 int runChecks();
 
 } // namespace zr

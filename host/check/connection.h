@@ -17,15 +17,15 @@ public:
     CheckConnection(const CheckConnection&) = delete;
     CheckConnection& operator=(const CheckConnection&) = delete;
 
-    /// The first column of what the statement yields, with `value` in its place "?" if it has one.
+    /// The first column of the statement's result, with `value` for its placeholder "?" if it has one.
     QStringList texts(const QString& statement, const QVariant& value = {});
 
     /// Runs the statement. False, with the error(), when that fails.
     bool run(const QString& statement, const QVariant& value = {});
 
-    /// What went wrong with the last statement; empty when nothing did.
+    /// The error of the last statement; empty when it succeeded.
     const QString& error() const { return m_error; }
-    /// Whether it was that another program uses the database.
+    /// Whether the reason was that another program uses the database.
     bool isBusy() const { return m_isBusy; }
 
 private:

@@ -18,8 +18,8 @@ const QString kDataFolder = QStringLiteral("data folder");
 // As much as a large picture takes.
 constexpr int kTrialBytes = 1 << 19;
 
-// What keeps files from being written to the folder, and what to do; empty when nothing does. Tried out, since the
-// permissions that a system tells are not all it goes by. The trace disappears again.
+// Why files cannot be written to the folder, and what to do; empty when they can. Writes a temporary file, since the
+// permissions that a system reports are not all that it applies.
 QString writeFault(const QString& folder)
 {
     QTemporaryFile file(folder + QLatin1String("/check-XXXXXX"));
@@ -81,7 +81,7 @@ Findings checkDataFolder()
                      QStringLiteral("%1 is another one for each folder that zrthumb is started in: set XDG_DATA_HOME "
                                     "to a whole path")
                          .arg(folder.filePath())};
-    // The cache's statements have no place for such a text, see ThumbnailDatabase.
+    // The cache's statements cannot contain such a text, see ThumbnailDatabase.
     if (folder.absoluteFilePath().contains(QLatin1Char('\'')))
         findings += {Verdict::Fail, kDataFolder,
                      QStringLiteral("%1 has an apostrophe in its path, so the cache cannot record any picture: %2")
@@ -98,7 +98,7 @@ QString fileFault(const QString& path)
         return {};
     if (file.isDir())
         return QStringLiteral("%1 is a folder, where a file should be: move it elsewhere").arg(path);
-    // Opening it might wait for somebody at the other end.
+    // Opening a pipe might block.
     if (!file.isFile())
         return QStringLiteral("%1 is a pipe or a device, where a file should be: delete it").arg(path);
     if (!QFile(path).open(QIODevice::ReadWrite | QIODevice::ExistingOnly))

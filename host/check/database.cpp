@@ -28,7 +28,7 @@ Finding failureOf(const CheckConnection& connection)
     return failure(QStringLiteral("cannot be used (%1): %2").arg(connection.error(), kDeleteIt));
 }
 
-// Nobody else may be in the middle of something, as when a row is written. Changes nothing.
+// Whether the exclusive lock of a write can be had. Changes nothing.
 bool takesChanges(CheckConnection& connection)
 {
     return connection.run(QStringLiteral("BEGIN EXCLUSIVE")) && connection.run(QStringLiteral("ROLLBACK"));

@@ -20,7 +20,7 @@ const QString kOpenGl = QStringLiteral("OpenGL");
 // The first version with shaders.
 constexpr int kFirstUsableMajorVersion = 2;
 
-// With the command that mends it.
+// With the command that fixes it.
 Finding failureOf(const QStringList& settings)
 {
     QStringList names;

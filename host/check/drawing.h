@@ -9,7 +9,7 @@ namespace zr
 /// application object.
 Findings checkQt();
 
-/// Whether OpenGL gives a context that models can be drawn with. Comes after checkQt().
+/// Whether OpenGL provides a context that can draw models. Comes after checkQt().
 Findings checkOpenGl();
 
 } // namespace zr

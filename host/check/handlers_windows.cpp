@@ -26,8 +26,8 @@ LPCWSTR wide(const QString& text)
     return reinterpret_cast<LPCWSTR>(text.utf16());
 }
 
-// The class that the system finds for the suffix, by the user's choice of a program, the suffix's own key and whatever
-// else counts; empty when there is none.
+// The class that the system finds for the suffix, by the user's choice of a program, the suffix's own key and so on;
+// empty when there is none.
 QString handlerOf(LPCWSTR suffix)
 {
     for (const wchar_t* const kind : kHandlerKinds) {
@@ -48,7 +48,7 @@ QString classValue(const QString& classId, const wchar_t* subkey)
     return QString::fromWCharArray(text);
 }
 
-// All that the registry tells of another program's handler.
+// What the registry says about another program's handler.
 QString describe(const QString& classId)
 {
     QStringList parts = {classId, classValue(classId, L""), classValue(classId, L"\\InprocServer32")};
@@ -59,7 +59,7 @@ QString describe(const QString& classId)
 Finding checkSuffix(const QString& suffix)
 {
     const QString what = QLatin1Char('.') + suffix;
-    // Registered without a reader. Whoever is asked for their thumbnails, there is nothing to mend.
+    // Registered without a reader: whichever handler is asked for their thumbnails, there is nothing to fix.
     if (!supportedSuffixes().contains(suffix))
         return {Verdict::Note, what, QStringLiteral("ZRThumbnail cannot read such files, so they show no thumbnail")};
     const QString handler = handlerOf(wide(what));

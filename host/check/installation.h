@@ -5,8 +5,8 @@
 namespace zr
 {
 
-/// Whether the file browser finds the server: its registration, its files, and the handlers of the suffixes.
-/// Nothing on Linux, where the host is all there is.
+/// Whether the file browser finds the server: its registration, its files, and the handlers of the suffixes. No
+/// findings on Linux, where there is only the host.
 Findings checkInstallation();
 
 } // namespace zr

@@ -22,7 +22,7 @@ const QString kInstallAnew = QStringLiteral("run the installer again, or unpack 
 
 constexpr std::size_t kMaxRegisteredPath = 1024;
 
-// Why the DLL cannot be loaded, empty when it can. It is loaded as COM does it.
+// Why the DLL cannot be loaded, empty when it can. It is loaded in the same way as by COM.
 QString loadFault(const QString& path)
 {
     const QString native = QDir::toNativeSeparators(path);
@@ -49,7 +49,7 @@ Finding checkClass(const QString& path)
     return {Verdict::Ok, kClass, QStringLiteral("registered, %1").arg(QLatin1String(kServerClassId))};
 }
 
-// Made and released, as the file browser's first step. Nothing of Qt starts by that.
+// Creates and releases an object, as the file browser's first step. Does not start Qt.
 Finding checkServer(const QString& path)
 {
     if (!QFileInfo(path).isFile())

@@ -12,7 +12,7 @@ namespace
 const QString kFileBrowser = QStringLiteral("file browser");
 
 constexpr const wchar_t* kOptions = L"Software\\Microsoft\\Windows\\CurrentVersion\\Explorer\\Advanced";
-// Administrators set policies for users or machines, and by either of two keys.
+// Administrators set policies for users or machines, and under either of two keys.
 constexpr const wchar_t* kPolicies[] = {L"Software\\Microsoft\\Windows\\CurrentVersion\\Policies\\Explorer",
                                         L"Software\\Policies\\Microsoft\\Windows\\Explorer"};
 constexpr const wchar_t* kApproved = L"Software\\Microsoft\\Windows\\CurrentVersion\\Shell Extensions\\Approved";

@@ -43,7 +43,7 @@ CheckReport& CheckReport::instance()
 void CheckReport::add(const Finding& finding)
 {
     const std::lock_guard<std::recursive_mutex> guard(m_mutex);
-    // In one step, since a path may hold what looks like a place of another text.
+    // In one step, since a path may contain what looks like a placeholder.
     print(QStringLiteral("%1 %2: %3").arg(markOf(finding.verdict), finding.what, finding.detail));
     for (const QString& line : finding.quoted)
         print(QLatin1String("       ") + line);

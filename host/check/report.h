@@ -18,7 +18,7 @@ public:
     void add(const Finding& finding);
     void add(const Findings& findings);
 
-    /// Prints the last line, and returns the program's exit status. Nothing is printed any more.
+    /// Prints the last line, and returns the program's exit status. Nothing is printed after that.
     int end();
 
 private:

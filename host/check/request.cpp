@@ -12,7 +12,7 @@ namespace
 
 const QString kSample = QStringLiteral("sample");
 
-// Tells what the request logged, which may be gone afterwards.
+// Includes what the request logged, since the log may be gone afterwards.
 Finding outcome(const QString& what, const RequestResult& result, const QStringList& messages)
 {
     if (result.succeeded())
@@ -44,7 +44,7 @@ Findings checkRequests(bool drawsModels)
         goesOn = result.succeeded();
     };
     request(SampleKind::SliceFile, QStringLiteral("sample slice file"));
-    // What keeps a slice file from its thumbnail would be told twice.
+    // A fault that affects slice files, too, would be reported twice.
     if (goesOn && drawsModels)
         request(SampleKind::Model, QStringLiteral("sample model"));
     traces.takeBackNewFiles();

@@ -5,8 +5,8 @@
 namespace zr
 {
 
-/// Whether a request for a thumbnail succeeds: one for a slice file, then with `drawsModels` one for a model, on the
-/// way that a user's request goes. Takes back what they leave. Comes after checkQt().
+/// Whether a request for a thumbnail succeeds: one for a slice file, then with `drawsModels` one for a model, made in
+/// the same way as a user's. Removes what they leave. Comes after checkQt().
 Findings checkRequests(bool drawsModels);
 
 } // namespace zr

@@ -36,7 +36,7 @@ QByteArray model()
     return "v 0 0 0\nv 10 0 0\nv 0 10 0\nv 0 0 10\nf 1 3 2\nf 1 2 4\nf 1 4 3\nf 2 3 4\n";
 }
 
-// A path with an apostrophe has no place in the cache, and its own must not make the sample fail.
+// The cache takes no path with an apostrophe, and the sample must not fail because of its own.
 QString placeForSamples()
 {
     const QString usual = QFileInfo(QDir::tempPath()).absoluteFilePath();

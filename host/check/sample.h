@@ -11,8 +11,8 @@ namespace zr
 /// The kinds of files that differ in what their thumbnails need: models are drawn with OpenGL.
 enum class SampleKind { SliceFile, Model };
 
-/// A folder of sample files that disappears with the object. The files have names that no other file has, so whatever
-/// the cache has of such a name comes from here.
+/// A folder of sample files that disappears with the object. The files' names are unique, so whatever the cache has
+/// under such a name comes from here.
 class SampleFolder
 {
 public:

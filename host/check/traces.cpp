@@ -37,7 +37,7 @@ bool removeRow(const QString& path, QString& error)
     const QStringList columns = connection.texts(QStringLiteral("SELECT name FROM pragma_table_info('thumbnail')"));
     const QString column = columns.value(kColumnOfSource);
     error = connection.error();
-    // A database that cannot be read has taken no row, unless it is so for a moment only.
+    // A database that cannot be read has taken no row, unless it is only busy.
     if (column.isEmpty())
         return !connection.isBusy();
     if (connection.run(QStringLiteral("DELETE FROM thumbnail WHERE \"%1\" = ?").arg(column), path))
@@ -72,7 +72,7 @@ QStringList CheckTraces::takeBack(const QString& path)
     return rest;
 }
 
-// Whoever comes between the looking and the deleting has to make the folder once more, as for a new user.
+// A process that starts to use the files between the check and the removal has to create them again, as for a new user.
 void CheckTraces::takeBackNewFiles() const
 {
     if (m_samples.isEmpty() || !isOnlyUser())
@@ -86,7 +86,7 @@ void CheckTraces::takeBackNewFiles() const
         QDir().rmdir(folder);
 }
 
-// By the pictures, the rows and the log.
+// Judges by the pictures, the rows and the log.
 bool CheckTraces::isOnlyUser() const
 {
     if (pictures() != m_pictures)

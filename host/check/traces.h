@@ -5,18 +5,18 @@
 namespace zr
 {
 
-/// Takes back what the requests for samples leave in the data folder, and nothing else: pictures, rows, and what was
-/// not there before and nobody else has used since. Lines stay in a log that was there.
+/// Removes what the requests for samples leave in the data folder, and nothing else: pictures, rows, and what did not
+/// exist before and nobody else has used since. Lines stay in a log that existed before.
 class CheckTraces
 {
 public:
-    /// Notes what is there before the first request.
+    /// Records what exists before the first request.
     CheckTraces();
 
-    /// Takes the picture and the row of the sample `path` back. Returns what stays and why, a line for the user each.
+    /// Removes the picture and the row of the sample `path`. Returns what stays and why, one line for the user each.
     QStringList takeBack(const QString& path);
 
-    /// Takes the files and folders back that only the requests for samples needed, after all takeBack().
+    /// Removes the files and folders that only the requests for samples needed. To be called after all takeBack().
     void takeBackNewFiles() const;
 
 private:

@@ -11,7 +11,7 @@ namespace
 {
 
 // More than a request can wait for a database that is in use: 5 seconds, up to four times.
-constexpr std::chrono::seconds kLongestCheck(40);
+constexpr std::chrono::seconds kMaxCheckTime(40);
 
 } // namespace
 
@@ -45,12 +45,12 @@ void CheckWatch::watch()
     while (!m_ended) {
         const int seen = m_begun;
         const auto hasMovedOn = [&] { return m_ended || m_begun != seen; };
-        if (m_changed.wait_for(lock, kLongestCheck, hasMovedOn))
+        if (m_changed.wait_for(lock, kMaxCheckTime, hasMovedOn))
             continue;
         CheckReport& report = CheckReport::instance();
         report.add({Verdict::Fail, QLatin1String(m_what),
                     QStringLiteral("no end after %1 seconds: %2")
-                        .arg(QString::number(kLongestCheck.count()), QLatin1String(m_whenStuck))});
+                        .arg(QString::number(kMaxCheckTime.count()), QLatin1String(m_whenStuck))});
         leave(report.end());
     }
 }

@@ -7,8 +7,8 @@
 namespace zr
 {
 
-/// Ends the program with a line of the report when a check does not end: displays, drivers and disks may let a call
-/// wait for ever.
+/// Ends the program with a line in the report when a check does not end: with displays, drivers and disks, a call may
+/// block for ever.
 class CheckWatch
 {
 public:

@@ -1,4 +1,4 @@
-// zrthumb: makes thumbnails from the command line, by the same requests that the file browser makes.
+// zrthumb: makes thumbnails from the command line, by the same requests as the file browser.
 
 #include "host/check/check.h"
 #include "host/console.h"
@@ -17,7 +17,7 @@ namespace
 constexpr int kFailed = 1;
 constexpr int kWrongUsage = 2;
 
-// Qt warns of much that a request copes with: a display that cannot be reached, a damaged picture. The host tells
+// Qt warns about much that a request can cope with: an unreachable display, a damaged picture. The host reports
 // failures itself, one line each.
 void dropWarnings(QtMsgType type, const QMessageLogContext& context, const QString& message)
 {
@@ -49,7 +49,7 @@ int run(const zr::Options& options)
     return options.action == zr::Options::Action::RunChecks ? zr::runChecks() : zr::makeThumbnails(options);
 }
 
-// What did not reach its reader was not had.
+// Output that did not get to stdout counts as a failure.
 int withFaultOfStdout(int status)
 {
     if (zr::stdoutFault().isEmpty())
