@@ -1,6 +1,6 @@
 // make-icon FILE: draws the product's icon, a cube that is printed layer by layer, and writes it as FILE, an .ico with
-// all sizes that Windows shows. What is drawn is committed as zrthumbnail.ico, so that a build for Windows needs no
-// second Qt.
+// all sizes that Windows shows. The result is committed as zrthumbnail.ico, so that a build for Windows needs no second
+// Qt.
 
 #include <QBuffer>
 #include <QDataStream>
@@ -82,7 +82,7 @@ QImage drawIcon(int sizePx)
         .convertToFormat(QImage::Format_ARGB32);
 }
 
-// A bitmap without a file's header, from the bottom up; its mask says nothing, as its pixels have an alpha channel.
+// A bitmap without a file's header, bottom row first; its mask is unused, since its pixels have an alpha channel.
 QByteArray bitmapOf(const QImage& image)
 {
     QByteArray bytes;
@@ -120,7 +120,7 @@ QByteArray iconFile()
     for (const int size : kSizesPx) {
         const QImage image = drawIcon(size);
         const QByteArray picture = size == kPngSizePx ? pngOf(image) : bitmapOf(image);
-        const auto side = static_cast<quint8>(size % 256); // 0 stands for 256
+        const auto side = static_cast<quint8>(size % 256); // 0 means 256
         stream << side << side << quint16{0} << quint16{1} << quint16{32} << static_cast<quint32>(picture.size())
                << static_cast<quint32>(directoryBytes + pictures.size());
         pictures += picture;

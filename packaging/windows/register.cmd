@@ -1,6 +1,6 @@
 @echo off
-rem register.cmd [/q]: registers the ZRThumbnail.dll beside this file as what makes the thumbnails of 3D-printing files,
-rem for all users. register.cmd /u takes it back. With /q it does not wait for a key in the end.
+rem register.cmd [/q]: registers the ZRThumbnail.dll beside this file as the thumbnail handler of 3D-printing files, for
+rem all users. register.cmd /u undoes that. With /q it does not wait for a key at the end.
 setlocal DisableDelayedExpansion
 set "self=%~f0"
 set "server=%~dp0ZRThumbnail.dll"
@@ -31,7 +31,7 @@ if not defined elevated goto elevate
 echo Windows refuses. "zrthumb --check" in this folder may tell why.
 goto failed
 
-rem Once more, with the rights of an administrator, in a window of its own.
+rem Again, with the rights of an administrator, in a window of its own.
 :elevate
 echo Windows asks for an administrator's permission ...
 set "options=/elevated %*"

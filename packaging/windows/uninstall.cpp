@@ -1,8 +1,7 @@
 // uninstall.exe OPTIONS...: runs the uninstaller beside it, uninstaller.exe, waits for it and ends with its status, so
-// that a script knows when all is gone and whether it is. Uninstallers of NSIS do not: they go on from a copy of
-// themselves, and what was started ends at once. Here the uninstaller runs where it is, and what it cannot do, removing
-// its own program and the folder that this is in, is done when it has ended. This program moves out of the folder
-// before.
+// that a script knows when everything is gone and whether it is. Uninstallers of NSIS do not: they go on in a copy of
+// themselves, and the started process ends at once. Here the uninstaller runs in place. What it cannot do, removing its
+// own program and folder, this program does after it has ended. The uninstaller moves this program out of the folder.
 
 #include <string>
 #include <vector>
@@ -19,11 +18,11 @@ constexpr int kFailed = 2;
 constexpr int kRestartNeeded = 3010;
 
 constexpr wchar_t kUninstaller[] = L"\\uninstaller.exe";
-// What tells an uninstaller of NSIS to stay where it is, and the folder to work on. It is the last option.
+// The option that makes an uninstaller of NSIS run in place, with the folder to work on. It has to be the last one.
 constexpr wchar_t kStay[] = L" _?=";
-// What would make it take the rest of its command line for the folder.
+// The option that would make it take the rest of its command line for the folder.
 constexpr wchar_t kFolder[] = L" /D=";
-// With its list an installation is there, without it is not.
+// An installation exists exactly when its list does.
 constexpr wchar_t kList[] = L"\\files.txt";
 
 // A virus scanner may hold a program that has just ended.
@@ -59,7 +58,7 @@ bool isSilent()
     return found;
 }
 
-// In a window, or to whoever started this silently.
+// In a window, or on the error output of a silent run.
 int fail(const std::wstring& text)
 {
     if (!isSilent()) {

@@ -3,14 +3,14 @@
 #
 # A running file browser has the server and Qt loaded, and Windows neither overwrites nor deletes DLLs in use, but lets
 # them be renamed. So the new files are first extracted beside the old ones; then each old file that cannot be deleted
-# moves into a folder of its own, and the new one takes its place. What had to move goes with the next installation,
+# moves into a folder of its own, and the new one replaces it. The moved files are removed by the next installation,
 # uninstallation or start of Windows. Nobody is asked to restart anything.
 
 # The server lives in 64-bit processes, and an installer of the same kind sees their folders and registry as they are.
 # Windows itself refuses to start it where there are none.
 Target amd64-unicode
 SetCompressor /SOLID lzma
-# Both programs have Qt in them; the second one takes little room when the first one is still in sight.
+# Both programs contain Qt; the second one compresses well while the first one is still in the dictionary.
 SetCompressorDictSize 64
 
 !include FileFunc.nsh

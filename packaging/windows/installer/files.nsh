@@ -1,15 +1,15 @@
-# The files of an installation, and lists of them. Every folder of ours has such a list, files.txt: the installation
-# itself, and the two folders that come and go in it. Nothing is removed but by a list, file by file; folders only when
-# they are empty then.
+# The files of an installation, and their lists. Each of our folders has such a list, files.txt: the installation
+# itself, and the two temporary folders in it. Files are only removed one by one, by a list; folders only when they are
+# empty then.
 
 !define LIST "files.txt"
-# The first line of a list of ours; as a path it would not be valid. Those of older versions have none.
+# The first line of our lists, which is not a valid path. Lists of older versions have none.
 !define LIST_MARK "# ${PRODUCT}: files that were installed here, to be removed with it"
 # New files, until the old ones are gone; removed again before an installation ends.
 !define INCOMING "${PRODUCT}.incoming"
-# There, the list that the installation gets next.
+# In that folder, the list that the installation gets next.
 !define NEXT_LIST "files.next"
-# Old files that are in use, until they are not.
+# Old files, while they are in use.
 !define RETIRED "${PRODUCT}.retired"
 
 Var Root          # the folder that the functions below work on
@@ -17,7 +17,7 @@ Var RestartNeeded # "1" when a file could neither be deleted nor renamed
 
 !macro FileFunctions un
 
-# Replaces the path on the stack by what is there: "none", "file", "folder", or "link" for a folder that is elsewhere.
+# Replaces the path on the stack by its kind: "none", "file", "folder", or "link" for a folder that is elsewhere.
 Function ${un}KindOf
     Exch $0
     Push $1
@@ -53,7 +53,7 @@ Function ${un}CutLineEnd
     Pop $0
 FunctionEnd
 
-# Reads the next line of the list that $9 has open into $8, without comments and empty lines; empty at its end.
+# Reads the next line of the list open in $9 into $8, without comments and empty lines; empty at the end of the list.
 Function ${un}ReadLine
     Push $0
     ${Do}
@@ -74,8 +74,8 @@ Function ${un}ReadLine
     Pop $0
 FunctionEnd
 
-# Leaves in $7 why the path $8 is not taken for that of a file below $Root; empty when it is. Anybody may have written
-# the list, and put links in the place of folders.
+# Leaves in $7 why the path $8 is not accepted as a file below $Root; empty when it is. Anybody may have written the
+# list, and replaced folders by links.
 Function ${un}CheckPath
     Push $0
     Push $1
@@ -89,7 +89,7 @@ Function ${un}CheckPath
     ${If} $1 == "\"
         StrCpy $7 "it is no path in this folder"
     ${EndIf}
-    # Windows ignores dots and spaces in the end of a name, so that "... " may be "..".
+    # Windows ignores dots and spaces at the end of a name, so that "... " may be "..".
     StrCpy $0 "$8\"
     !insertmacro RefusePathsWith "\\"
     !insertmacro RefusePathsWith ".\"
@@ -130,7 +130,7 @@ Function ${un}NextFile
     ${LoopUntil} $7 == ""
 FunctionEnd
 
-# Replaces the folder on the stack by "1" when it has a list of ours.
+# Replaces the folder on the stack by "1" when it has one of our lists.
 Function ${un}IsMarked
     Exch $0
     Push $8
@@ -155,8 +155,8 @@ Function ${un}IsMarked
     Exch $0
 FunctionEnd
 
-# Replaces the folder on the stack by "1" when it is an installation: its list has our mark, or, as those of older
-# versions have none, names our server, and the registry has it that we are there.
+# Replaces the folder on the stack by "1" when it is an installation: its list has our mark, or, in older versions
+# without a mark, names our server, and the registry says that we are there.
 Function ${un}IsOurs
     Exch $0
     Push $1
@@ -228,7 +228,7 @@ Function ${un}MakeRetired
     Pop $1
 FunctionEnd
 
-# Takes the file $8 below $Root out of the way, and its folders when it was the last file there.
+# Removes the file $8 below $Root, or moves it aside when it is in use; then removes its folders that are empty.
 Function ${un}RetireFile
     Push $0
     Push $1
@@ -261,7 +261,7 @@ Function ${un}MoveAside
         GetTempFileName $1 "$Root\${RETIRED}"
         Delete $1
         ${GetFileName} $1 $2
-        # First, so that it is never there without being in the list.
+        # Listed first, so that the file is never there without being in the list.
         FileOpen $0 "$Root\${RETIRED}\${LIST}" a
         FileSeek $0 0 END
         FileWrite $0 "$2$\r$\n"
@@ -283,8 +283,8 @@ Function ${un}MoveAside
     ClearErrors
 FunctionEnd
 
-# Removes one of the two folders that come and go, the one on the stack, as far as its files are not in use. One that has
-# no list of ours is not ours. The list goes last, so that this can be interrupted.
+# Removes the temporary folder on the stack, except files in use. A folder without our list is not ours. The list is
+# removed last, so that this can be interrupted.
 Function ${un}RemoveWorkFolder
     Exch $0
     Push $1
@@ -329,7 +329,7 @@ Function ${un}RemoveWorkFolder
     Pop $0
 FunctionEnd
 
-# Takes every file of the installation in $Root out of the way, but for the list itself.
+# Removes every file of the installation in $Root, or moves it aside when it is in use, except the list itself.
 Function ${un}RetireFiles
     Push "$Root\${RETIRED}"
     ${Call} RemoveWorkFolder
@@ -360,7 +360,7 @@ Function ${un}RetireFiles
     ClearErrors
 FunctionEnd
 
-# The list, and the folder when it was the last thing there. A link that somebody else has made stays.
+# Removes the list, and the folder when it is empty then. A link that somebody else has made stays.
 Function ${un}RemoveRoot
     Push $0
     Delete "$Root\${LIST}"
@@ -379,7 +379,7 @@ FunctionEnd
 
 !macroend
 
-# In CheckPath.
+# Part of CheckPath.
 !macro RefusePathsWith text
     StrCpy $1 "${text}"
     System::Call 'shlwapi::StrStrW(w r0, w r1) p .r1'

@@ -1,4 +1,4 @@
-# Where to install: a folder that is ours alone. One that has other files in it gets a folder of ours.
+# Where to install: a folder that is ours alone. Inside one that has other files, we make our own.
 
 Var Folder      # as it is written; NSIS drops characters that it does not like from $INSTDIR
 Var FirstFolder # the topmost folder that is made for the installation
@@ -27,11 +27,11 @@ Function ReadFolderOption
     StrCpy $INSTDIR $Folder
 FunctionEnd
 
-# Writes $Folder as Windows does. Leaves in $0 why it is no folder's path; empty when it is.
+# Writes $Folder as Windows does. Leaves in $0 why it is not a folder's path; empty when it is.
 Function NormaliseFolder
     StrCpy $0 "$Folder is no full path of a folder, such as $PROGRAMFILES64\${PRODUCT}."
     ${WordReplace} $Folder "/" "\" "+" $Folder
-    # "X:\", or "\\" and a server; further colons name streams of files.
+    # "X:\", or "\\" and a server; further colons would name streams of files.
     StrCpy $1 $Folder 2
     StrCpy $2 $Folder 2 1
     ${If} $2 == ":"
@@ -64,7 +64,7 @@ Function NormaliseFolder
     StrCpy $0 ""
 FunctionEnd
 
-# Replaces the folder on the stack by what it is: "free", "ours", "foreign" or "file". A free one has nothing in it but
+# Replaces the folder on the stack by its state: "free", "ours", "foreign" or "file". A free one is empty except for
 # what an interrupted installation, or an uninstallation with files in use, has left.
 Function StateOf
     Exch $0
@@ -95,7 +95,7 @@ Function StateOf
     Exch $0
 FunctionEnd
 
-# Replaces the folder in $0 by "free" or "foreign".
+# Replaces the folder in $0 by its state, "free" or "foreign".
 Function LookInto
     FindFirst $1 $2 "$0\*"
     StrCpy $3 "free"
@@ -118,7 +118,7 @@ Function LookInto
     StrCpy $0 $3
 FunctionEnd
 
-# Makes $INSTDIR the folder that is to be ours. Leaves in $0 why there is none; empty when there is.
+# Sets $INSTDIR to the folder to install in. Leaves in $0 why there is none; empty when there is one.
 Function SettleFolder
     StrCpy $Folder $INSTDIR
     Call NormaliseFolder
@@ -149,7 +149,7 @@ Function SettleFolder
     StrCpy $INSTDIR $Folder
 FunctionEnd
 
-# When the page of the wizard is left.
+# Called when the user leaves the wizard's folder page.
 Function LeaveDirectoryPage
     Push $INSTDIR
     Call SettleFolder
@@ -169,8 +169,7 @@ Function LeaveDirectoryPage
     ${EndIf}
 FunctionEnd
 
-# Leaves in $0 which of the new files, listed in $PLUGINSDIR, has another one in its place in $INSTDIR, or has none; empty
-# when all can be put in.
+# Leaves in $0 why one of the new files, which $PLUGINSDIR lists, cannot be put into $INSTDIR; empty when all can.
 Function FindConflict
     StrCpy $Root $INSTDIR
     StrCpy $0 ""
@@ -220,7 +219,7 @@ Function IsListed
     Pop $9
 FunctionEnd
 
-# Of the folder for new files; after an interrupted installation it goes here.
+# The same for the folder for new files, which is removed here when an interrupted installation has left it.
 Function FindWorkFolderConflict
     Push "$INSTDIR\${INCOMING}"
     Call RemoveWorkFolder
@@ -232,7 +231,7 @@ Function FindWorkFolderConflict
     ${EndIf}
 FunctionEnd
 
-# Notes which folders are made, so that RemoveMadeFolders can remove them again.
+# Notes which folders are new, so that RemoveMadeFolders can remove them again.
 Function NoteFirstFolder
     StrCpy $0 $INSTDIR
     StrCpy $FirstFolder ""

@@ -1,16 +1,16 @@
-# The steps of an installation. Until RetireOldVersion nothing that was there before is touched, and all that was done can
-# be undone.
+# The steps of an installation. Until RetireOldVersion, nothing that was there before is touched, and everything can be
+# undone.
 
 Var ServerBefore # path of the server that was registered before; empty for none
 Var EntryBefore  # not empty when there was an installation before
 
-# Tells the line on the stack, takes back what was done before an old file was touched, and ends.
+# Reports the line on the stack, undoes what was done before an old file was touched, and ends.
 Function GiveUp
     Call Tell
     SetOutPath "$TEMP"
     Push "$INSTDIR\${INCOMING}"
     Call RemoveWorkFolder
-    # Without its list, on a full disk, it is still known as made in this run.
+    # On a full disk it may have no list, but it is known to be from this run.
     RMDir /r "$INSTDIR\${INCOMING}"
     Call RemoveMadeFolders
     ${Note} "result: 2, nothing is changed"
@@ -52,7 +52,7 @@ Function RegisterServer
     Pop $1
 FunctionEnd
 
-# Puts the registration back to what it was before.
+# Restores the previous registration.
 Function RestoreRegistration
     ReadRegStr $0 HKLM "Software\Classes\CLSID\${CLASS_ID}\InprocServer32" ""
     ${If} $ServerBefore == ""
@@ -70,8 +70,7 @@ Function RestoreRegistration
     ${EndIf}
 FunctionEnd
 
-# Where the new server can be registered once, it can be again when it is in its place. Where it cannot, the old version
-# is still there.
+# If the new server can be registered here, it can be again in its final place. If not, the old version is still there.
 Function TryRegistration
     ReadRegStr $ServerBefore HKLM "Software\Classes\CLSID\${CLASS_ID}\InprocServer32" ""
     ReadRegStr $EntryBefore HKLM "${UNINSTALL_KEY}" "UninstallString"
@@ -91,14 +90,14 @@ Function TryRegistration
     ${EndIf}
 FunctionEnd
 
-# Makes the list that lies ready that of the installation, at one stroke: at no time there is none. Leaves "0" in $0 when
-# that is impossible.
+# Makes the prepared list that of the installation, in one step: there is always a list. Leaves "0" in $0 when that is
+# impossible.
 Function PutList
     System::Call 'kernel32::MoveFileExW(w "$INSTDIR\${INCOMING}\${NEXT_LIST}", w "$INSTDIR\${LIST}", i 1) i .r0'
 FunctionEnd
 
-# From here on until the new list is in its place, the list has the old files and the new ones, and what is interrupted
-# is still known as ours.
+# From here until the new list is in its place, the list has the old files and the new ones, so that an interrupted
+# installation is still known as ours.
 Function JoinLists
     CopyFiles /SILENT /FILESONLY "$PLUGINSDIR\${LIST}" "$INSTDIR\${INCOMING}\${NEXT_LIST}"
     ${If} ${FileExists} "$INSTDIR\${LIST}"
@@ -122,7 +121,7 @@ Function JoinLists
     ${EndIf}
 FunctionEnd
 
-# The older version may be in another folder. What the registry has may be anybody's folder.
+# The older version may be in another folder. The folder that the registry names may be anybody's.
 Function RetireOldVersion
     Call JoinLists
     ReadRegStr $Root HKLM "${UNINSTALL_KEY}" "InstallLocation"
@@ -142,7 +141,7 @@ Function RetireOldVersion
     Call RetireFiles
 FunctionEnd
 
-# Tells the line on the stack, removes what is installed by now, and ends. The version before has gone already.
+# Reports the line on the stack, removes what is installed so far, and ends. The previous version has gone already.
 Function Withdraw
     Call Tell
     StrCpy $Root $INSTDIR
@@ -223,7 +222,7 @@ Function AddUninstallEntry
     ${EndIf}
 FunctionEnd
 
-# A terminal with the check that stays open until a key is pressed. Without it, all works as well.
+# A terminal that runs the check and stays open until a key is pressed. Everything works without it, too.
 Function AddShortcut
     SetShellVarContext all
     ReadRegStr $0 HKLM "${UNINSTALL_KEY}" "Shortcut"
@@ -232,7 +231,7 @@ Function AddShortcut
         ${Note} "left alone: ${SHORTCUT}, it is not from ${PRODUCT}"
         Return
     ${EndIf}
-    # What it starts runs in this folder.
+    # The shortcut's program runs in this folder.
     SetOutPath $INSTDIR
     ClearErrors
     CreateShortCut "${SHORTCUT}" "$SYSDIR\cmd.exe" '/c ".\zrthumb.exe --check & pause"' "$INSTDIR\zrthumb.exe" 0 \
@@ -269,7 +268,7 @@ Section
     Call AddUninstallEntry
     Call AddShortcut
     Call TellFileBrowsers
-    # Files that are gone with the next start of Windows are no reason to ask for one.
+    # Files that the next start of Windows removes are no reason to ask for one.
     SetRebootFlag false
     ${If} $RestartNeeded == 1
         SetRebootFlag true

@@ -1,6 +1,6 @@
-# What the registry has of an installation.
+# The registry entries of an installation.
 
-# What the server registers itself with.
+# The class that the server registers.
 !define CLASS_ID "{E45A903D-53AE-4A14-906E-0260D13FF77F}"
 !define LIBRARY_ID "{F473925C-FDEE-42AD-9FC2-C843DB7BA2B2}"
 !define INTERFACE_ID "{9EFBFC7F-30FC-40F7-A73A-EC5036F339B9}"
@@ -21,17 +21,17 @@
     ${EndIf}
 !macroend
 
-# What is ours already stays as it was noted by the version before.
+# A suffix that is ours already keeps what the previous version noted.
 !macro NotePreviousHandler suffix
     !insertmacro NoteHandler "Previous" "${suffix}"
 !macroend
 
-# Whoever else has a suffix now took it after us, and keeps it.
+# Another program that has a suffix now took it after us, and keeps it.
 !macro KeepHandler suffix
     !insertmacro NoteHandler "Current" "${suffix}"
 !macroend
 
-# Gives the suffix back to who had it before us, if that is still there, and takes away keys that are empty now.
+# Gives the suffix back to the handler before us, if that still exists, and removes keys that are empty now.
 !macro GiveBackHandler suffix
     ReadRegStr $0 HKLM "Software\Classes\${suffix}\${HANDLER_KEY}" ""
     ${If} $0 == "${CLASS_ID}"
@@ -54,8 +54,8 @@
 
 !macro RegistrationFunctions un
 
-# HKEY_CLASSES_ROOT shows the user's own classes on top of the machine's, and what is written there may land in the
-# former. In between these two calls it is the machine's alone, for this process.
+# HKEY_CLASSES_ROOT shows the user's own classes on top of the machine's, and what is written there may end up in the
+# former. Between these two calls it shows the machine's alone, for this process.
 Function ${un}UseMachineClasses
     System::Call 'advapi32::RegOpenKeyExW(p ${HKEY_LOCAL_MACHINE}, w "Software\Classes", i 0, i 0xF003F, *p .r9)'
     System::Call 'advapi32::RegOverridePredefKey(p ${HKEY_CLASSES_ROOT}, p r9)'

@@ -1,5 +1,5 @@
-# Options, the log, and how faults are told. In the installer and in the uninstaller, which NSIS keeps apart by the
-# prefix "un.".
+# Options, the log, and how faults are reported. For the installer and the uninstaller, whose functions NSIS
+# distinguishes by the prefix "un.".
 
 !define LOG_MARK "${PRODUCT} setup log"
 
@@ -7,7 +7,7 @@ Var LogPath   # as given by /LOG=
 Var Log       # its handle; empty when there is none
 Var CleanData # "1" when the users' data is to go without a question
 
-# Calls the function of the half that this is in.
+# Calls the function of the program that this is in.
 !macro Call name
     !ifdef __UNINSTALL__
         Call un.${name}
@@ -55,7 +55,7 @@ Function ${un}WriteLog
     Pop $1
 FunctionEnd
 
-# Tells the line on the stack: in a window, or to whoever started this silently.
+# Reports the line on the stack: in a window, or on the error output of a silent run.
 Function ${un}Tell
     Exch $1
     Push $0
@@ -77,7 +77,7 @@ Function ${un}Tell
     Pop $1
 FunctionEnd
 
-# Tells the line on the stack and ends before anything has been done.
+# Reports the line on the stack and ends before anything has been done.
 Function ${un}Refuse
     ${Call} Tell
     ${Note} "result: 2, nothing is changed"
@@ -85,8 +85,8 @@ Function ${un}Refuse
     Quit
 FunctionEnd
 
-# Reads $LogPath and $CleanData from the command line. What cannot be understood is refused: whoever mistyped an option
-# wants something else than what happens without it.
+# Reads $LogPath and $CleanData from the command line. Refuses what it does not know: with a mistyped option, the user
+# wants something else than happens without it.
 Function ${un}ReadOptions
     StrCpy $0 $CMDLINE
     System::Call 'shell32::CommandLineToArgvW(w r0, *i .r1) p .r2'
@@ -125,7 +125,7 @@ Function ${un}ReadOption
     Pop $5
 FunctionEnd
 
-# Nothing but a log from before is written over.
+# Only a log from before is overwritten.
 Function ${un}OpenLog
     ${If} $LogPath == ""
         Return
@@ -152,7 +152,7 @@ Function ${un}OpenLog
             ${Call} Refuse
         ${EndIf}
     ${EndIf}
-    # GENERIC_WRITE, FILE_SHARE_READ, CREATE_ALWAYS. FileOpen would drop characters that it does not like.
+    # GENERIC_WRITE, FILE_SHARE_READ, CREATE_ALWAYS. FileOpen would drop some characters.
     System::Call 'kernel32::CreateFileW(w r4, i 0x40000000, i 1, p 0, i 2, i 0x80, p 0) p .s'
     Pop $Log
     ${If} $Log = -1

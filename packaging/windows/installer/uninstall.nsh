@@ -1,7 +1,7 @@
 # The steps of an uninstallation.
 
-# Jumps to the label when the folder is a link to elsewhere, or is not there. The data folders are the users', the
-# uninstaller's rights are not: it must not be led astray.
+# Jumps to the label when the folder is a link or does not exist. Data folders belong to users without the uninstaller's
+# rights, so it must not follow links in them.
 !macro UnlessFolder folder label
     System::Call 'kernel32::GetFileAttributesW(w "${folder}") i .r1'
     IntOp $1 $1 & 0x400
@@ -27,7 +27,7 @@ done:
     Pop $0
 FunctionEnd
 
-# Those of all users of this machine.
+# Removes the data folders of all users of this machine.
 Function un.RemoveData
     SetShellVarContext current
     Push "$LOCALAPPDATA\${DATA_FOLDER}"
@@ -56,7 +56,7 @@ Function un.AskForData
     ${EndIf}
 FunctionEnd
 
-# Tells the line on the stack and ends.
+# Reports the line on the stack and ends.
 Function un.Fail
     Call un.Tell
     ${Note} "result: 2, nothing is changed"
@@ -93,8 +93,8 @@ Function un.Unregister
     Call un.RemoveKeys
 FunctionEnd
 
-# The program that has started this one waits for its end, so it cannot be deleted. Where the folder for temporary files
-# is on the same drive, it can be moved there, and nothing stays here.
+# The program that has started this one waits for it, so it cannot be deleted. When the folder for temporary files is on
+# the same drive, it can be moved there, and nothing is left here.
 Function un.MoveStarterAway
     ${If} $EXEPATH == "$INSTDIR\uninstaller.exe"
         GetTempFileName $0
