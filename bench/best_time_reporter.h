@@ -9,7 +9,7 @@
 namespace zr::bench
 {
 
-/// Prints as usual and keeps the shortest time of each benchmark, for ratios within one run.
+/// Prints as usual and keeps the best time of each benchmark, for ratios within one run.
 class BestTimeReporter final : public benchmark::ConsoleReporter
 {
 public:

@@ -1,7 +1,7 @@
 // How long the model loaders take from a file in the page cache to finished chunks, as multiples of reading the same
 // file with read(2) into one reused buffer, and how much memory they need beyond their chunks. For OBJ files the
-// reference is tinyobjloader, since how fast a processor copies a file tells little of how fast it reads numbers. The
-// table at the end holds the ratios; the exit status tells whether all are within their limits.
+// reference is tinyobjloader, since how fast a processor copies a file says little about how fast it reads numbers. The
+// table at the end shows the ratios; the exit status says whether all are within their limits.
 
 #include "bench/best_time_reporter.h"
 #include "bench/mesh_models.h"
@@ -51,7 +51,7 @@ void readWhole(const QString& path)
     close(file);
 }
 
-// Lets the next chunk be fresh memory, as that of a host which loads a model once, and not what the model before left.
+// Makes the next chunk use fresh memory, as in a host that loads one model, and not what the previous model left.
 void returnFreedMemory()
 {
     malloc_trim(0);

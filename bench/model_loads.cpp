@@ -49,7 +49,7 @@ qint64 peakResidentBytes()
     return usage.ru_maxrss * 1024;
 }
 
-// tinyobjloader takes 48 times as long as reading the file where the fastest loaders known take 8 times as long.
+// tinyobjloader takes 48 times as long as reading the file; the fastest loaders known take 8 times as long.
 constexpr double kObjPeerRatio = 6.0;
 
 // 8 MiB and the positions, 12 bytes each: half a million for the largest model.

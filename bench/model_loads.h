@@ -13,10 +13,10 @@ struct ModelFormat {
     int (*write)(const QString& path, int triangles); ///< see mesh_models.h
     qint64 (*load)(const QString& path);              ///< loads the file and returns the bytes of its chunks
     bool countsMemset;                                ///< filling the chunks' memory is part of the reference
-    double allowedRatio;                              ///< time of a load against the reference; 0 when any will do
+    double allowedRatio;                              ///< time of a load relative to the reference; 0 for no limit
     double allowedExtraMiB;                           ///< peak memory of a load beyond its chunks
     void (*loadWithPeer)(const QString& path);        ///< with another library, or null
-    double leastPeerRatio;                            ///< the peer's time against that of a load
+    double leastPeerRatio;                            ///< the peer's time relative to that of a load
 };
 
 const std::vector<ModelFormat>& modelFormats();

@@ -1,6 +1,6 @@
-// How long the decoding of the largest preview takes, against what its canvas alone costs: filling it with the
-// background and scaling it down. The last line is the ratio of the two; it has to stay below kAllowedRatio, which the
-// exit status tells.
+// How long the decoding of a preview of max size takes, relative to the cost of its canvas alone: filling it with the
+// background and scaling it down. The last line is the ratio of the two; the exit status says whether it is below
+// kAllowedRatio.
 
 #include "bench/best_time_reporter.h"
 #include "readers/slice/run_length_preview.h"

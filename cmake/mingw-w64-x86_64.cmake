@@ -16,10 +16,10 @@ if(NOT ZRTHUMB_QT_WINDOWS)
     set(ZRTHUMB_QT_WINDOWS "$ENV{ZRTHUMB_QT_WINDOWS}" CACHE PATH "Prefix of a static MinGW-w64 Qt 5.15" FORCE)
 endif()
 if(NOT EXISTS "${ZRTHUMB_QT_WINDOWS}/lib/cmake/Qt5/Qt5Config.cmake")
-    message(FATAL_ERROR "ZRTHUMB_QT_WINDOWS='${ZRTHUMB_QT_WINDOWS}' is no prefix of Qt 5; "
+    message(FATAL_ERROR "ZRTHUMB_QT_WINDOWS='${ZRTHUMB_QT_WINDOWS}' is not a prefix of Qt 5; "
                         "tools/qt-windows makes one and prints it")
 endif()
-# CMake reads this file anew for each of its compiler checks, without the cache.
+# CMake reads this file again for each of its compiler checks, without the cache.
 list(APPEND CMAKE_TRY_COMPILE_PLATFORM_VARIABLES ZRTHUMB_QT_WINDOWS)
 
 list(APPEND CMAKE_FIND_ROOT_PATH /usr/x86_64-w64-mingw32 "${ZRTHUMB_QT_WINDOWS}")

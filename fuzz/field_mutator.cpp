@@ -1,4 +1,4 @@
-// Changes the numbers in an input's header to those at which readers decide, which random changes to bytes rarely hit.
+// Sets the numbers in an input's header to values at which readers decide, which random changes to bytes rarely hit.
 // Linked into targets whose format has such a header.
 
 #include <QtEndian>
@@ -17,8 +17,8 @@ namespace
 // Where the format keeps offsets and counts.
 constexpr int kFields[] = {ZR_FIELD_OFFSETS};
 
-// What an offset leads to is mostly a header again, of four numbers.
-constexpr std::uint32_t kFieldsBehindOffset = 4;
+// An offset usually leads to another header, of four numbers.
+constexpr std::uint32_t kFieldsAtOffset = 4;
 
 class FieldMutator
 {
@@ -34,7 +34,7 @@ public:
         if (field + 4 > m_size)
             return false;
         if (oneIn(2)) {
-            field = qFromLittleEndian<quint32>(m_data + field) + 4 * std::size_t{below(kFieldsBehindOffset)};
+            field = qFromLittleEndian<quint32>(m_data + field) + 4 * std::size_t{below(kFieldsAtOffset)};
             if (field + 4 > m_size)
                 return false;
         }

@@ -32,7 +32,7 @@ inline MemoryFigures scarceMemory()
     return {quint64{1} << 40U, 90};
 }
 
-/// Parses the file with the mesh; false when an error key ended that.
+/// Parses the file with the mesh; false when that threw an error key.
 template <typename MeshType>
 bool parses(MeshType& mesh, QFile& file)
 {
@@ -44,8 +44,7 @@ bool parses(MeshType& mesh, QFile& file)
     }
 }
 
-/// Parses the input in a file, and checks that the chunks hold whole records. `recordFloats`: what a chunk may end
-/// after.
+/// Parses the input as a file, and checks that the chunks hold whole records of `recordFloats` floats.
 template <typename MeshType>
 bool parses(MeshType& mesh, const QByteArray& input, int recordFloats)
 {
@@ -62,7 +61,7 @@ bool parses(MeshType& mesh, const QByteArray& input, int recordFloats)
     return parsed;
 }
 
-/// Parses the input on machines with too little memory. What comes out is an error or what needed none.
+/// Parses the input on machines with too little memory. It either fails or needed no memory.
 template <typename MeshType>
 void parseWithoutMemory(const QByteArray& input, int recordFloats)
 {

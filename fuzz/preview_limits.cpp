@@ -12,18 +12,18 @@ namespace
 
 constexpr qint32 kMaxSide = 150;
 
-// The signed number at `offset`; 0 when the input does not reach so far.
+// The signed number at `offset`; 0 when that is outside the input.
 qint64 fieldAt(const QByteArray& input, qint64 offset)
 {
     return offset >= 0 && offset + 4 <= input.size() ? qFromLittleEndian<qint32>(input.constData() + offset) : 0;
 }
 
-// `headOffset` is where the preview's header is in the file, `behindHead` where the reader looks when that is
+// `headOffset` is where the preview's header is in the file, `defaultHead` where the reader looks when that is
 // negative.
-void limitPreviewSize(QByteArray& input, qint64 headOffset, qint64 behindHead)
+void limitPreviewSize(QByteArray& input, qint64 headOffset, qint64 defaultHead)
 {
     constexpr qint32 kMaxValidSide = 10000;
-    const qint64 head = headOffset < 0 ? behindHead : headOffset;
+    const qint64 head = headOffset < 0 ? defaultHead : headOffset;
     for (const qint64 field : {head, head + 4}) {
         const auto side = static_cast<qint32>(fieldAt(input, field));
         if (side > kMaxSide && side <= kMaxValidSide)
@@ -57,7 +57,7 @@ void limitGf(QByteArray& input)
     limitPreviewSize(input, fieldAt(input, 48), 216);
 }
 
-// A BMP file of few bytes may announce 16384 x 16384 pixels.
+// A BMP file of few bytes may claim 16384 x 16384 pixels.
 void limitSvgx(QByteArray& input)
 {
     constexpr qint64 kMaxPixels = 1 << 16;

@@ -6,8 +6,8 @@
 namespace zr::fuzz
 {
 
-/// Valid pictures of the maximum size are right, but take so long that nothing else would be tried. This makes them
-/// small ones in an input of the format, wherever its reader would find the size.
+/// Pictures of the max size are valid, but take so long that little else would be tried. This makes them small in an
+/// input of the format, wherever its reader finds the size.
 void limitPreview(const QString& suffix, QByteArray& input);
 
 } // namespace zr::fuzz

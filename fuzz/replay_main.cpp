@@ -1,5 +1,5 @@
 // Runs a fuzz target over the files of the folders that are named on the command line and over all sample files, so
-// that inputs which once led somewhere are tried again without a fuzzing engine. A finding ends the process.
+// that inputs that once found something are tried again without a fuzzing engine. A finding ends the process.
 
 #include "tools/samples/sample_files.h"
 
@@ -19,7 +19,7 @@ void run(const QByteArray& input)
                            static_cast<std::size_t>(input.size()));
 }
 
-// Runs all files of the folder and returns how many those are.
+// Runs all files of the folder and returns their number.
 int replayFolder(const QDir& folder)
 {
     const QStringList names = folder.entryList(QDir::Files, QDir::Name);

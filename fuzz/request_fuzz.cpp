@@ -27,7 +27,7 @@ void require(bool condition)
         std::abort();
 }
 
-// The folder of the source files, beside which the data folder lies. Only one file, row and picture per suffix exist.
+// The folder of the source files, beside the data folder. Only one file, row and picture per suffix exist.
 const QString& sourceFolder()
 {
     static const QTemporaryDir folder;
@@ -58,8 +58,8 @@ void write(const QString& path, const QByteArray& bytes)
     require(file.open(QIODevice::WriteOnly | QIODevice::Truncate) && file.write(bytes) == bytes.size());
 }
 
-// Whether the request succeeded; then its picture is there, and the next request finds it. What it may throw is the
-// lack of memory that a file claims.
+// Whether the request succeeded; then its picture exists, and the next request finds it. It may only throw because a
+// file claims more memory than there is.
 bool requestSucceeds(const QString& path, const QString& png)
 {
     try {

@@ -1,5 +1,5 @@
-// The reader of the suffix ZR_SUFFIX. An empty input stands for a file that is gone. What comes out is a square picture
-// or none; all that it may throw is the lack of memory that files may claim.
+// The reader of the suffix ZR_SUFFIX. An empty input means a missing file. The result is a square picture or none; it
+// may only throw because a file claims more memory than there is.
 
 #include "core/job/reader_table.h"
 #include "fuzz/input_file.h"

@@ -107,7 +107,7 @@ const SolidShape& shapeOf(Solid solid)
     return shapes[static_cast<int>(solid)];
 }
 
-// How the surface lies at one height.
+// The surface at one height.
 struct Slice {
     double radius, slope;
 };

@@ -6,7 +6,7 @@
 namespace zr::samples
 {
 
-/// What an fdg file is made of. What is not set gets the value of a valid file.
+/// The parts of an fdg file. Unset ones get the values of a valid file.
 struct FdgParts {
     PreviewParts preview;
     std::optional<qint32> previewHeadOffset;

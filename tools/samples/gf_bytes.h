@@ -6,7 +6,7 @@
 namespace zr::samples
 {
 
-/// What a gf file is made of. What is not set gets the value of a valid file.
+/// The parts of a gf file. Unset ones get the values of a valid file.
 struct GfParts {
     PreviewParts preview;
     std::optional<qint32> previewHeadOffset;

@@ -23,7 +23,7 @@ ModelPoint point(double x, double y, double z)
 /// A closed outline at one height, anticlockwise.
 using Ring = std::vector<ModelPoint>;
 
-// The band between two rings of equally many points, seen from outside when `upper` lies above.
+// The band between two rings of equally many points, seen from outside when `upper` is above.
 void addBand(std::vector<ModelTriangle>& triangles, const Ring& lower, const Ring& upper)
 {
     for (std::size_t i = 0; i < lower.size(); ++i) {
@@ -98,12 +98,12 @@ std::vector<ModelTriangle> twistedVase()
 namespace
 {
 
-/// A round body along a bent axis: where its middle is at each share of its length, and how thick it is there.
+/// A round body along a bent axis: its middle and its radius at each share of its length.
 struct Body {
     ModelPoint (*middle)(double share);
     double (*radius)(double share);
     /// The axis runs along x, or along z.
-    bool lies;
+    bool isLying;
 };
 
 // Points go around the axis while they move along it, like a thread.
@@ -113,15 +113,15 @@ void addBody(IndexedModel& model, const Body& body)
     constexpr int turns = 40;
     constexpr int count = around * turns;
     const int first = static_cast<int>(model.points.size());
-    // One more than is needed, for those who take each triangle's next points.
+    // One more than is needed, for programs that take the next point of each corner.
     for (int i = 0; i <= count; ++i) {
         const double share = std::min(i / static_cast<double>(count - 1), 1.0);
         const double angle = kTurn * (i % around) / around;
         const ModelPoint m = body.middle(share);
         const double r = body.radius(share);
         const double c = r * std::cos(angle), s = r * std::sin(angle);
-        model.points.push_back(body.lies ? point(m[0], double{m[1]} + c, double{m[2]} + s)
-                                         : point(double{m[0]} + c, double{m[1]} + s, m[2]));
+        model.points.push_back(body.isLying ? point(m[0], double{m[1]} + c, double{m[2]} + s)
+                                            : point(double{m[0]} + c, double{m[1]} + s, m[2]));
     }
     for (int i = first; i + around + 1 < first + count; ++i) {
         model.triangles.push_back({i, i + 1, i + around + 1});

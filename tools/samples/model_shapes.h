@@ -26,8 +26,8 @@ struct IndexedModel {
     std::vector<std::array<int, 3>> triangles;
 };
 
-/// A bath duck that looks to +x. Its points go round and round each part without a break, so that triangles which refer
-/// to the respective next point show the same duck: programs that count points from 0 and from 1 agree on it.
+/// A bath duck that looks to +x. Its points wind around each part without a break, so that triangles which use the next
+/// point of each corner show the same duck: programs that count points from 0 and from 1 agree on it.
 IndexedModel duck();
 
 using ContourPoint = std::array<float, 2>;

@@ -10,7 +10,7 @@
 namespace zr::samples
 {
 
-/// What a photons file is made of. What is not set gets the value of a valid file.
+/// The parts of a photons file. Unset ones get the values of a valid file.
 struct PhotonsParts {
     QByteArray version = "2.1";
     std::optional<quint32> versionLength;

@@ -69,13 +69,13 @@ PreviewParts runLengthPreview(const QImage& picture)
 
 void putPreview(QByteArray& bytes, int headOffset, const PreviewParts& preview)
 {
-    const int behindHead = headOffset + kPreviewHeadBytes;
+    const int afterHead = headOffset + kPreviewHeadBytes;
     putLittleEndian<qint32>(bytes, headOffset, preview.width);
     putLittleEndian<qint32>(bytes, headOffset + 4, preview.height);
-    putLittleEndian<qint32>(bytes, headOffset + 8, preview.dataOffset.value_or(behindHead));
+    putLittleEndian<qint32>(bytes, headOffset + 8, preview.dataOffset.value_or(afterHead));
     putLittleEndian<qint32>(bytes, headOffset + 12, preview.dataSize.value_or(preview.data.size()));
     putBytes(bytes, headOffset + 16, QByteArray(kPreviewHeadBytes - 16, '\0'));
-    putBytes(bytes, behindHead, preview.data);
+    putBytes(bytes, afterHead, preview.data);
 }
 
 } // namespace zr::samples

@@ -8,7 +8,7 @@
 namespace zr::samples
 {
 
-/// What an slc file is made of.
+/// The parts of an slc file.
 struct SlcParts {
     QByteArray head = "-SLCVER 2.0 -UNIT MM -TYPE PART -PACKAGE sample";
     QByteArray reserved = QByteArray(256, ' ');
@@ -25,7 +25,7 @@ struct SlcParts {
 
 QByteArray slcBytes(const SlcParts& parts);
 
-/// One boundary with as many points as there are, or with another count in its head.
+/// One boundary. `announced` is the number of points in its head, by default the real one.
 QByteArray slcBoundary(const std::vector<ContourPoint>& points);
 QByteArray slcBoundary(const std::vector<ContourPoint>& points, quint32 announced);
 
@@ -35,7 +35,7 @@ QByteArray slcLayer(float z, const QByteArray& boundaries, quint32 announced);
 /// The file up to its first layer.
 QByteArray slcHead(const SlcParts& parts);
 
-/// The end mark behind the last layer.
+/// The end mark after the last layer.
 QByteArray slcEnd();
 
 std::vector<SampleFile> slcSamples();

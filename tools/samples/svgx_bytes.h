@@ -10,7 +10,7 @@
 namespace zr::samples
 {
 
-/// What an svgx file is made of. What is not set gets the value of a valid file.
+/// The parts of an svgx file. Unset ones get the values of a valid file.
 struct SvgxParts {
     QByteArray bmp; ///< filled up with zeroes to the length that every preview has
     std::optional<qint32> previewOffset;

@@ -6,7 +6,7 @@
 namespace zr::samples
 {
 
-/// What a vrx file is made of. What is not set gets the value of a valid file.
+/// The parts of a vrx file. Unset ones get the values of a valid file.
 struct VrxParts {
     /// Dlp has offsets in its header; the others have the preview at a fixed place.
     enum class Layout { Dlp, PreviewAt328, PreviewAt336 };
