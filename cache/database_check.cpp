@@ -28,8 +28,7 @@ public:
         database = QSqlDatabase();
         QSqlDatabase::removeDatabase(m_name);
     }
-    Connection(const Connection&) = delete;
-    Connection& operator=(const Connection&) = delete;
+    Q_DISABLE_COPY(Connection)
 
     // The first value of the statement's result; null when it fails or has none.
     QVariant value(const QString& statement) const

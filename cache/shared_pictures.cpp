@@ -26,8 +26,7 @@ public:
         database.open();
     }
     ~CacheConnection() { QSqlDatabase::removeDatabase(name()); }
-    CacheConnection(const CacheConnection&) = delete;
-    CacheConnection& operator=(const CacheConnection&) = delete;
+    Q_DISABLE_COPY(CacheConnection)
 
     // Never valid when the database is not open.
     static QSqlQuery query() { return QSqlQuery(QString(), QSqlDatabase::database(name())); }

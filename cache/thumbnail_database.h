@@ -45,8 +45,7 @@ public:
     /// table when it is missing. After a failure, which is logged, every operation returns null or false.
     explicit ThumbnailDatabase(const QString& path);
     ~ThumbnailDatabase();
-    ThumbnailDatabase(const ThumbnailDatabase&) = delete;
-    ThumbnailDatabase& operator=(const ThumbnailDatabase&) = delete;
+    Q_DISABLE_COPY(ThumbnailDatabase)
 
     // A text with an apostrophe cannot be part of a statement: looking it up returns null, and recording it fails.
 

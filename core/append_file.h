@@ -13,8 +13,7 @@ class AppendFile
 public:
     AppendFile() = default;
     ~AppendFile();
-    AppendFile(const AppendFile&) = delete;
-    AppendFile& operator=(const AppendFile&) = delete;
+    Q_DISABLE_COPY(AppendFile)
 
     bool isOpen() const { return m_handle != kClosed; }
 

@@ -35,8 +35,7 @@ public:
         if (m_taken)
             UnlockFile(m_file, 0, kHighOffset, 1, 0);
     }
-    Turn(const Turn&) = delete;
-    Turn& operator=(const Turn&) = delete;
+    Q_DISABLE_COPY(Turn)
 
 private:
     static constexpr DWORD kHighOffset = 0x40000000;

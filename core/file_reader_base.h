@@ -27,8 +27,7 @@ class FileReaderBase
 public:
     explicit FileReaderBase(const QString& filePath);
     virtual ~FileReaderBase();
-    FileReaderBase(const FileReaderBase&) = delete;
-    FileReaderBase& operator=(const FileReaderBase&) = delete;
+    Q_DISABLE_COPY(FileReaderBase)
 
     /// Opens and parses the source file. Throws an error key.
     virtual void readFile() = 0;

@@ -34,8 +34,7 @@ public:
     /// uses the instance; the next instance() starts afresh.
     static void end();
 
-    LogFile(const LogFile&) = delete;
-    LogFile& operator=(const LogFile&) = delete;
+    Q_DISABLE_COPY(LogFile)
     ~LogFile() = default;
 
     /// Makes this the calling thread's instance and sets the path: `path` when it names a regular file, else the

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <QtGlobal>
+
 namespace zr
 {
 
@@ -10,8 +12,7 @@ class Interruption
 public:
     Interruption();
     ~Interruption();
-    Interruption(const Interruption&) = delete;
-    Interruption& operator=(const Interruption&) = delete;
+    Q_DISABLE_COPY(Interruption)
 
     /// Whether the program is to end.
     bool isRequested() const;

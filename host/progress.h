@@ -20,8 +20,7 @@ public:
     explicit Progress(bool quiet);
     /// Erases the line.
     ~Progress();
-    Progress(const Progress&) = delete;
-    Progress& operator=(const Progress&) = delete;
+    Q_DISABLE_COPY(Progress)
 
     /// Shows how many files a walk through folders has found so far.
     void showListing(int found);

@@ -40,8 +40,7 @@ public:
     /// `perspective`: view from 30 degrees above, turned by 41.5 degrees; otherwise orthographic along +Y.
     explicit OffscreenRenderer(bool perspective);
     ~OffscreenRenderer();
-    OffscreenRenderer(const OffscreenRenderer&) = delete;
-    OffscreenRenderer& operator=(const OffscreenRenderer&) = delete;
+    Q_DISABLE_COPY(OffscreenRenderer)
 
     /// Whether chunks hold positions only.
     bool usesGeometryShader() const { return m_useGeometryShader; }

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <QtGlobal>
+
 #include <cfenv>
 
 #include <windows.h>
@@ -18,8 +20,7 @@ class HostState
 public:
     HostState();
     ~HostState();
-    HostState(const HostState&) = delete;
-    HostState& operator=(const HostState&) = delete;
+    Q_DISABLE_COPY(HostState)
 
 private:
     std::fenv_t m_x87 = {};

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <QtGlobal>
+
 namespace zr
 {
 
@@ -10,8 +12,7 @@ class ModuleLock
 public:
     ModuleLock() { add(); }
     ~ModuleLock() { remove(); }
-    ModuleLock(const ModuleLock&) = delete;
-    ModuleLock& operator=(const ModuleLock&) = delete;
+    Q_DISABLE_COPY(ModuleLock)
 
     static void add();
     static void remove();

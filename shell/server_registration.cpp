@@ -38,8 +38,7 @@ class TypeLibrary
 {
 public:
     explicit TypeLibrary(const std::wstring& path) { m_result = LoadTypeLib(path.c_str(), &m_library); }
-    TypeLibrary(const TypeLibrary&) = delete;
-    TypeLibrary& operator=(const TypeLibrary&) = delete;
+    Q_DISABLE_COPY(TypeLibrary)
     ~TypeLibrary()
     {
         if (m_attributes)

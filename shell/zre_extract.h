@@ -21,8 +21,7 @@ public:
     /// Makes an object and asks it for `iid`; with an outer object, `iid` has to be IUnknown.
     static HRESULT create(IUnknown* outer, REFIID iid, void** object);
 
-    CZReExtract(const CZReExtract&) = delete;
-    CZReExtract& operator=(const CZReExtract&) = delete;
+    Q_DISABLE_COPY(CZReExtract)
 
     HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** object) override;
     ULONG STDMETHODCALLTYPE AddRef() override;

@@ -14,8 +14,7 @@ class CheckConnection
 public:
     CheckConnection();
     ~CheckConnection();
-    CheckConnection(const CheckConnection&) = delete;
-    CheckConnection& operator=(const CheckConnection&) = delete;
+    Q_DISABLE_COPY(CheckConnection)
 
     /// The first column of the statement's result, with `value` for its placeholder "?" if it has one.
     QStringList texts(const QString& statement, const QVariant& value = {});

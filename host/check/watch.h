@@ -1,5 +1,7 @@
 #pragma once
 
+#include <QtGlobal>
+
 #include <condition_variable>
 #include <mutex>
 #include <thread>
@@ -14,8 +16,7 @@ class CheckWatch
 public:
     CheckWatch();
     ~CheckWatch();
-    CheckWatch(const CheckWatch&) = delete;
-    CheckWatch& operator=(const CheckWatch&) = delete;
+    Q_DISABLE_COPY(CheckWatch)
 
     /// A check begins, and the one before has ended. Both texts must outlive this object.
     void begin(const char* what, const char* whenStuck);

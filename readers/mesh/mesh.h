@@ -40,8 +40,7 @@ struct Bounds;
 class Mesh
 {
 public:
-    Mesh(const Mesh&) = delete;
-    Mesh& operator=(const Mesh&) = delete;
+    Q_DISABLE_COPY(Mesh)
 
     /// The chunks in drawing order; they stay the mesh's own.
     const TriangleChunks& chunks() const { return m_chunks; }

@@ -22,8 +22,7 @@ public:
     /// Keeps the mesh and the renderer for the life of the process.
     ~StlFileThumbnail() override;
 
-    StlFileThumbnail(const StlFileThumbnail&) = delete;
-    StlFileThumbnail& operator=(const StlFileThumbnail&) = delete;
+    Q_DISABLE_COPY(StlFileThumbnail)
 
     QImage previewImage() override;
 };
