@@ -11,7 +11,7 @@ namespace zr::test
 namespace
 {
 
-// Caches and logs that users already have lie under these names.
+// Existing caches and logs have these names.
 TEST(DataLocationTest, NamesBelowTheGenericDataLocation)
 {
     const QString base = QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation);

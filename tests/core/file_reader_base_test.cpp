@@ -43,7 +43,7 @@ public:
     QString previewKey;
     ReadFailure failure{{0, "", FailureLine::Rest::None, ""}, nullptr};
     QImage picture;
-    QImage partial; // what there is of a picture when readFile() fails
+    QImage partial; // the picture so far when readFile() fails
 };
 
 class FileReaderBaseTest : public DataFolderTest
@@ -85,7 +85,7 @@ class HandledKeyTest : public FileReaderBaseTest, public ::testing::WithParamInt
 {
 };
 
-TEST_P(HandledKeyTest, GivesANullPictureAndOneLine)
+TEST_P(HandledKeyTest, MakesANullPictureAndOneLine)
 {
     ProbeReader reader(m_source.fileName());
     reader.key = GetParam().key;

@@ -13,7 +13,7 @@ namespace zr::test
 namespace
 {
 
-constexpr qint64 kMostBytes = 104857600; // 100 MiB
+constexpr qint64 kMaxBytes = 104857600; // 100 MiB
 
 class LogFileTest : public DataFolderTest
 {
@@ -89,15 +89,15 @@ TEST_F(LogFileTest, InitCreatesNothing)
 TEST_F(LogFileTest, LogOfExactlyTheLimitIsKept)
 {
     createDataFolder();
-    makeLogOfSize(kMostBytes);
+    makeLogOfSize(kMaxBytes);
     LogFile::instance()->init(QString());
-    EXPECT_EQ(QFileInfo(defaultLogPath()).size(), kMostBytes);
+    EXPECT_EQ(QFileInfo(defaultLogPath()).size(), kMaxBytes);
 }
 
-TEST_F(LogFileTest, LogPastTheLimitIsDeletedAndStartedAnew)
+TEST_F(LogFileTest, LogPastTheLimitIsDeletedAndRestarted)
 {
     createDataFolder();
-    makeLogOfSize(kMostBytes + 1);
+    makeLogOfSize(kMaxBytes + 1);
     LogFile::instance()->init(QString());
     EXPECT_FALSE(QFileInfo::exists(defaultLogPath()));
     LogFile::instance()->write(QStringLiteral("first"));
@@ -123,14 +123,14 @@ TEST_F(LogFileTest, EndClosesTheFile)
     LogFile::instance()->init(QString());
     LogFile::instance()->write(QStringLiteral("one"));
     LogFile::end();
-    // An open file would go on writing under its new name.
+    // Lines for a file that is still open would go to it under its new name.
     ASSERT_TRUE(QFile::rename(defaultLogPath(), defaultLogPath() + ".old"));
     LogFile::instance()->init(QString());
     LogFile::instance()->write(QStringLiteral("two"));
     EXPECT_EQ(logMessages(), QStringList({"two"}));
 }
 
-TEST_F(LogFileTest, OpenFileKeepsItsNameOverInit)
+TEST_F(LogFileTest, InitKeepsTheOpenFile)
 {
     createDataFolder();
     const QTemporaryDir elsewhere;
@@ -147,7 +147,7 @@ TEST_F(LogFileTest, OpenFileKeepsItsNameOverInit)
     EXPECT_EQ(QFileInfo(other).size(), 0);
 }
 
-TEST_F(LogFileTest, PathIsTakenOnlyWhenItNamesARegularFile)
+TEST_F(LogFileTest, PathIsUsedOnlyIfItNamesARegularFile)
 {
     createDataFolder();
     const QTemporaryDir elsewhere;
@@ -160,7 +160,7 @@ TEST_F(LogFileTest, PathIsTakenOnlyWhenItNamesARegularFile)
     EXPECT_FALSE(QFileInfo::exists(elsewhere.filePath("missing.log")));
 }
 
-TEST_F(LogFileTest, RegularFileThatIsNamedIsTheLog)
+TEST_F(LogFileTest, NamedRegularFileIsTheLog)
 {
     createDataFolder();
     const QTemporaryDir elsewhere;
@@ -172,7 +172,7 @@ TEST_F(LogFileTest, RegularFileThatIsNamedIsTheLog)
     EXPECT_GT(QFileInfo(other).size(), 0);
     EXPECT_FALSE(QFileInfo::exists(defaultLogPath()));
 
-    makeLogOfSize(kMostBytes + 1, other);
+    makeLogOfSize(kMaxBytes + 1, other);
     LogFile::instance()->init(other);
     EXPECT_FALSE(QFileInfo::exists(other));
 }

@@ -1,4 +1,4 @@
-// What the table of formats promises to users' registries and caches.
+// Users' registries and caches depend on the table of formats.
 
 #include "core/job/reader_table.h"
 #include "readers/mesh/obj_file_thumbnail.h"
@@ -19,14 +19,14 @@ namespace zr::test
 namespace
 {
 
-// In the order in which Windows registers them.
+// In the order of registration.
 TEST(FormatsTest, TheServerIsRegisteredForElevenSuffixes)
 {
     EXPECT_EQ(registeredSuffixes(), QStringList({"stl", "slc", "vrxdlp", "vrx", "fdg", "gf", "photon", "photons",
                                                  "svgx", "kestravo", "obj"}));
 }
 
-TEST(FormatsTest, AllThatIsRegisteredIsReadButForPhoton)
+TEST(FormatsTest, AllRegisteredSuffixesExceptPhotonHaveAReader)
 {
     QStringList unread = registeredSuffixes();
     for (const QString& suffix : supportedSuffixes())

@@ -58,7 +58,7 @@ protected:
         return QImage(png(name)).convertToFormat(QImage::Format_RGB888);
     }
 
-    // Runs a request of its own and shows its lines alone.
+    // Runs a request; afterwards the log has only its lines.
     static bool run(const QString& path)
     {
         restartLog();
@@ -145,7 +145,7 @@ TEST_F(ThumbnailJobTest, OtherSizeMakesANewPicture)
     EXPECT_EQ(cachedPicture("a.vrxvrx.png"), makeReader("vrx", path)->getImage());
 }
 
-TEST_F(ThumbnailJobTest, DeletedPngIsMadeAnew)
+TEST_F(ThumbnailJobTest, DeletedPngIsMadeAgain)
 {
     const QString path = source("a.vrx");
     ASSERT_TRUE(run(path));
@@ -155,7 +155,7 @@ TEST_F(ThumbnailJobTest, DeletedPngIsMadeAnew)
     EXPECT_FALSE(QImage(png("a.vrxvrx.png")).isNull());
 }
 
-TEST_F(ThumbnailJobTest, SuffixIsMatchedWithoutCaseAndDoubledAsItIs)
+TEST_F(ThumbnailJobTest, SuffixIsMatchedWithoutCaseAndDoubledUnchanged)
 {
     const std::pair<const char*, const char*> cases[] = {
         {"Part.VRX", "Part.VRXVRX.png"},
@@ -244,7 +244,7 @@ TEST_F(ThumbnailJobTest, PngThatCannotBeWrittenLeavesNoRow)
     EXPECT_EQ(row(path), "||||");
 }
 
-TEST_F(ThumbnailJobTest, DatabaseThatIsNoneFailsAfterThePngIsMade)
+TEST_F(ThumbnailJobTest, InvalidDatabaseFailsAfterThePngIsMade)
 {
     const QString path = source("a.vrx");
     writeFile(defaultDatabasePath(), QByteArray(1000, 'x'));
@@ -263,7 +263,7 @@ TEST_F(ThumbnailJobTest, ReaderFailureLeavesNoPngAndNoRow)
     EXPECT_EQ(row(path), "||||");
 }
 
-TEST_F(ThumbnailJobTest, ErrorsThatAreNoKeysLeaveTheJob)
+TEST_F(ThumbnailJobTest, ErrorsThatAreNotKeysLeaveTheJob)
 {
     samples::VrxParts parts;
     parts.preview.width = 2;
