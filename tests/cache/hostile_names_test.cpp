@@ -1,5 +1,5 @@
-// File names that are made to become a part of a statement: no name reads, changes or removes the row of another file,
-// or the table. The statements below are what such a name would make without the database's refusal.
+// File names that try to become part of a statement: no name reads, changes or removes another file's row or the table.
+// The comments say what a name would do if the database did not refuse it.
 
 #include "cache/thumbnail_database.h"
 
@@ -59,7 +59,7 @@ protected:
         m_rows = rows();
     }
 
-    // Other requests are answered as before.
+    // Other files keep their rows.
     void expectVictimsUntouched(const QStringList& rowsNow)
     {
         EXPECT_EQ(rowsNow, m_rows);
@@ -74,7 +74,7 @@ class NamesWithApostropheTest : public HostileNamesTest
 {
 };
 
-TEST_P(NamesWithApostropheTest, AreNotRecordedAndReachNoOtherRow)
+TEST_P(NamesWithApostropheTest, AreNotRecordedAndAffectNoOtherRow)
 {
     const QString name = GetParam();
     {
@@ -84,7 +84,7 @@ TEST_P(NamesWithApostropheTest, AreNotRecordedAndReachNoOtherRow)
         EXPECT_FALSE(database.saveRecord(name, recordOf(name)));
         EXPECT_FALSE(database.insertRecord(recordOf(name)));
         EXPECT_FALSE(database.updateRecord(name, recordOf(name)));
-        // Also where only the picture's name holds it, as in a profile folder with an apostrophe.
+        // Also if only the picture's path has it, as in a profile folder with an apostrophe.
         ThumbnailRecord picture = recordOf("/d.stl");
         picture.thumPath = name;
         EXPECT_FALSE(database.insertRecord(picture));
@@ -97,20 +97,20 @@ INSTANTIATE_TEST_SUITE_P(
     Names, NamesWithApostropheTest,
     ::testing::Values(
         "/it's.stl", "'", "/''.stl", "/it''s.stl", // the last two would be recorded under another name
-        "/x' or 1 or '.stl",                       // would take the picture of another file, then change all rows
+        "/x' or 1 or '.stl",                       // would get the picture of another file, then change all rows
         "/x' or 'a'='a' or '.stl", "/x'--.stl", "/x' or 1--.stl",
-        "/x' union select char(47),0,char(47),1,2--.stl", // would answer what it wants
+        "/x' union select char(47),0,char(47),1,2--.stl", // would return any row it likes
         "/x',0,char(47)||'a.stl',1,2) on conflict(filePath) do update set fileSize=7--.stl", // would change one row
         "/x', thumTime = 9 where 1--.stl", "/x'; drop table thumbnail;--.stl",
         "/x'; delete from thumbnail where '1'='1", "/x';attach database 'y' as z;--.stl", "/x%1'%2.stl",
         "/x\n' or 1 or '.stl"));
 
-// Everything else is a text to SQLite, whatever it looks like.
+// Everything else is plain text to SQLite.
 class NamesWithoutApostropheTest : public HostileNamesTest
 {
 };
 
-TEST_P(NamesWithoutApostropheTest, AreRecordedAsTheyAre)
+TEST_P(NamesWithoutApostropheTest, AreRecordedUnchanged)
 {
     const QString name = QString::fromUtf8(GetParam());
     ThumbnailRecord record = recordOf(name);
@@ -147,7 +147,7 @@ TEST_F(HostileNamesTest, LongNamesAreRecorded)
     expectVictimsUntouched(found);
 }
 
-// No path of a file holds a zero character; one that did would cut the statement in the middle of a text.
+// No path of a file contains a zero character; one that did would end the statement in the middle of a string.
 TEST_F(HostileNamesTest, ZeroCharacterMakesTheStatementFail)
 {
     const QString name = QStringLiteral("/a.stl") + QChar(0) + QStringLiteral("x.stl");
@@ -160,9 +160,9 @@ TEST_F(HostileNamesTest, ZeroCharacterMakesTheStatementFail)
     expectVictimsUntouched(rows());
 }
 
-// SQLite takes half a surrogate pair together with whatever stands behind it. At the end of a text that would be the
-// apostrophe of the statement, so the texts are looked at in their middle and at their end.
-TEST_F(HostileNamesTest, HalfASurrogatePairSwallowsNoMoreThanItsOwnName)
+// SQLite joins half a surrogate pair with the next character. At the end of a string that is the statement's
+// apostrophe, so both the middle and the end of strings are tested.
+TEST_F(HostileNamesTest, HalfASurrogatePairStaysInsideItsName)
 {
     for (const int half : {0xD800, 0xDBFF, 0xDC00, 0xDFFF}) {
         const QString within = QStringLiteral("/x") + QChar(half) + QStringLiteral("y.stl");

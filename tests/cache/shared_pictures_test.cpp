@@ -35,7 +35,7 @@ protected:
     }
 };
 
-TEST_F(SharedPicturesTest, OnlyRowsThatShareTheirPngAreMadeStale)
+TEST_F(SharedPicturesTest, OnlyRowsThatShareTheirPngBecomeStale)
 {
     createDataFolder();
     addRow("/a/part.stl", "/i/part.png");
@@ -48,7 +48,7 @@ TEST_F(SharedPicturesTest, OnlyRowsThatShareTheirPngAreMadeStale)
     EXPECT_TRUE(isStale("/a/part.stl"));
     EXPECT_FALSE(isStale("/b/part.stl"));
     EXPECT_FALSE(isStale("/d/other.stl"));
-    // Where capitals make no difference, these two are one file.
+    // In a case-insensitive file system these two are one file.
     pictures.prepare("/c/Part.stl");
     EXPECT_TRUE(isStale("/c/Part.stl"));
 }
@@ -68,7 +68,7 @@ TEST_F(SharedPicturesTest, PngThatWasHandedOutForAnotherFileIsShared)
     EXPECT_TRUE(isStale("/b/part.stl"));
 }
 
-TEST_F(SharedPicturesTest, NothingIsMadeOrChangedWithoutACache)
+TEST_F(SharedPicturesTest, MissingCacheIsNotCreated)
 {
     SharedPictures().prepare("/a/part.stl");
     EXPECT_FALSE(QFileInfo::exists(dataFolder()));

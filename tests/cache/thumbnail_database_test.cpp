@@ -64,7 +64,7 @@ void makeDatabase(const QString& path, const QStringList& statements)
     QSqlDatabase::removeDatabase("prepare");
 }
 
-TEST_F(ThumbnailDatabaseTest, WithoutAFolderEverythingYieldsNullOrFalse)
+TEST_F(ThumbnailDatabaseTest, WithoutAFolderEverythingFails)
 {
     {
         ThumbnailDatabase database{QString()};
@@ -72,7 +72,7 @@ TEST_F(ThumbnailDatabaseTest, WithoutAFolderEverythingYieldsNullOrFalse)
         EXPECT_FALSE(database.saveRecord("/a", recordOf("/a")));
         EXPECT_FALSE(database.insertRecord(recordOf("/a")));
         EXPECT_FALSE(database.updateRecord("/a", recordOf("/a")));
-        // Not even after the folder has come into being.
+        // Not even after the folder has been created.
         createDataFolder();
         EXPECT_FALSE(database.saveRecord("/a", recordOf("/a")));
     }
@@ -80,7 +80,7 @@ TEST_F(ThumbnailDatabaseTest, WithoutAFolderEverythingYieldsNullOrFalse)
     EXPECT_EQ(logMessages(), QStringList());
 }
 
-TEST_F(ThumbnailDatabaseTest, OnceTheFolderExistsALaterObjectWorksSilently)
+TEST_F(ThumbnailDatabaseTest, NewObjectWorksOnceTheFolderExists)
 {
     {
         const ThumbnailDatabase closed{QString()};
@@ -91,7 +91,7 @@ TEST_F(ThumbnailDatabaseTest, OnceTheFolderExistsALaterObjectWorksSilently)
     EXPECT_EQ(logMessages(), QStringList());
 }
 
-TEST_F(ThumbnailDatabaseTest, TableIsCreatedWithTheBindingStatement)
+TEST_F(ThumbnailDatabaseTest, TableIsCreatedByTheExactStatement)
 {
     createDataFolder();
     const ThumbnailDatabase database{QString()};
@@ -155,7 +155,7 @@ TEST_F(ThumbnailDatabaseTest, PathWithAnApostropheCannotBeStored)
     EXPECT_FALSE(database.updateRecord("/a", recordOf("/it's")));
 }
 
-TEST_F(ThumbnailDatabaseTest, PlacesInsideAPathAreNotFilled)
+TEST_F(ThumbnailDatabaseTest, PlaceholdersInAPathAreNotFilled)
 {
     createDataFolder();
     const QString path = "/100%1 %2 %3 %4 %5/x.stl";
@@ -199,7 +199,7 @@ TEST_F(ThumbnailDatabaseTest, ForeignTableOfThatNameIsUsedAsItIs)
     EXPECT_EQ(logMessages(), QStringList());
 }
 
-TEST_F(ThumbnailDatabaseTest, FileThatIsNoDatabaseIsLogged)
+TEST_F(ThumbnailDatabaseTest, FileThatIsNotADatabaseIsLogged)
 {
     createDataFolder();
     QFile file(defaultDatabasePath());
@@ -220,7 +220,7 @@ TEST_F(ThumbnailDatabaseTest, FolderInPlaceOfTheFileIsLogged)
     EXPECT_EQ(logMessages(), QStringList({"110 database no open"}));
 }
 
-TEST_F(ThumbnailDatabaseTest, PathIsTakenOnlyForAnExistingDbFile)
+TEST_F(ThumbnailDatabaseTest, PathIsUsedOnlyForAnExistingDbFile)
 {
     createDataFolder();
     const QTemporaryDir elsewhere;
@@ -244,7 +244,7 @@ TEST_F(ThumbnailDatabaseTest, PathIsTakenOnlyForAnExistingDbFile)
     }
 }
 
-TEST_F(ThumbnailDatabaseTest, ConnectionIsTheDefaultOneAndLivesAsLongAsTheObject)
+TEST_F(ThumbnailDatabaseTest, DefaultConnectionIsUsedForTheObjectsLifetime)
 {
     createDataFolder();
     const QString name = "qt_sql_default_connection";
