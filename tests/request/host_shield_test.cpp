@@ -18,7 +18,7 @@ namespace zr::test
 namespace
 {
 
-TEST(HostShieldTest, VariablesOfQtDoNotExist)
+TEST(HostShieldTest, QtVariablesAreHidden)
 {
     for (const char* const name : {"QT_QPA_PLATFORM", "QT_ANYTHING", "qt_scale_factor", "Qt_Hash_Seed"}) {
         ASSERT_TRUE(qputenv(name, "7"));
@@ -27,12 +27,12 @@ TEST(HostShieldTest, VariablesOfQtDoNotExist)
         EXPECT_TRUE(qgetenv(name).isNull()) << name;
         EXPECT_EQ(qEnvironmentVariable(name, "none"), "none") << name;
         EXPECT_EQ(qEnvironmentVariableIntValue(name), 0) << name;
-        // For all others they do.
+        // The host's own code still sees them.
         EXPECT_EQ(GetEnvironmentVariableA(name, nullptr, 0), 2U) << name;
     }
 }
 
-TEST(HostShieldTest, OtherVariablesDo)
+TEST(HostShieldTest, OtherVariablesAreNot)
 {
     for (const char* const name : {"ZR_ANYTHING", "QT", "QTDIR", "MY_QT_SETTING"}) {
         ASSERT_TRUE(qputenv(name, "7"));
@@ -42,7 +42,7 @@ TEST(HostShieldTest, OtherVariablesDo)
     }
 }
 
-TEST(HostShieldTest, ConfigurationBesideTheProgramIsNotRead)
+TEST(HostShieldTest, ConfigurationNextToTheProgramIsNotRead)
 {
     wchar_t program[MAX_PATH] = {};
     GetModuleFileNameW(nullptr, program, MAX_PATH);
@@ -56,15 +56,15 @@ TEST(HostShieldTest, ConfigurationBesideTheProgramIsNotRead)
     EXPECT_TRUE(QFile::remove(path));
 }
 
-// The test's own calls are led there as Qt's are.
-TEST(HostShieldTest, NothingIsAskedOfTheHostsThread)
+// The shield redirects the test's calls just as Qt's.
+TEST(HostShieldTest, CallsOnTheHostsThreadHaveNoEffect)
 {
     EXPECT_EQ(OleInitialize(nullptr), S_OK);
     APTTYPE type = APTTYPE_CURRENT;
     APTTYPEQUALIFIER qualifier = APTTYPEQUALIFIER_NONE;
     EXPECT_EQ(CoGetApartmentType(&type, &qualifier), CO_E_NOTINITIALIZED);
     EXPECT_EQ(RegisterPowerSettingNotification(nullptr, nullptr, 0), nullptr);
-    EXPECT_EQ(MessageBoxW(nullptr, L"text", L"title", MB_OK), IDOK) << "nobody is asked";
+    EXPECT_EQ(MessageBoxW(nullptr, L"text", L"title", MB_OK), IDOK) << "shows no box";
 }
 
 TEST(HostShieldTest, WindowsAreMessageOnly)
@@ -73,7 +73,7 @@ TEST(HostShieldTest, WindowsAreMessageOnly)
     ASSERT_TRUE(window);
     EXPECT_EQ(FindWindowExW(HWND_MESSAGE, nullptr, L"STATIC", nullptr), window);
     auto* const child = CreateWindowExW(0, L"STATIC", L"", WS_CHILD, 0, 0, 1, 1, window, nullptr, nullptr, nullptr);
-    EXPECT_EQ(GetParent(child), window) << "a parent stays one";
+    EXPECT_EQ(GetParent(child), window) << "only top-level windows change";
     DestroyWindow(window);
 }
 

@@ -1,5 +1,5 @@
-// A host may have an application object of Qt's that knows no windows: a service, or a program for the command line.
-// There is one application object per process, so this program has one test.
+// A host's Qt application object may be one without windows, as in a service or a command line program. There is one
+// application object per process, so this program has one test.
 
 #include "request/thumbnail_extractor.h"
 #include "tests/support/data_folder_fixture.h"
@@ -25,7 +25,7 @@ bool isModel(const QString& path)
     return QStringList({"stl", "obj", "slc"}).contains(QFileInfo(path).suffix());
 }
 
-TEST_F(HostWithoutGuiTest, GetsThePicturesOfSliceFilesAndNoneOfModels)
+TEST_F(HostWithoutGuiTest, GetsPicturesOfSliceFilesButNotOfModels)
 {
     createDataFolder();
     int argc = 1;

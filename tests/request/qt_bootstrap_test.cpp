@@ -1,4 +1,4 @@
-// The start of Qt inside a host that knows nothing of it happens once per process, so this program has one test.
+// A host without Qt starts Qt once per process, so this program has one test.
 
 #include "core/log_file.h"
 #include "request/module_path.h"

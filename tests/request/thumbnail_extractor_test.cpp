@@ -51,7 +51,7 @@ protected:
     QTemporaryDir m_folder;
 };
 
-TEST_F(ThumbnailExtractorTest, LoadMakesThePictureThatExtractHandsOut)
+TEST_F(ThumbnailExtractorTest, LoadMakesThePictureThatExtractReturns)
 {
     const QString path = source("a.vrx");
     ThumbnailExtractor extractor;
@@ -83,7 +83,7 @@ TEST_F(ThumbnailExtractorTest, ExtractEndsTheLogInstance)
     EXPECT_EQ(logMessages(), loadLines(path) + QStringList({"84  throw "}));
 }
 
-TEST_F(ThumbnailExtractorTest, WhatIsNoRegularFileMakesNoJob)
+TEST_F(ThumbnailExtractorTest, OnlyRegularFilesMakeAJob)
 {
     ASSERT_TRUE(QDir(dataFolder()).removeRecursively());
     createDataFolder();
@@ -126,7 +126,7 @@ TEST_F(ThumbnailExtractorTest, PictureOutlivesItsSource)
     EXPECT_FALSE(extractor.extract().isNull());
 }
 
-TEST_F(ThumbnailExtractorTest, UnusablePngGivesANullPicture)
+TEST_F(ThumbnailExtractorTest, UnusablePngMakesANullPicture)
 {
     const QString path = source("a.vrx");
     const QString cached = png("a.vrxvrx.png");
@@ -141,7 +141,7 @@ TEST_F(ThumbnailExtractorTest, UnusablePngGivesANullPicture)
     EXPECT_TRUE(extractor.extract().isNull());
 }
 
-TEST_F(ThumbnailExtractorTest, ExtractHandsOutWhateverPictureTheCacheHolds)
+TEST_F(ThumbnailExtractorTest, ExtractReturnsWhateverPictureTheCacheHolds)
 {
     const QString path = source("a.vrx");
     ThumbnailExtractor extractor;
@@ -150,7 +150,7 @@ TEST_F(ThumbnailExtractorTest, ExtractHandsOutWhateverPictureTheCacheHolds)
     other.fill(QColor(1, 2, 3, 4));
     ASSERT_TRUE(other.save(png("a.vrxvrx.png")));
     EXPECT_EQ(extractor.extract().convertToFormat(QImage::Format_ARGB32), other);
-    // The content tells the format, not the name.
+    // The content decides about the format, not the name.
     other.fill(qRgb(1, 2, 3));
     ASSERT_TRUE(other.save(png("a.vrxvrx.png"), "BMP"));
     EXPECT_EQ(extractor.extract().pixel(2, 4), qRgb(1, 2, 3));
