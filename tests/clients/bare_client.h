@@ -8,7 +8,7 @@
 namespace zr::test
 {
 
-// What clients of the server share that have nothing of Qt.
+// For clients of the server that do not use Qt.
 
 /// Between UTF-8 and the system's encoding.
 std::wstring wide(const std::string& text);

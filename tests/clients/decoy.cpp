@@ -1,4 +1,4 @@
-// A DLL that says it is somebody's and has nothing that anybody else looks for.
+// A DLL that only has the name of another one: it exports none of the functions that users of that one need.
 
 extern "C" __declspec(dllexport) int decoy()
 {

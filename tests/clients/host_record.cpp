@@ -19,7 +19,7 @@ namespace zr::test
 namespace
 {
 
-// A function that not every Windows has; null there.
+// A function that some versions of Windows lack; null there.
 template <typename Function>
 Function* optional(const wchar_t* library, const char* name)
 {
@@ -74,7 +74,7 @@ void recordFloatingPoint(Recorder& record)
     std::uint16_t x87 = 0;
     __asm__ volatile("fnstcw %0" : "=m"(x87));
     record.add("x87 control word", x87);
-    // What calculations leave there, the host's own included, is not a setting.
+    // The status flags are results of calculations, the host's own included, not settings.
     record.add("MXCSR", _mm_getcsr() & ~unsigned{_MM_EXCEPT_MASK});
 }
 
@@ -96,7 +96,7 @@ void recordEnvironment(Recorder& record)
         record.add("environment", narrow(each));
     FreeEnvironmentStringsW(block);
     record.add("end of the environment", "");
-    // The C library has a copy of its own.
+    // The C library has its own copy.
     for (char** each = _environ; each && *each; ++each)
         record.add("environment of the C library", *each);
     record.add("end of that", "");

@@ -6,7 +6,7 @@
 namespace zr::test
 {
 
-/// One thing that a process shows of itself or of one of its threads.
+/// One observable property of a process or of one of its threads.
 struct HostFact {
     std::string name;
     std::string value;
@@ -14,12 +14,12 @@ struct HostFact {
 
 using HostRecord = std::vector<HostFact>;
 
-/// All that Windows shows of what a guest could change in this process and on this thread: how windows are scaled, the
+/// Everything observable that a guest could change in this process and on this thread: how windows are scaled, the
 /// current folder, error modes, floating-point control, locale and code pages, environment, priorities, timer
 /// resolution, handlers of exceptions and signals, the COM apartment, input, and the current OpenGL context.
 HostRecord recordHost();
 
-/// A line "NAME: BEFORE -> AFTER" for each fact that differs.
+/// A line "NAME: BEFORE -> AFTER" for each property that differs.
 std::vector<std::string> changes(const HostRecord& before, const HostRecord& after);
 
 /// Class names of the top-level windows of this process.

@@ -17,7 +17,7 @@ using Microsoft::WRL::ComPtr;
 
 constexpr GUID kClassId = {0xE45A903D, 0x53AE, 0x4A14, {0x90, 0x6E, 0x02, 0x60, 0xD1, 0x3F, 0xF7, 0x7F}};
 
-// Zero without a module, too.
+// Null, too, if there is no module.
 template <typename Function>
 Function* exported(HMODULE module, const char* name)
 {

@@ -7,7 +7,7 @@
 namespace zr::test
 {
 
-/// A picture as a host gets it; no width when there is none.
+/// A picture as a host gets it; the width is 0 if there is none.
 struct HostPicture {
     LONG width = 0;
     LONG height = 0;
@@ -25,10 +25,10 @@ public:
 
     static bool isLoaded();
 
-    /// Makes an object and lets it go again.
+    /// Makes an object and releases it.
     void makeObject() const;
 
-    /// The picture of the file, asked for as the file browser does it.
+    /// The picture of the file, requested as by the file browser.
     HostPicture request(const std::string& path) const;
 
 private:

@@ -1,5 +1,5 @@
-// The server in the processes of others: whatever they have loaded, set or lost, they get their pictures, and find
-// themselves as they were.
+// The server in other programs' processes: whatever they have loaded or set, they get their pictures, and the server
+// leaves their process unchanged.
 
 #include "tests/shell/server_test.h"
 #include "tests/support/qt_printers.h"
@@ -17,7 +17,7 @@ namespace
 
 constexpr int kTimeoutMs = 120000;
 
-// What this project has ever installed, each also a name that other programs bring.
+// DLLs that any version has installed; other programs have DLLs of the same names.
 constexpr const char* kShippedNames[] = {"Qt5Core.dll",     "Qt5Gui.dll",         "Qt5Sql.dll",
                                          "Qt5Widgets.dll",  "qwindows.dll",       "qsqlite.dll",
                                          "libstdc++-6.dll", "libgcc_s_seh-1.dll", "libwinpthread-1.dll"};
@@ -79,7 +79,7 @@ protected:
             m_expected += hashOf(request(writeSource(QString("expected/") + sample, sampleBytes(sample))));
     }
 
-    // The files are new ones each time, so that their pictures are made and not found.
+    // The files are new each time, so that their pictures do not come from the cache.
     HostOutput runHost(const QStringList& options, const Variables& variables = {},
                        const QString& program = windowsPath("ZRTHUMB_TEST_HOST"),
                        const QString& server = windowsPath("ZRTHUMB_SERVER"))
@@ -133,12 +133,12 @@ protected:
     int m_runs = 0;
 };
 
-TEST_F(HostsTest, UsualOne)
+TEST_F(HostsTest, UsualHost)
 {
     expectGoodGuest({});
 }
 
-TEST_F(HostsTest, LoadedLibrariesOfOurNamesBefore)
+TEST_F(HostsTest, LibrariesOfOurNamesLoadedBefore)
 {
     const QDir all(m_folder.filePath("all"));
     for (const char* const name : kShippedNames) {
@@ -153,7 +153,7 @@ TEST_F(HostsTest, LoadedLibrariesOfOurNamesBefore)
     expectGoodGuest({"--load", QDir::toNativeSeparators(all.path())});
 }
 
-TEST_F(HostsTest, VariablesThatEndProgramsOfQt)
+TEST_F(HostsTest, VariablesThatEndQtPrograms)
 {
     const std::pair<QString, QString> rows[] = {
         {"QT_QPA_PLATFORM", "offscreen"},   {"QT_QPA_PLATFORM", "typo"},    {"QT_QPA_PLATFORM", "wayland;xcb"},
@@ -166,7 +166,7 @@ TEST_F(HostsTest, VariablesThatEndProgramsOfQt)
     }
 }
 
-TEST_F(HostsTest, VariablesThatChangeProgramsOfQt)
+TEST_F(HostsTest, VariablesThatChangeQtPrograms)
 {
     expectGoodGuest({}, {
                             {"QT_QPA_PLATFORM_PLUGIN_PATH", "C:\\nowhere"},
@@ -193,8 +193,8 @@ TEST_F(HostsTest, VariablesThatChangeProgramsOfQt)
                         });
 }
 
-// Whoever unpacks the zip into the folder of a version that consisted of many files has both.
-TEST_F(HostsTest, ManyFilesOfAnOlderVersionBesideTheServer)
+// As when the zip is unpacked into the folder of an older version, which consisted of many files.
+TEST_F(HostsTest, FilesOfAnOlderVersionNextToTheServer)
 {
     const QDir folder(m_folder.filePath("installed"));
     ASSERT_TRUE(folder.mkpath("platforms") && folder.mkpath("sqldrivers"));
@@ -210,8 +210,8 @@ TEST_F(HostsTest, ManyFilesOfAnOlderVersionBesideTheServer)
     EXPECT_EQ(output.rest, QStringList());
 }
 
-// Qt takes options of its platform from a file of this name beside the program.
-TEST_F(HostsTest, ConfigurationOfAnotherQtBesideTheProgram)
+// Qt reads platform options from a file of this name next to the program.
+TEST_F(HostsTest, ConfigurationOfAnotherQtNextToTheProgram)
 {
     const QDir folder(m_folder.filePath("program"));
     ASSERT_TRUE(folder.mkpath("."));
@@ -224,12 +224,12 @@ TEST_F(HostsTest, ConfigurationOfAnotherQtBesideTheProgram)
     EXPECT_EQ(output.rest, QStringList());
 }
 
-TEST_F(HostsTest, AnyScalingOfWindows)
+TEST_F(HostsTest, AnyWindowScaling)
 {
     const DesktopSetting scaling(kScaling, kScalingOn);
     for (const DWORD dpi : {96, 144}) {
         const DesktopSetting resolution(L"LogPixels", dpi);
-        expectGoodGuest({}); // says nothing of itself, so anybody could still decide
+        expectGoodGuest({}); // the host does not set its awareness, so the server could
         for (const char* const awareness : {"unaware", "system", "monitor"}) {
             SCOPED_TRACE(awareness);
             expectGoodGuest({"--dpi", awareness});
@@ -260,19 +260,19 @@ TEST_F(HostsTest, ThreadsThatEndWithTheirRequest)
     expectGoodGuest({"--thread-each", "--stack", "262144"});
 }
 
-// Windows stops them wherever they are, with what they have locked.
+// Windows stops them wherever they are, with the locks that they hold.
 TEST_F(HostsTest, ThreadsThatEndWithTheProcess)
 {
     for (int i = 0; i < 10; ++i)
         expectGoodGuest({"--thread-each", "--threads-at-end", "50"});
 }
 
-TEST_F(HostsTest, CurrentFolderThatIsGone)
+TEST_F(HostsTest, DeletedCurrentFolder)
 {
     expectGoodGuest({"--folder-gone"});
 }
 
-TEST_F(HostsTest, OpenGlContextOfItsOwn)
+TEST_F(HostsTest, OwnOpenGlContext)
 {
     const HostOutput output = runHost({"--opengl"});
     EXPECT_EQ(output.pictures, m_expected);
@@ -297,8 +297,8 @@ TEST_F(HostsTest, ProgramWithWindows)
     expectGoodGuest({"--application", "--dpi", "monitor", "--opengl"});
 }
 
-// The windows that a host keeps get no messages but those meant for them: the one of Qt's event dispatcher, and one for
-// each STL file, whose reader leaves its OpenGL context. OleMainThreadWndClass is the host's own, of its apartment.
+// The windows that stay in a host get no broadcasts: the one of Qt's event dispatcher, and one for each STL file, whose
+// reader leaves its OpenGL context. OleMainThreadWndClass is the host's own, of its apartment.
 TEST_F(HostsTest, KeepsTwoMessageOnlyWindows)
 {
     const QStringList windows = runHost({"--apartment", "none"}).messageOnly;
@@ -307,8 +307,8 @@ TEST_F(HostsTest, KeepsTwoMessageOnlyWindows)
     EXPECT_EQ(windows.filter("QWindow").size(), 1);
 }
 
-// A message to all windows waits for each thread that has one, for ever if that looks after none.
-TEST_F(HostsTest, BroadcastsPass)
+// A broadcast waits for each thread that has a window, forever if that thread handles no messages.
+TEST_F(HostsTest, BroadcastsDoNotHang)
 {
     const HostOutput output = runHost({"--broadcast"});
     EXPECT_EQ(output.pictures, m_expected);

@@ -1,4 +1,4 @@
-// A host that is a program of Qt: its copy of Qt and the server's are strangers to each other.
+// A host that is a Qt program: its copy of Qt and the server's are independent.
 
 #include "tests/shell/server_test.h"
 #include "tests/support/qt_printers.h"
@@ -35,13 +35,13 @@ TEST_F(QtHostTest, BothDraw)
         EXPECT_FALSE(picture.isNull()) << sample.name;
         EXPECT_EQ(wglGetCurrentContext(), current) << sample.name;
         EXPECT_EQ(QOpenGLContext::currentContext(), &context) << sample.name;
-        // The context works, too.
+        // The context still works.
         context.functions()->glClearColor(0.5F, 0.0F, 0.0F, 1.0F);
         EXPECT_EQ(context.functions()->glGetError(), GLenum(GL_NO_ERROR)) << sample.name;
     }
 }
 
-TEST_F(QtHostTest, ItsWindowsAndTimersWorkOn)
+TEST_F(QtHostTest, ItsWindowsAndTimersKeepWorking)
 {
     QWindow window;
     window.setGeometry(0, 0, 100, 100);
@@ -56,7 +56,7 @@ TEST_F(QtHostTest, ItsWindowsAndTimersWorkOn)
     QCoreApplication::exec();
     EXPECT_TRUE(fired);
     EXPECT_TRUE(window.isVisible());
-    EXPECT_NE(QCoreApplication::arguments().first(), "platformplugin") << "the application object is the host's";
+    EXPECT_NE(QCoreApplication::arguments().first(), "platformplugin") << "the application object is still the host's";
 }
 
 } // namespace

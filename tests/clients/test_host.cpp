@@ -1,20 +1,20 @@
-// test-host [OPTION...] DLL FILE...: a program of somebody else that asks the thumbnail server for pictures. It has
-// nothing of Qt. For each file it prints "picture WIDTHxHEIGHT HASH" or "no picture", then what is different for it
-// after the last request, "changed FACT", and each top-level window that it has not made, "window CLASS".
+// test-host [OPTION...] DLL FILE...: plays a host that asks the thumbnail server for pictures. It does not use Qt. For
+// each file it prints "picture WIDTHxHEIGHT HASH" or "no picture", then what the requests have changed in its process,
+// "changed FACT", and each top-level window that is not its own, "window CLASS".
 //
 //   --load FOLDER       loads every DLL of FOLDER before the server
 //   --dpi AWARENESS     unaware, system or monitor: how its windows are scaled
 //   --apartment KIND    sta, mta or none (of COM) on the thread of the requests
 //   --stack BYTES       of the thread of the requests
 //   --thread-each       a thread for each request that ends with it
-//   --threads-at-end N  N more threads that have made requests end in the moment in which the process does
+//   --threads-at-end N  N more threads that have made requests end together with the process
 //   --folder-gone       its current folder has been deleted
 //   --opengl            an OpenGL context is current on the thread of the requests
-//   --traps             floating-point exceptions end it, and it rounds upwards
+//   --traps             floating-point exceptions are trapped, and it rounds upwards
 //   --restricted        the thread of the requests has a restricted token of low integrity
-//   --application       is a program with windows that has a window and runs a message loop after the requests
-//   --reload N          loads the server, makes an object and frees the server N times before; prints "loaded" when it
-//                       is still there after that, and "leaked" with what it has left
+//   --application       has a window and runs a message loop after the requests
+//   --reload N          first loads the server, makes an object and frees the server, N times; prints "loaded" if it
+//                       is still loaded then, and "leaked" with what it has left behind
 //   --load-each N       loads and frees the server around each of N requests for each file
 //   --broadcast         sends a message to all windows after the requests; prints "broadcast passed" or "hangs"
 //   --cost              prints "cost FIGURE VALUE" lines, after the first and the 100th request of each file
@@ -150,7 +150,7 @@ void loseFolder()
     const std::wstring folder = temporary + std::wstring(L"test-host-") + std::to_wstring(GetCurrentProcessId());
     if (!CreateDirectoryW(folder.c_str(), nullptr) || !SetCurrentDirectoryW(folder.c_str()))
         fail("entering a folder");
-    // Where Windows keeps it, it goes with the process; below Wine it is gone at once.
+    // Windows may keep it until the process ends; under Wine it is gone at once.
     RemoveDirectoryW(folder.c_str());
 }
 
@@ -208,7 +208,7 @@ void restrictThread()
     if (!ConvertStringSidToSidA("S-1-16-4096", &low))
         fail("naming low integrity");
     TOKEN_MANDATORY_LABEL label = {{low, SE_GROUP_INTEGRITY}};
-    // Not every Wine knows levels of integrity.
+    // Some versions of Wine lack integrity levels.
     SetTokenInformation(restricted, TokenIntegrityLevel, &label, sizeof label);
     HANDLE impersonation = nullptr;
     if (!DuplicateTokenEx(restricted, TOKEN_ALL_ACCESS, nullptr, SecurityImpersonation, TokenImpersonation,
@@ -217,7 +217,7 @@ void restrictThread()
         fail("taking the restricted token");
 }
 
-// A new thread that runs it. Without a size the stack is the program's usual one.
+// Runs it on a new thread. Size 0 means the program's default stack size.
 HANDLE startThread(std::size_t stackBytes, const std::function<void()>& work)
 {
     const auto start = [](void* data) -> DWORD {
@@ -246,7 +246,7 @@ void enterApartment(const std::string& kind)
         fail("starting COM");
 }
 
-// The apartment must end with the thread's own last call, and another kind be possible then.
+// The thread's last call must end the apartment, so that one of another kind is possible.
 void leaveApartment(const std::string& kind)
 {
     if (kind == "none")
@@ -283,7 +283,7 @@ int threads()
     return count;
 }
 
-// Wine answers the calls for these two figures with zero.
+// Under Wine the calls for these two figures return zero.
 std::size_t privateBytes()
 {
     std::size_t sum = 0;
@@ -323,7 +323,7 @@ double milliseconds()
     return static_cast<double>(count.QuadPart) * 1000.0 / static_cast<double>(frequency.QuadPart);
 }
 
-// A file that looks older than at the last request is read anew.
+// The server reads a file again if it looks older than at the last request.
 void makeStale(const std::string& path, int request)
 {
     auto* const file = CreateFileA(path.c_str(), FILE_WRITE_ATTRIBUTES, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
@@ -403,15 +403,14 @@ DWORD firstFreeTlsIndex()
     return index;
 }
 
-// What a library that comes and goes must not leave: places for values of threads, of which a process has some 1000,
-// and handles, but for those two of the thread that loads it which the threads library of the compiler's runtime never
-// closes.
+// What a library must not leave behind when it is unloaded: TLS indexes, of which a process has some 1000, and handles,
+// except the two of the loading thread that the threads library of the compiler's runtime never closes.
 void reload(const Options& options)
 {
     constexpr int kHandlesOfRuntime = 2;
     if (options.reloads == 0)
         return;
-    // Wine's own leaves handles each time.
+    // Wine's own copy leaks handles each time it is loaded.
     LoadLibraryW(L"winmm.dll");
     const auto loadAndFree = [&options] {
         const HostServer server(options.server);
@@ -425,20 +424,20 @@ void reload(const Options& options)
     if (HostServer::isLoaded())
         std::printf("loaded\n");
     if (firstFreeTlsIndex() != tlsIndex)
-        std::printf("leaked %lu places for values of threads\n", firstFreeTlsIndex() - tlsIndex);
+        std::printf("leaked %lu TLS indexes\n", firstFreeTlsIndex() - tlsIndex);
     if (handles() > handlesBefore + kHandlesOfRuntime * options.reloads)
         std::printf("leaked %d handles\n", handles() - handlesBefore);
 }
 
-// Whoever changes a setting of the system waits for all top-level windows of all programs.
+// A program that changes a system setting waits for all top-level windows of all programs.
 void broadcast()
 {
     constexpr UINT kPatienceMs = 3000;
     const DWORD start = GetTickCount();
     DWORD_PTR result = 0;
     const auto passed = SendMessageTimeoutW(HWND_BROADCAST, WM_SETTINGCHANGE, 0, 0, SMTO_NORMAL, kPatienceMs, &result);
-    const bool isSwift = GetTickCount() - start < kPatienceMs;
-    std::printf("broadcast %s\n", passed && isSwift ? "passed" : "hangs");
+    const bool isFast = GetTickCount() - start < kPatienceMs;
+    std::printf("broadcast %s\n", passed && isFast ? "passed" : "hangs");
 }
 
 void runMessageLoop()
@@ -449,7 +448,7 @@ void runMessageLoop()
         DispatchMessageW(&message);
 }
 
-// Their pictures are in the cache by now, so that all of them are soon there.
+// Their pictures are in the cache by now, so all threads are soon ready.
 void endWithThreads(const Options& options)
 {
     auto* const end = CreateEventW(nullptr, TRUE, FALSE, nullptr);
@@ -491,7 +490,7 @@ int run(const Options& options)
     } else {
         requestAsGuest(options);
     }
-    // The thread of the requests is busy with something else here, or gone.
+    // The thread of the requests is busy or has ended here.
     if (options.broadcast)
         onThread(0, broadcast);
     if (options.application)
