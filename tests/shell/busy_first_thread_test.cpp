@@ -1,5 +1,5 @@
-// The thread on which Qt was started is busy with something else, while another one makes requests. A file browser's
-// threads owe each other nothing: no request may wait for a thread to look after its windows.
+// The thread on which Qt was started is busy while another one makes requests. A file browser's threads are
+// independent: no request may wait until another thread handles messages.
 
 #include "tests/shell/server_test.h"
 #include "tests/support/qt_printers.h"

@@ -1,6 +1,6 @@
 # cmake -D DLL=... -D PROGRAM=... -D LIBRARIES=... -D OBJDUMP=... -D NM=... -P check_dll.cmake
-# Checks what the DLL exports, that neither it nor the program imports anything but Windows itself, and that loading the DLL
-# runs no code of ours, which is in LIBRARIES.
+# Checks what the DLL exports, that it and the program import only DLLs of Windows, and that loading the DLL runs no code of
+# ours, which is in LIBRARIES.
 
 cmake_minimum_required(VERSION 3.25)
 
@@ -14,7 +14,7 @@ function(run result)
     set(${result} "${output}" PARENT_SCOPE)
 endfunction()
 
-# Square brackets would keep CMake from taking lists apart.
+# CMake does not split lists inside square brackets.
 run(headers "${OBJDUMP}" -p "${DLL}")
 string(REGEX REPLACE "[][]" "|" headers "${headers}")
 string(REGEX MATCH "\\|Ordinal/Name Pointer\\| Table[^\n]*\n(\t\\|[^\n]*\n)*" table "${headers}")
@@ -39,12 +39,12 @@ foreach(file IN ITEMS "${DLL}" "${PROGRAM}")
     endforeach()
 endforeach()
 
-# The compiler gathers what a source file runs at load time in a function of this name.
+# The compiler puts what a source file runs at load time into a function of this name.
 set(functions 0)
 foreach(library IN LISTS LIBRARIES)
     run(symbols "${NM}" "${library}")
     string(REGEX MATCHALL "_GLOBAL__sub_I_[^\n]*" initialisers "${symbols}")
-    # What Qt adds to whatever uses it, to know its plug-ins.
+    # Qt adds these to its users to register its plug-ins.
     list(FILTER initialisers EXCLUDE REGEX "_Import\\.cpp$")
     if(initialisers)
         message(SEND_ERROR "${library} runs at load time: ${initialisers}")
@@ -54,5 +54,5 @@ foreach(library IN LISTS LIBRARIES)
     math(EXPR functions "${functions} + ${count}")
 endforeach()
 if(functions LESS 100)
-    message(SEND_ERROR "the libraries have no symbols to look at")
+    message(SEND_ERROR "too few symbols found in the libraries")
 endif()

@@ -1,4 +1,4 @@
-// What COM itself asks of the DLL. No request is made here, so the DLL is unloaded after each test.
+// What COM itself calls. No request is made here, so the DLL is unloaded after each test.
 
 #include "tests/shell/server_dll.h"
 
@@ -21,7 +21,7 @@ protected:
     void TearDown() override
     {
         EXPECT_EQ(m_server.canUnloadNow(), S_OK);
-        EXPECT_TRUE(QCoreApplication::startingUp()) << "nothing but a request starts Qt";
+        EXPECT_TRUE(QCoreApplication::startingUp()) << "only a request starts Qt";
     }
 
     ServerDll m_server;
@@ -95,7 +95,7 @@ TEST_F(ClassFactoryTest, ObjectsHoldTheModule)
     EXPECT_EQ(m_server.canUnloadNow(), S_OK);
 }
 
-TEST_F(ClassFactoryTest, RefusedObjectsAreGone)
+TEST_F(ClassFactoryTest, RefusedObjectsAreDestroyed)
 {
     void* object = kUntouched;
     EXPECT_EQ(m_server.factory()->CreateInstance(nullptr, __uuidof(IDispatch), &object), E_NOINTERFACE);
@@ -103,7 +103,7 @@ TEST_F(ClassFactoryTest, RefusedObjectsAreGone)
     EXPECT_EQ(m_server.canUnloadNow(), S_OK);
 }
 
-// An object that others are part of: it answers for the interfaces of its inner object.
+// An object that aggregates another one and offers the interfaces of that inner object.
 class Outer final : public IUnknown
 {
 public:
@@ -142,12 +142,12 @@ TEST_F(ClassFactoryTest, OuterObjectsMustAskForIUnknown)
     EXPECT_EQ(outer.references(), 1U);
 }
 
-TEST_F(ClassFactoryTest, InnerObjectSpeaksForItsOuterObject)
+TEST_F(ClassFactoryTest, InnerObjectDelegatesToItsOuterObject)
 {
     Outer outer;
     ASSERT_EQ(m_server.factory()->CreateInstance(&outer, IID_PPV_ARGS(outer.inner().GetAddressOf())), S_OK);
     EXPECT_NE(outer.inner().Get(), &outer);
-    EXPECT_EQ(outer.references(), 1U) << "the outer object is not held by its own part";
+    EXPECT_EQ(outer.references(), 1U) << "the inner object holds no reference to the outer one";
 
     ComPtr<IExtractImage2> extractor;
     ASSERT_EQ(outer.QueryInterface(IID_PPV_ARGS(extractor.GetAddressOf())), S_OK);
@@ -170,7 +170,7 @@ TEST_F(ClassFactoryTest, InnerObjectSpeaksForItsOuterObject)
     EXPECT_EQ(m_server.canUnloadNow(), S_FALSE);
 }
 
-TEST_F(ClassFactoryTest, InnerUnknownCountsByItself)
+TEST_F(ClassFactoryTest, InnerUnknownHasItsOwnCount)
 {
     Outer outer;
     ComPtr<IUnknown> inner;

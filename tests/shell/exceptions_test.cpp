@@ -1,5 +1,5 @@
-// No exception leaves the object. What the portable extractor throws here stands for errors that no file can bring
-// about at will, such as a lack of memory; the object is the server's own.
+// No exception leaves the object, which is the server's own. The extractor is replaced by one that throws: errors such
+// as lack of memory cannot be provoked by a file.
 
 #include "request/thumbnail_extractor.h"
 #include "tests/shell/server_dll.h"
@@ -59,7 +59,7 @@ ComPtr<IPersistFile> makeObject()
     return object;
 }
 
-TEST(ExceptionsTest, LoadAnswersThatThereIsNoThumbnail)
+TEST(ExceptionsTest, LoadReturnsSFalse)
 {
     for (const ErrorRow& row : kErrors) {
         raise = row.raise;
@@ -69,7 +69,7 @@ TEST(ExceptionsTest, LoadAnswersThatThereIsNoThumbnail)
     EXPECT_EQ(makeObject()->Load(L"C:\\a.vrx", STGM_READ), S_OK);
 }
 
-TEST(ExceptionsTest, ExtractHandsOutNoBitmap)
+TEST(ExceptionsTest, ExtractReturnsNoBitmap)
 {
     ComPtr<IExtractImage> extractor;
     ASSERT_EQ(makeObject().As(&extractor), S_OK);

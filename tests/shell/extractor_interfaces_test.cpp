@@ -1,4 +1,4 @@
-// What the object is to COM; its requests are in extractor_requests_test.
+// The object's interfaces; its requests are in extractor_requests_test.
 
 #include "tests/shell/server_dll.h"
 
@@ -57,7 +57,7 @@ TEST_F(ExtractorInterfacesTest, IdentityIsTheSameEverywhere)
     EXPECT_NE(other.Get(), identity.Get());
 }
 
-TEST_F(ExtractorInterfacesTest, NothingElseIsAnswered)
+TEST_F(ExtractorInterfacesTest, OtherInterfacesAreRefused)
 {
     const GUID refused[] = {__uuidof(IPersist),
                             __uuidof(IDispatch),
@@ -113,7 +113,7 @@ struct LocationRow {
     HRESULT result;
 };
 
-TEST_F(ExtractorInterfacesTest, LocationTellsWhetherToWaitAndWritesNothing)
+TEST_F(ExtractorInterfacesTest, LocationSaysWhetherToWaitAndWritesNothing)
 {
     const LocationRow rows[] = {
         {0, S_OK},

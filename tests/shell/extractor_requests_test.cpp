@@ -20,7 +20,7 @@ class ExtractorRequestsTest : public ServerTest
 protected:
     QString writeSample(const QString& name) const { return writeSource(name, sampleBytes("rook.vrx")); }
 
-    // What Extract hands out when the cached picture is this one, as a 32-bit bitmap's raw memory.
+    // The raw pixels of the 32-bit bitmap that Extract returns for this cached picture.
     std::vector<quint32> bitsFor(const QImage& cached)
     {
         const QString source = writeSample("a.vrx");
@@ -51,7 +51,7 @@ QString cachedPng(const QString& source)
     return thumbnailImageFolder() + file.fileName() + file.suffix() + ".png";
 }
 
-TEST_F(ExtractorRequestsTest, EverySampleGivesItsCachedPicture)
+TEST_F(ExtractorRequestsTest, EverySampleGetsItsCachedPicture)
 {
     for (const samples::SampleFile& sample : samples::sampleFiles()) {
         SCOPED_TRACE(sample.name);
@@ -91,7 +91,7 @@ TEST_F(ExtractorRequestsTest, PicturesOfFewColoursBecomeOpaqueBitmapsOfFullDepth
     EXPECT_EQ(bitsFor(opaque), std::vector<quint32>({0xFF112233}));
 }
 
-// The preview claims a size that no memory holds, so the reader fails with an error of the standard library.
+// The preview claims an impossible size, so the reader fails with an exception of the standard library.
 TEST_F(ExtractorRequestsTest, ErrorOfTheStandardLibraryStaysInside)
 {
     samples::VrxParts hostile;
@@ -100,7 +100,7 @@ TEST_F(ExtractorRequestsTest, ErrorOfTheStandardLibraryStaysInside)
     hostile.preview.dataSize = -1;
     const auto object = m_server.make<IPersistFile>();
     EXPECT_EQ(load(object, writeSource("hostile.vrx", samples::vrxBytes(hostile))), S_FALSE);
-    EXPECT_FALSE(logMessages().contains("73 getImage False")) << "it passes through the job";
+    EXPECT_FALSE(logMessages().contains("73 getImage False")) << "the job does not catch it";
     EXPECT_TRUE(extract(object).isNull());
     EXPECT_FALSE(request(writeSample("good.vrx")).isNull());
 }
@@ -110,7 +110,7 @@ struct PathRow {
     QString path;
 };
 
-TEST_F(ExtractorRequestsTest, PathsMayHoldAnyLetters)
+TEST_F(ExtractorRequestsTest, PathsMayContainAnyLetters)
 {
     const QString longName = QString("segment-of-a-long-path/").repeated(20);
     const PathRow rows[] = {
@@ -146,7 +146,7 @@ struct RefusalRow {
     QStringList messages;
 };
 
-TEST_F(ExtractorRequestsTest, WhatIsNoSupportedFileIsRefused)
+TEST_F(ExtractorRequestsTest, UnsupportedFilesAreRefused)
 {
     request(writeSample("a.vrx"));
     const QString text = writeSource("a.txt", "text");
@@ -191,7 +191,7 @@ TEST_F(ExtractorRequestsTest, LogShowsEachRequest)
     EXPECT_EQ(logMessages(), hit + hit + hit);
 }
 
-TEST_F(ExtractorRequestsTest, ExtractHandsOutWhatTheCacheHolds)
+TEST_F(ExtractorRequestsTest, ExtractReturnsWhatTheCacheHolds)
 {
     const QString source = writeSample("a.vrx");
     const auto object = m_server.make<IPersistFile>();
@@ -214,15 +214,15 @@ TEST_F(ExtractorRequestsTest, ExtractNeedsASuccessfulLoad)
     const QString source = writeSample("a.vrx");
     EXPECT_FALSE(request(source).isNull());
     const auto object = m_server.make<IPersistFile>();
-    EXPECT_TRUE(extract(object).isNull()) << "before any";
+    EXPECT_TRUE(extract(object).isNull()) << "before any Load";
     ASSERT_EQ(load(object, source), S_OK);
     ASSERT_EQ(load(object, m_folder.filePath("missing.vrx")), S_FALSE);
-    EXPECT_TRUE(extract(object).isNull()) << "after a failed one";
+    EXPECT_TRUE(extract(object).isNull()) << "after a failed Load";
     ASSERT_EQ(load(object, source), S_OK);
     EXPECT_FALSE(extract(object).isNull());
 }
 
-TEST_F(ExtractorRequestsTest, ExtractWithoutAPlaceForTheBitmapEndsTheRequest)
+TEST_F(ExtractorRequestsTest, ExtractWithoutAnOutPointerEndsTheRequest)
 {
     const auto extractor = m_server.make<IExtractImage>();
     ComPtr<IPersistFile> file;

@@ -1,4 +1,4 @@
-// What only Windows does to a request: files that nobody else may open, and pictures that somebody reads.
+// Faults that only Windows has: files that are open exclusively, and pictures that cannot be replaced while being read.
 
 #include "core/data_location.h"
 #include "tests/shell/server_test.h"
@@ -21,7 +21,7 @@ namespace zr::test
 namespace
 {
 
-// A file that this program holds open while the object lives, with what it lets others do meanwhile.
+// Keeps a file open while the object lives, with the given sharing mode.
 class OpenFile
 {
 public:
@@ -35,7 +35,7 @@ public:
     OpenFile(const OpenFile&) = delete;
     OpenFile& operator=(const OpenFile&) = delete;
 
-    // Of the file, whatever its name.
+    // Identifies the file, whatever its name.
     quint64 identity() const
     {
         BY_HANDLE_FILE_INFORMATION information = {};
@@ -62,7 +62,7 @@ protected:
         ASSERT_TRUE(QFile::remove(defaultLogPath()));
     }
 
-    // Load, which fails, and Extract.
+    // A failing Load, then Extract.
     void expectNoThumbnail(const QString& path) const
     {
         const auto object = m_server.make<IPersistFile>();
@@ -71,10 +71,10 @@ protected:
         EXPECT_EQ(logMessages().last(), "73 getImage False");
     }
 
-    // The next request has to make the picture anew.
+    // The next request has to make the picture again.
     void changeSource() const { moveTimeStamp(m_source, 1000); }
 
-    // The same, in place of a picture with other contents.
+    // The same, and the existing PNG has other contents.
     void changeSourceAndPicture() const
     {
         changeSource();
@@ -87,7 +87,7 @@ protected:
     QImage m_picture;
 };
 
-TEST_F(FaultsTest, LockedSourceIsTold)
+TEST_F(FaultsTest, LockedSourceIsReported)
 {
     for (const char* sample : {"rook.vrx", "bottle.photons", "gear.stl", "duck.obj", "tower.slc"}) {
         const QString path = writeSource(QString("locked-") + sample, sampleBytes(sample));
@@ -99,7 +99,7 @@ TEST_F(FaultsTest, LockedSourceIsTold)
     }
 }
 
-TEST_F(FaultsTest, LockedLogLosesItsLinesAndNothingElse)
+TEST_F(FaultsTest, LockedLogOnlyLosesItsLines)
 {
     writeFile(defaultLogPath(), "");
     {
@@ -111,7 +111,7 @@ TEST_F(FaultsTest, LockedLogLosesItsLinesAndNothingElse)
     EXPECT_FALSE(logMessages().isEmpty());
 }
 
-TEST_F(FaultsTest, PngThatNobodyElseMayOpenIsKeptAndTheFailureTold)
+TEST_F(FaultsTest, ExclusivelyOpenPngIsKeptAndTheFailureReported)
 {
     changeSource();
     const QByteArray before = readFile(png());
@@ -123,8 +123,8 @@ TEST_F(FaultsTest, PngThatNobodyElseMayOpenIsKeptAndTheFailureTold)
     EXPECT_EQ(request(m_source), m_picture);
 }
 
-// As the library's own readers open it. A file that is being read cannot be replaced.
-TEST_F(FaultsTest, PngThatSomebodyReadsForLongIsOverwritten)
+// Opened as the C library opens files. A file that is being read cannot be replaced.
+TEST_F(FaultsTest, PngThatIsReadForLongIsOverwritten)
 {
     changeSourceAndPicture();
     const OpenFile reader(png(), kReadersAndWriters);
@@ -132,7 +132,7 @@ TEST_F(FaultsTest, PngThatSomebodyReadsForLongIsOverwritten)
     EXPECT_EQ(QDir(thumbnailImageFolder()).entryList({".*"}, QDir::Files | QDir::Hidden), QStringList());
 }
 
-TEST_F(FaultsTest, PngThatSomebodyReadsForAMomentIsReplaced)
+TEST_F(FaultsTest, PngThatIsReadForAMomentIsReplaced)
 {
     changeSourceAndPicture();
     auto reader = std::make_unique<OpenFile>(png(), kReadersAndWriters);
@@ -144,8 +144,8 @@ TEST_F(FaultsTest, PngThatSomebodyReadsForAMomentIsReplaced)
     leaving.join();
 }
 
-// Another process may be about to hand it out.
-TEST_F(FaultsTest, PngOfTheSameContentsStaysWhereItIs)
+// Another process may be about to return it.
+TEST_F(FaultsTest, PngOfTheSameContentsIsNotReplaced)
 {
     changeSource();
     const auto fileOf = [](const QString& path) {

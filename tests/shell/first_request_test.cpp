@@ -1,4 +1,4 @@
-// The start of Qt happens once per process, so this program has one test.
+// Qt starts once per process, so this program has one test.
 
 #include "tests/shell/server_test.h"
 #include "tests/support/qt_printers.h"
@@ -22,7 +22,7 @@ TEST_F(FirstRequestTest, StartsQtOnceAndKeepsTheServerLoaded)
     auto object = m_server.make<IPersistFile>();
 
     EXPECT_EQ(load(object, source), S_OK);
-    EXPECT_TRUE(QCoreApplication::startingUp()) << "the server's Qt is its own";
+    EXPECT_TRUE(QCoreApplication::startingUp()) << "the server has its own Qt";
     EXPECT_FALSE(extract(object).isNull());
     EXPECT_EQ(logMessages(), QStringList({"37 in 2 " + source, "61 app start", "63 app after", "84  throw "}));
 

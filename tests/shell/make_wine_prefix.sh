@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Makes the Wine prefix WINEPREFIX anew, with an empty registry and an empty profile.
+# Makes a new Wine prefix WINEPREFIX, with an empty registry and an empty profile.
 set -euo pipefail
 : "${WINEPREFIX:?names the prefix to make}"
 if [[ -d $WINEPREFIX ]]; then

@@ -23,7 +23,7 @@ int toleranceOf(const QString& name)
     return models.contains(QFileInfo(name).suffix()) ? kModelTolerance : 0;
 }
 
-// The largest difference of any channel of any pixel of two pictures of one size.
+// The max difference of any channel of any pixel of two pictures of one size.
 int largestDifference(const QImage& left, const QImage& right)
 {
     int largest = 0;

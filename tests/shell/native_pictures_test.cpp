@@ -1,4 +1,4 @@
-// The DLL gives the pictures that the Linux host gives.
+// The DLL makes the same pictures as the Linux host.
 
 #include "tests/shell/native_pictures.h"
 #include "tests/shell/server_test.h"

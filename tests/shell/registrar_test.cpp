@@ -11,7 +11,7 @@ namespace
 
 constexpr wchar_t kPlayground[] = L"Software\\ZRThumbnail registrar test";
 
-// HKEY_CLASSES_ROOT is an empty key of this test's own.
+// HKEY_CLASSES_ROOT is mapped to an empty key of this test.
 class RegistrarTest : public ::testing::Test
 {
 protected:
@@ -40,7 +40,7 @@ protected:
 
     RegistryLines written() const { return registryBelow(m_classes); }
 
-    // Below a volatile key, the system refuses keys that are to stay.
+    // Windows refuses to create permanent keys below a volatile one.
     void makeVolatileKey(const std::wstring& path) const
     {
         HKEY key = nullptr;
@@ -80,7 +80,7 @@ TEST_F(RegistrarTest, OverwritesValues)
     EXPECT_EQ(written(), RegistryLines({L"A", L"A =\"new\"", L"A Name=4:01000000"}));
 }
 
-TEST_F(RegistrarTest, UnregisteringRemovesEverythingButNoRemoveKeys)
+TEST_F(RegistrarTest, UnregisteringRemovesAllButNoRemoveKeys)
 {
     const auto keys = script(L"HKCR { A = s 'a' { B { C = s 'c' } } NoRemove N { val V = s 'v' D { E } } "
                              L"NoRemove M { ForceRemove F { G } } }");
@@ -89,7 +89,7 @@ TEST_F(RegistrarTest, UnregisteringRemovesEverythingButNoRemoveKeys)
     EXPECT_EQ(written(), RegistryLines({L"M", L"N"}));
 }
 
-TEST_F(RegistrarTest, UnregisteringLeavesWhatOthersHaveWritten)
+TEST_F(RegistrarTest, UnregisteringLeavesKeysOfOtherPrograms)
 {
     const auto keys = script(L"HKCR { A = s 'a' { val V = s 'v' B = s 'b' } NoRemove N { shellex { {1} = s 'x' } } }");
     ASSERT_EQ(registerScript(keys), S_OK);
@@ -101,7 +101,7 @@ TEST_F(RegistrarTest, UnregisteringLeavesWhatOthersHaveWritten)
                                         L"N\\shellex\\{2}", L"N\\shellex\\{2} =\"t\""}));
 }
 
-TEST_F(RegistrarTest, UnregisteringForceRemoveKeysTakesEverything)
+TEST_F(RegistrarTest, UnregisteringForceRemoveKeysRemovesEverything)
 {
     const auto keys = script(L"HKCR { ForceRemove A = s 'a' { B } }");
     ASSERT_EQ(registerScript(keys), S_OK);
@@ -110,7 +110,7 @@ TEST_F(RegistrarTest, UnregisteringForceRemoveKeysTakesEverything)
     EXPECT_EQ(written(), RegistryLines());
 }
 
-TEST_F(RegistrarTest, UnregisteringWhatIsNotThereSucceeds)
+TEST_F(RegistrarTest, UnregisteringMissingKeysSucceeds)
 {
     const auto keys = script(L"HKCR { A = s 'a' { B } ForceRemove C NoRemove D { E { val F = s 'f' } } }");
     EXPECT_EQ(unregisterScript(keys), S_OK);
@@ -140,10 +140,10 @@ TEST_F(RegistrarTest, FirstFailureEndsTheRegistrationAndUndoesIt)
     EXPECT_EQ(written(), RegistryLines({L"N", L"N\\Theirs", L"N\\Theirs =\"t\"", L"Stubborn"}));
 }
 
-TEST_F(RegistrarTest, FailureIsTheFirstOne)
+TEST_F(RegistrarTest, FirstFailureIsReported)
 {
     makeVolatileKey(L"Stubborn");
-    // Longer than the system lets a key's name be.
+    // Too long for the name of a key.
     const std::wstring tooLong(300, L'x');
     HKEY key = nullptr;
     const LSTATUS refusal =
@@ -155,7 +155,7 @@ TEST_F(RegistrarTest, FailureIsTheFirstOne)
     EXPECT_EQ(written(), RegistryLines({L"Stubborn"}));
 }
 
-TEST_F(RegistrarTest, OtherRootsAreReached)
+TEST_F(RegistrarTest, OtherRootsWork)
 {
     const auto keys = script(L"HKCU { NoRemove Software { 'ZRThumbnail registrar test' { Mine } } }");
     EXPECT_EQ(registerScript(keys), S_OK);

@@ -1,4 +1,4 @@
-// What regsvr32 and the two exports behind it do to the registry.
+// What regsvr32 and the two exports that it calls do to the registry.
 
 #include "core/data_location.h"
 #include "tests/shell/registry_dump.h"
@@ -32,7 +32,7 @@ const std::wstring kHandler = L"shellex\\{BB2E617C-0920-11d1-9A0B-00C04FC2D6C1}"
 
 constexpr HRESULT kChildMustBeVolatile = static_cast<HRESULT>(0x800703FD);
 
-// Every key and value that is to be written for the DLL at this path, but for the type library's.
+// Every key and value to be written for the DLL at this path, except the type library's.
 RegistryLines expectedEntries(const std::wstring& dllPath)
 {
     RegistryLines lines = {
@@ -79,7 +79,7 @@ RegistryLines suffixKeys()
     return lines;
 }
 
-// All of the registry's classes but for type libraries and their interfaces, whose form is the system's affair.
+// All classes in the registry except type libraries and their interfaces, whose form is up to the system.
 RegistryLines classes()
 {
     return registryBelow(HKEY_CLASSES_ROOT, {L"TypeLib", L"Typelib", L"Interface", L"Wow6432Node"});
@@ -151,7 +151,7 @@ TEST_F(RegistrationTest, Regsvr32WritesEveryKeyAndRemovesItAgain)
     EXPECT_FALSE(keyExists(HKEY_CLASSES_ROOT, kInterface));
 }
 
-TEST_F(RegistrationTest, RegisteringTwiceIsRegisteringOnce)
+TEST_F(RegistrationTest, RegisteringTwiceIsLikeRegisteringOnce)
 {
     EXPECT_EQ(m_server.registerServer(), S_OK);
     writeString(HKEY_CLASSES_ROOT, kClass, L"Stale", L"of an older version");
@@ -161,7 +161,7 @@ TEST_F(RegistrationTest, RegisteringTwiceIsRegisteringOnce)
     expectWritten(expectedEntries(ServerDll::path()));
 }
 
-TEST_F(RegistrationTest, UnregisteringTwiceIsUnregisteringOnce)
+TEST_F(RegistrationTest, UnregisteringTwiceIsLikeUnregisteringOnce)
 {
     EXPECT_EQ(m_server.unregisterServer(), S_OK);
     expectWritten({});
@@ -187,7 +187,7 @@ TEST_F(RegistrationTest, KeysOfOtherProgramsSurvive)
     EXPECT_FALSE(keyExists(HKEY_CLASSES_ROOT, L".gf\\shellex"));
 }
 
-// Below a volatile key, the system refuses keys that are to stay.
+// Windows refuses to create permanent keys below a volatile one.
 TEST_F(RegistrationTest, FailureHalfWayIsReportedAndUndone)
 {
     HKEY key = nullptr;
@@ -246,8 +246,8 @@ TEST_F(RegistrationTest, TypeLibraryIsFoundThroughTheRegistry)
     EXPECT_TRUE(FAILED(LoadRegTypeLib(kLibraryId, 1, 0, 0, &library)));
 }
 
-// The path goes into the script where a quote, a per cent sign or a keyword would have a meaning.
-TEST_F(RegistrationTest, PathOfTheDllMayHoldAnyLetters)
+// The path is inserted into the script, where a quote, a per cent sign or a keyword would have a meaning.
+TEST_F(RegistrationTest, PathOfTheDllMayContainAnyLetters)
 {
     const QTemporaryDir folder;
     const QString odd = QDir(folder.path()).filePath(QString::fromUtf8("it's 100%MODULE% { val } \u0142\u00f3\u017c"));

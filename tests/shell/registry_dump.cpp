@@ -10,7 +10,7 @@ namespace zr::test
 namespace
 {
 
-// Longer than any name of a key or a value.
+// No name of a key or a value is longer.
 constexpr DWORD kMaxName = 16384;
 
 std::wstring hexadecimal(const std::vector<BYTE>& data)

@@ -8,20 +8,19 @@
 namespace zr::test
 {
 
-/// Lines of text on a part of the registry, sorted: "PATH" for each key and "PATH NAME=DATA" for each value, the name
+/// A part of the registry as sorted lines of text: "PATH" for each key and "PATH NAME=DATA" for each value, the name
 /// of a default value being empty. Strings are in double quotes, other data in hexadecimal bytes.
 using RegistryLines = std::vector<std::wstring>;
 
 /// What is below `key`, without a line for the key itself and without the subkeys of these names.
 RegistryLines registryBelow(HKEY key, const std::vector<std::wstring>& except = {});
 
-/// Whether there is such a key.
 bool keyExists(HKEY root, const std::wstring& path);
 
-/// The default value as a string; a remark when there is none.
+/// The default value as a string; a note if there is none.
 std::wstring defaultValue(HKEY root, const std::wstring& path);
 
-/// Makes the key, and gives it a string value; an empty name stands for the default one.
+/// Makes the key; sets a string value of it, for an empty name the default one.
 void writeKey(HKEY root, const std::wstring& path);
 void writeString(HKEY root, const std::wstring& path, const std::wstring& name, const std::wstring& text);
 

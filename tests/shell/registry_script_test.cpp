@@ -89,14 +89,14 @@ TEST(RegistryScriptTest, ValuesAreStringsAndNumbers)
                      L"HKCR\\K Most=4294967295", L"HKCR\\K Empty=\"\"", L"HKCR\\L", L"HKCR\\L =7"}));
 }
 
-TEST(RegistryScriptTest, QuotesHoldAnything)
+TEST(RegistryScriptTest, QuotesMayContainAnything)
 {
     EXPECT_EQ(describe(L"HKCR { 'a key' = s 'it''s' '{' 'val' 'NoRemove' { '=' } {GUID} = s bare }"),
               Lines({L"HKCR\\a key", L"HKCR\\a key =\"it's\"", L"HKCR\\{", L"HKCR\\val", L"HKCR\\NoRemove",
                      L"HKCR\\NoRemove\\=", L"HKCR\\{GUID}", L"HKCR\\{GUID} =\"bare\""}));
 }
 
-TEST(RegistryScriptTest, MarksAreReplaced)
+TEST(RegistryScriptTest, PlaceholdersAreReplaced)
 {
     const RegistryReplacements replacements = {{L"MODULE", L"C:\\it's 100%NAME%.dll"}, {L"NAME", L"{ val }"}};
     EXPECT_EQ(
@@ -148,7 +148,7 @@ constexpr const wchar_t* kBadScripts[] = {
     L"HKCR { A = d -1 }",                   // not a DWORD
     L"HKCR { A = d '' }",                   // no number
     L"HKCR { A = d 4294967296 }",           // too large
-    L"HKCR { A = d 18446744073709551616 }", // too large for any counting in 64 bits
+    L"HKCR { A = d 18446744073709551616 }", // too large for 64 bits
     L"HKCR { A { val = s 'x' } }",          // no name
     L"HKCR { A { val V } }",                // a named value without a value
     L"HKCR { A { val V = s 'x' { B } } }",  // a value with a block
@@ -167,7 +167,7 @@ constexpr const wchar_t* kBadScripts[] = {
 
 INSTANTIATE_TEST_SUITE_P(All, BadRegistryScriptTest, ::testing::ValuesIn(kBadScripts));
 
-TEST(RegistryScriptTest, EveryBeginningOfAScriptIsRefused)
+TEST(RegistryScriptTest, TruncatedScriptsAreRefused)
 {
     const std::wstring script = L"HKCR { NoRemove A = s 'it''s' { val B = d 12 ForceRemove C = s '%MODULE%' } }";
     const RegistryReplacements replacements = {{L"MODULE", L"m"}};

@@ -1,4 +1,4 @@
-// What the DLL carries besides code.
+// The DLL's resources.
 
 #include "tests/shell/server_dll.h"
 
@@ -81,7 +81,7 @@ protected:
     ComPtr<ITypeLib> m_library;
 };
 
-TEST_F(TypeLibraryTest, HasItsIdentity)
+TEST_F(TypeLibraryTest, HasItsIdentifier)
 {
     TLIBATTR* attributes = nullptr;
     ASSERT_EQ(m_library->GetLibAttr(&attributes), S_OK);
@@ -118,7 +118,7 @@ TEST_F(TypeLibraryTest, InterfaceIsDualAndHasNoMethodsOfItsOwn)
     EXPECT_TRUE(dispatch.wTypeFlags & TYPEFLAG_FDUAL);
     EXPECT_EQ(documentation(implementedType(type)).name, L"IDispatch");
 
-    // The other face of a dual interface, as C++ sees it.
+    // The vtable side of a dual interface.
     HREFTYPE reference = 0;
     ComPtr<ITypeInfo> face;
     ASSERT_EQ(type->GetRefTypeOfImplType(static_cast<UINT>(-1), &reference), S_OK);
@@ -165,7 +165,7 @@ protected:
     std::vector<BYTE> m_block;
 };
 
-TEST_F(VersionTest, NumbersAreTheProjects)
+TEST_F(VersionTest, NumbersAreThoseOfTheProject)
 {
     VS_FIXEDFILEINFO* info = nullptr;
     UINT length = 0;

@@ -22,7 +22,7 @@ using ClassObjectFunction = HRESULT(STDAPICALLTYPE*)(REFCLSID, REFIID, void**);
 
 } // namespace
 
-// As COM loads it: DLLs are looked for beside it first.
+// As COM loads it: its own folder is searched first for DLLs.
 ServerDll::ServerDll() : m_module(LoadLibraryExW(path().c_str(), nullptr, LOAD_WITH_ALTERED_SEARCH_PATH))
 {
     EXPECT_TRUE(m_module) << "error " << GetLastError();

@@ -15,7 +15,7 @@ using Microsoft::WRL::ComPtr;
 /// The class's identifier as clients know it.
 constexpr GUID kClassId = {0xE45A903D, 0x53AE, 0x4A14, {0x90, 0x6E, 0x02, 0x60, 0xD1, 0x3F, 0xF7, 0x7F}};
 
-/// ZRThumbnail.dll as it was built, loaded while the object lives unless the server keeps itself loaded.
+/// The built ZRThumbnail.dll, loaded while the object lives unless the server keeps itself loaded.
 class ServerDll
 {
 public:
@@ -36,7 +36,7 @@ public:
     /// The class factory; the test fails when there is none.
     ComPtr<IClassFactory> factory() const;
 
-    /// A new object, asked for one interface; the test fails when it cannot be made.
+    /// A new object's interface; the test fails if the object cannot be made.
     template <typename Interface>
     ComPtr<Interface> make() const
     {

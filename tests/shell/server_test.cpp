@@ -35,7 +35,7 @@ void ServerTest::SetUp()
     createDataFolder();
 }
 
-// The log is open from Load to Extract, and no folder goes with an open file in it.
+// The log is open from Load to Extract, and a folder with an open file cannot be removed.
 void ServerTest::TearDown()
 {
     if (hasLoaded)

@@ -1,5 +1,5 @@
-# For tests that drive the DLL. Registering it changes the registry, so they have a Wine prefix of their own, made anew
-# by every run, and take turns in it.
+# For tests that use the DLL. Registering it changes the registry, so they have their own Wine prefix, which every run
+# creates from scratch, and take turns in it.
 
 set(ZRTHUMB_WINE_PREFIX "${CMAKE_BINARY_DIR}/wine-prefix")
 
@@ -14,7 +14,7 @@ function(zr_use_server test)
     set_property(TEST ${test} APPEND PROPERTY FIXTURES_REQUIRED server_prefix)
 endfunction()
 
-# zr_register_server(TEST): the server is registered while the test's program, which it has alone, runs.
+# zr_register_server(TEST): the server is registered while the test's program runs, which has no other test.
 function(zr_register_server test)
     zr_use_server(${test})
     add_dependencies(${test} ZRThumbnail)

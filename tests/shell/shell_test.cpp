@@ -1,4 +1,4 @@
-// The file browser's own way to the picture of a file: from its folder's IExtractImage, which the registry leads to.
+// The path that the file browser takes: the folder's IExtractImage for a file, which the registry leads to.
 
 #include "host/bitmap_to_image.h"
 #include "tests/shell/server_test.h"
@@ -20,7 +20,7 @@ namespace
 class ShellTest : public ServerTest
 {
 protected:
-    // What the file's folder offers; nothing when it has no thumbnails for such files.
+    // What the file's folder offers; null if it has no thumbnails for such files.
     static ComPtr<IExtractImage> extractorOf(const QString& path)
     {
         PIDLIST_ABSOLUTE item = nullptr;
@@ -91,7 +91,7 @@ TEST_F(ShellTest, DateStampIsOffered)
     EXPECT_FALSE(pictureOf(extractor).isNull());
 }
 
-TEST_F(ShellTest, OtherFilesAreNotAskedFor)
+TEST_F(ShellTest, OtherFilesAreNotRequested)
 {
     EXPECT_FALSE(extractorOf(writeSource("a.txt", "text")));
     EXPECT_EQ(logMessages(), QStringList());

@@ -63,7 +63,7 @@ TEST_F(ZrthumbServerTest, DllMayBeNamedRelativeToTheFolder)
     EXPECT_EQ(run({"--dll", "copy.dll", "a.vrx"}).status, 0);
 }
 
-TEST_F(ZrthumbServerTest, MissingServerIsToldForEachFile)
+TEST_F(ZrthumbServerTest, MissingServerIsReportedForEachFile)
 {
     const QString path = sample("a.vrx");
     const QString prefix = "zrthumb: " + path + ": no thumbnail: ";
@@ -83,7 +83,7 @@ TEST_F(ZrthumbServerTest, MissingServerIsToldForEachFile)
     EXPECT_EQ(outcome.err, prefix + "the DLL " + noServer + " is no thumbnail server\n");
 }
 
-// Both are one file each; nothing has to be beside them.
+// Both are one file each and need no other file.
 TEST_F(ZrthumbServerTest, CopiesWorkAnywhere)
 {
     const QDir built = QFileInfo(server()).dir();
