@@ -1,4 +1,4 @@
-// zrthumb.exe --check: what it finds in an installation where all is well, and each fault that it is to name.
+// zrthumb.exe --check: what it finds in a sound installation, and each fault that it must report.
 
 #include "core/data_location.h"
 #include "tests/packaging/package_test.h"
@@ -24,9 +24,9 @@ const std::wstring kShellExtensions = L"Software\\Microsoft\\Windows\\CurrentVer
 const std::wstring kClassId = L"{E45A903D-53AE-4A14-906E-0260D13FF77F}";
 
 const QString kNoReader = "ZRThumbnail cannot read such files, so they show no thumbnail";
-const QString kRegisterAnew = "run the installer again, or register.cmd in the folder of ZRThumbnail.dll";
+const QString kRegisterAgain = "run the installer again, or register.cmd in the folder of ZRThumbnail.dll";
 
-// A value of the registry while the object lives. It had none before.
+// A value that is in the registry only while the object lives.
 class RegistryValue
 {
 public:
@@ -58,7 +58,7 @@ struct ListedClass : RegistryValue {
     }
 };
 
-// Everything but registered in a folder of its own.
+// The files are in a folder of their own, not yet registered.
 class CheckInstallationTest : public PackageTest
 {
 protected:
@@ -120,7 +120,7 @@ TEST_F(CheckInstallationTest, AllIsWell)
     EXPECT_FALSE(QFileInfo::exists(dataFolder()));
 }
 
-TEST_F(CheckInstallationTest, ServerElsewhereIsLookedAtThere)
+TEST_F(CheckInstallationTest, ServerInAnotherFolderIsChecked)
 {
     registerServer();
     const ProgramRun run = PackageTest::run(unpackedZip() + "/zrthumb.exe", {"--check"});
@@ -143,17 +143,17 @@ TEST_F(CheckInstallationTest, ChangesNothing)
     EXPECT_EQ(added(after, before).registry, RegistryLines());
     EXPECT_EQ(before.files, after.files);
     EXPECT_TRUE(readFile(defaultLogPath()).startsWith(log));
-    // The row of no sample is left to be counted.
+    // No row of a sample is left, so the number of rows is the same.
     EXPECT_EQ(check().out.filter("ok   database: "), run.out.filter("ok   database: "));
 }
 
-TEST_F(CheckInstallationTest, UnregisteredClassIsTold)
+TEST_F(CheckInstallationTest, UnregisteredClassIsReported)
 {
     const ProgramRun run = check();
-    QStringList expected = {"FAIL class: not registered: " + kRegisterAnew};
+    QStringList expected = {"FAIL class: not registered: " + kRegisterAgain};
     for (const QString& suffix : kRegisteredSuffixes) {
         if (suffix != ".photon")
-            expected += "FAIL " + suffix + ": no program makes thumbnails: " + kRegisterAnew;
+            expected += "FAIL " + suffix + ": no program makes thumbnails: " + kRegisterAgain;
     }
     expected += "FAIL sample slice file: no thumbnail: the thumbnail server is not registered: run the installer or "
                 "register.cmd, or name it with --dll; mend what is marked FAIL above, if anything is";
@@ -161,19 +161,19 @@ TEST_F(CheckInstallationTest, UnregisteredClassIsTold)
     EXPECT_EQ(run.out.last(), "12 problems found; the first one is the one to mend first");
 }
 
-TEST_F(CheckInstallationTest, RegisteredPathThatIsGoneIsTold)
+TEST_F(CheckInstallationTest, MissingRegisteredFileIsReported)
 {
     registerServer();
     remove("ZRThumbnail.dll");
     const QStringList failures = failuresOf(check());
     ASSERT_EQ(failures.size(), 2);
-    EXPECT_EQ(failures[0], "FAIL server: " + m_place + "/ZRThumbnail.dll is not there: " + kRegisterAnew);
+    EXPECT_EQ(failures[0], "FAIL server: " + m_place + "/ZRThumbnail.dll is not there: " + kRegisterAgain);
     EXPECT_TRUE(failures[1].startsWith("FAIL sample slice file: no thumbnail: the registered thumbnail server does not "
                                        "start (error 0x"))
         << failures[1].toStdString();
 }
 
-TEST_F(CheckInstallationTest, DamagedServerIsTold)
+TEST_F(CheckInstallationTest, DamagedServerIsReported)
 {
     registerServer();
     writeFile(m_place + "/ZRThumbnail.dll", "damaged");
@@ -185,12 +185,12 @@ TEST_F(CheckInstallationTest, DamagedServerIsTold)
         << failures[0].toStdString();
 }
 
-TEST_F(CheckInstallationTest, ForeignHandlerIsToldWithAllThatIsKnownOfIt)
+TEST_F(CheckInstallationTest, ForeignHandlerIsReportedWithItsDetails)
 {
     registerServer();
     writeString(HKEY_CLASSES_ROOT, L".stl" + kHandlerSubkey, L"", kOtherHandler);
     const QString sentence =
-        "FAIL .stl: another program makes the thumbnails (%1): turn that off there, or " + kRegisterAnew;
+        "FAIL .stl: another program makes the thumbnails (%1): turn that off there, or " + kRegisterAgain;
     EXPECT_EQ(failuresOf(check()), QStringList(sentence.arg("{11111111-2222-3333-4444-555555555555}")));
 
     const std::wstring other = L"CLSID\\" + kOtherHandler;
@@ -202,24 +202,24 @@ TEST_F(CheckInstallationTest, ForeignHandlerIsToldWithAllThatIsKnownOfIt)
 }
 
 // File browsers ask handlers of the newer kind first.
-TEST_F(CheckInstallationTest, ForeignHandlerOfTheNewerKindIsTold)
+TEST_F(CheckInstallationTest, ForeignHandlerOfTheNewerKindIsReported)
 {
     registerServer();
     writeString(HKEY_CLASSES_ROOT, L".obj" + kProviderSubkey, L"", kOtherHandler);
     EXPECT_EQ(failuresOf(check()),
               QStringList("FAIL .obj: another program makes the thumbnails ({11111111-2222-3333-4444-555555555555}): "
                           "turn that off there, or " +
-                          kRegisterAnew));
+                          kRegisterAgain));
 }
 
-TEST_F(CheckInstallationTest, MissingHandlerIsTold)
+TEST_F(CheckInstallationTest, MissingHandlerIsReported)
 {
     registerServer();
     removeTree(HKEY_CLASSES_ROOT, L".gf");
-    EXPECT_EQ(failuresOf(check()), QStringList("FAIL .gf: no program makes thumbnails: " + kRegisterAnew));
+    EXPECT_EQ(failuresOf(check()), QStringList("FAIL .gf: no program makes thumbnails: " + kRegisterAgain));
 }
 
-TEST_F(CheckInstallationTest, SuffixWithoutReaderIsNoProblem)
+TEST_F(CheckInstallationTest, SuffixWithoutReaderIsNotAProblem)
 {
     registerServer();
     for (const bool isRegistered : {true, false}) {
@@ -232,7 +232,7 @@ TEST_F(CheckInstallationTest, SuffixWithoutReaderIsNoProblem)
     }
 }
 
-TEST_F(CheckInstallationTest, FileBrowserWithoutThumbnailsIsTold)
+TEST_F(CheckInstallationTest, FileBrowserWithoutThumbnailsIsReported)
 {
     registerServer();
     const RegistryValue value(HKEY_CURRENT_USER, kExplorer + L"Advanced", L"IconsOnly");
@@ -247,7 +247,7 @@ struct Place {
     QString name;
 };
 
-// Where administrators set policies.
+// The keys in which administrators set policies.
 const Place kPlacesOfPolicies[] = {
     {HKEY_CURRENT_USER, kPolicies, "HKEY_CURRENT_USER\\" + QString::fromStdWString(kPolicies)},
     {HKEY_LOCAL_MACHINE, kPolicies, "HKEY_LOCAL_MACHINE\\" + QString::fromStdWString(kPolicies)},
@@ -259,7 +259,7 @@ class PolicyTest : public CheckInstallationTest, public ::testing::WithParamInte
 {
 };
 
-TEST_P(PolicyTest, AgainstThumbnailsIsTold)
+TEST_P(PolicyTest, AgainstThumbnailsIsReported)
 {
     registerServer();
     const RegistryValue value(GetParam().hive, GetParam().key, L"DisableThumbnails");
@@ -269,7 +269,7 @@ TEST_P(PolicyTest, AgainstThumbnailsIsTold)
                           GetParam().name));
 }
 
-TEST_P(PolicyTest, AgainstThumbnailsInNetworkFoldersIsTold)
+TEST_P(PolicyTest, AgainstThumbnailsInNetworkFoldersIsReported)
 {
     registerServer();
     const RegistryValue value(GetParam().hive, GetParam().key, L"DisableThumbnailsOnNetworkFolders");
@@ -279,7 +279,7 @@ TEST_P(PolicyTest, AgainstThumbnailsInNetworkFoldersIsTold)
                           GetParam().name));
 }
 
-TEST_P(PolicyTest, AgainstExtensionsThatAreNotApprovedIsTold)
+TEST_P(PolicyTest, AgainstUnapprovedExtensionsIsReported)
 {
     registerServer();
     const RegistryValue value(GetParam().hive, GetParam().key, L"EnforceShellExtensionSecurity");
@@ -294,13 +294,13 @@ TEST_P(PolicyTest, AgainstExtensionsThatAreNotApprovedIsTold)
     }
 }
 
-TEST_P(PolicyTest, ThatIsOffIsNoProblem)
+TEST_P(PolicyTest, ThatIsOffIsNotAProblem)
 {
     registerServer();
     const RegistryValue thumbnails(GetParam().hive, GetParam().key, L"DisableThumbnails", 0);
     const RegistryValue network(GetParam().hive, GetParam().key, L"DisableThumbnailsOnNetworkFolders", 0);
     const RegistryValue security(GetParam().hive, GetParam().key, L"EnforceShellExtensionSecurity", 0);
-    // Has nothing to do with other programs' thumbnails.
+    // Does not concern thumbnails.
     const RegistryValue other(GetParam().hive, GetParam().key, L"DisableThumbsDBOnNetworkFolders");
     const ProgramRun run = check();
     EXPECT_EQ(run.status, 0);
@@ -309,7 +309,7 @@ TEST_P(PolicyTest, ThatIsOffIsNoProblem)
 
 INSTANTIATE_TEST_SUITE_P(Places, PolicyTest, ::testing::ValuesIn(kPlacesOfPolicies));
 
-TEST_F(CheckInstallationTest, BlockedClassIsTold)
+TEST_F(CheckInstallationTest, BlockedClassIsReported)
 {
     registerServer();
     for (const auto& [hive, name] : {std::make_pair(HKEY_LOCAL_MACHINE, "HKEY_LOCAL_MACHINE"),
@@ -322,10 +322,10 @@ TEST_F(CheckInstallationTest, BlockedClassIsTold)
     }
 }
 
-TEST_F(CheckInstallationTest, ReadOnlyDataFolderIsTold)
+TEST_F(CheckInstallationTest, ReadOnlyDataFolderIsReported)
 {
     registerServer();
-    // A place where nobody can write.
+    // A folder in which no user can write.
     const std::wstring folders = kExplorer + L"User Shell Folders";
     wchar_t before[MAX_PATH] = {};
     DWORD size = sizeof before;
@@ -342,7 +342,7 @@ TEST_F(CheckInstallationTest, ReadOnlyDataFolderIsTold)
     EXPECT_TRUE(failures[1].startsWith("FAIL sample slice file: no thumbnail: ")) << failures[1].toStdString();
 }
 
-TEST_F(WithoutOpenGlTest, MissingOpenGlIsTold)
+TEST_F(WithoutOpenGlTest, MissingOpenGlIsReported)
 {
     registerServer();
     EXPECT_EQ(failuresOf(check()),

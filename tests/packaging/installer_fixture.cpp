@@ -111,17 +111,17 @@ void InstallerFixture::expectFiles(const QString& folder, const QStringList& nam
         EXPECT_EQ(readFile(folder + '/' + name), name.toUtf8()) << name.toStdString();
 }
 
-// Wine makes no links, but takes those of the system below it for links.
+// Wine cannot create links, but recognises those of the host system.
 void InstallerFixture::linkFolder(const QString& link, const QString& target)
 {
-    // Nor does it tell the end of such programs.
+    // Nor does it report the end of the host system's programs.
     EXPECT_TRUE(QProcess::startDetached("Z:/bin/ln", {"-s", pathBelowWine(target), pathBelowWine(link)}));
     EXPECT_TRUE(waitUntil([&] { return isLink(link); }));
 }
 
 void InstallerFixture::removeLink(const QString& link)
 {
-    ASSERT_TRUE(isLink(link)) << "it stays";
+    ASSERT_TRUE(isLink(link)) << "the link must still exist";
     EXPECT_TRUE(QProcess::startDetached("Z:/bin/rm", {pathBelowWine(link)}));
     EXPECT_TRUE(waitUntil([&] { return !QFileInfo::exists(link); }));
 }

@@ -1,4 +1,4 @@
-// The folder that the installer takes for its own, and what of other people's files is in it and around it.
+// The folder that the installer uses as its own, and the user's files in and around it.
 
 #include "tests/packaging/installer_fixture.h"
 #include "tests/support/files.h"
@@ -28,7 +28,7 @@ protected:
 
     static ProgramRun installIn(const QString& folder) { return runRaw(setup(), "/S /D=" + folder); }
 
-    // As a version before the list had a first line of its own left it.
+    // As in versions whose list had no first line of ours yet.
     static void makeListOld(const QString& folder)
     {
         QByteArray list = readFile(folder + "/files.txt");
@@ -41,7 +41,7 @@ protected:
                                   "incoming/a.stl", "licenses/mine.txt", "retired/b.stl"};
 };
 
-TEST_F(InstallerFolderTest, OptionIsTakenAsWritten)
+TEST_F(InstallerFolderTest, OptionIsUsedAsWritten)
 {
     const QString umlauts = QString::fromUtf8("D\xc3\xb6ner & 3D (neu)");
     const struct {
@@ -67,7 +67,7 @@ TEST_F(InstallerFolderTest, OptionIsTakenAsWritten)
     }
 }
 
-TEST_F(InstallerFolderTest, FolderOfTheUserStaysAsItIs)
+TEST_F(InstallerFolderTest, FolderOfTheUserIsNotChanged)
 {
     writeFiles(kModels, m_theirs);
     for (int i = 0; i < 2; ++i) {
@@ -100,7 +100,7 @@ TEST_F(InstallerFolderTest, FilesOfTheUserNextToOursStay)
     EXPECT_TRUE(QDir(kInstallFolder).removeRecursively());
 }
 
-TEST_F(InstallerFolderTest, FileOfTheUserInThePlaceOfANewOneIsRefused)
+TEST_F(InstallerFolderTest, FileOfTheUserInPlaceOfANewOneIsRefused)
 {
     ASSERT_EQ(install(setup()), 0);
     for (const char* const name : {"older/only.txt", "platforms"}) {
@@ -127,7 +127,7 @@ TEST_F(InstallerFolderTest, UnpackedZipStays)
     EXPECT_EQ(filesBelow(kModels), zip);
 }
 
-TEST_F(InstallerFolderTest, OlderVersionIsKnownByTheRegistry)
+TEST_F(InstallerFolderTest, OlderVersionIsRecognisedByTheRegistry)
 {
     ASSERT_EQ(install(olderSetup()), 0);
     makeListOld(kInstallFolder);
@@ -138,11 +138,11 @@ TEST_F(InstallerFolderTest, OlderVersionIsKnownByTheRegistry)
     ASSERT_EQ(runRaw(olderSetup(), "/S /D=C:\\Models").status, 0);
     makeListOld(kModels);
     ASSERT_EQ(installIn("C:\\Elsewhere").status, 0);
-    EXPECT_FALSE(QFileInfo::exists(kModels)) << "it was there";
+    EXPECT_FALSE(QFileInfo::exists(kModels)) << "the older version is still there";
     uninstallFrom(kElsewhere);
 }
 
-TEST_F(InstallerFolderTest, OlderVersionThatTheRegistryHasElsewhereIsLeftAlone)
+TEST_F(InstallerFolderTest, OlderVersionInAnotherFolderThanTheRegistrysIsLeftAlone)
 {
     ASSERT_EQ(install(setup()), 0);
     copyFolder(kInstallFolder, kModels);
@@ -154,7 +154,7 @@ TEST_F(InstallerFolderTest, OlderVersionThatTheRegistryHasElsewhereIsLeftAlone)
     EXPECT_EQ(filesBelow(kModels), copy);
 }
 
-TEST_F(InstallerFolderTest, RegistryThatNamesAFolderOfTheUserRemovesNothing)
+TEST_F(InstallerFolderTest, FolderOfTheUserInTheRegistryIsNotRemoved)
 {
     writeFiles(kModels, m_theirs);
     writeFile(kModels + "/files.txt", "README.txt\r\nbench.stl\r\nincoming\\a.stl\r\n");
@@ -170,7 +170,7 @@ TEST_F(InstallerFolderTest, RegistryThatNamesAFolderOfTheUserRemovesNothing)
     expectFiles(kModels, m_theirs);
 }
 
-TEST_F(InstallerFolderTest, ListLeadsNowhereElse)
+TEST_F(InstallerFolderTest, ListCannotNameOtherFolders)
 {
     const char* const lines[] = {
         "..\\victim.txt",
@@ -221,7 +221,7 @@ TEST_F(InstallerFolderTest, LinksAreNotFollowed)
     ASSERT_TRUE(QDir().rmdir(kInstallFolder));
 }
 
-// With all that makes such a folder ours.
+// Although their targets have everything that makes such a folder ours.
 TEST_F(InstallerFolderTest, LinksInPlaceOfWorkFoldersAreNotFollowed)
 {
     ASSERT_EQ(install(setup()), 0);

@@ -34,7 +34,7 @@ protected:
     const QString m_option = "/LOG=\"" + QDir::toNativeSeparators(m_log) + '"';
 };
 
-TEST_F(InstallerLogTest, HasEachFileAndTheResult)
+TEST_F(InstallerLogTest, NamesEachFileAndTheResult)
 {
     EXPECT_EQ(runRaw(setup(), "/S " + m_option).status, 0);
     QStringList log = lines();
@@ -49,7 +49,7 @@ TEST_F(InstallerLogTest, HasEachFileAndTheResult)
     }
     EXPECT_EQ(log.mid(log.size() - 2), QStringList({"result: 0, installed", ""}));
 
-    // A log from before is replaced.
+    // An older log is replaced.
     EXPECT_EQ(runRaw(kInstallFolder + "/uninstall.exe", "/S " + m_option).status, 0);
     log = lines();
     EXPECT_TRUE(log.first().startsWith("ZRThumbnail setup log: "));
@@ -62,7 +62,7 @@ TEST_F(InstallerLogTest, HasEachFileAndTheResult)
     EXPECT_EQ(log.mid(log.size() - 2), QStringList({"result: 0, uninstalled", ""}));
 }
 
-TEST_F(InstallerLogTest, HasTheReasonOfAFailure)
+TEST_F(InstallerLogTest, NamesTheReasonOfAFailure)
 {
     EXPECT_EQ(runRaw(setup(), "/S " + m_option + " /D=Models").status, 2);
     EXPECT_EQ(lines().filter("Models is no full path of a folder").size(), 1);

@@ -22,7 +22,7 @@ protected:
     static QString unfitSetup() { return package("unfit-setup.exe"); }
 };
 
-TEST_F(InstallerRefusalTest, OptionsThatCannotBeMeant)
+TEST_F(InstallerRefusalTest, InvalidOptions)
 {
     writeFile("C:/file.txt", "x");
     const MachineState before = MachineState::now();
@@ -94,7 +94,7 @@ TEST_F(InstallerRefusalTest, FailedRegistrationLeavesNothing)
     expectSame(before, MachineState::now());
 }
 
-// Below a volatile key, the system refuses keys that are to stay.
+// Windows refuses to create permanent keys below a volatile one.
 TEST_F(InstallerRefusalTest, RegistrationThatFailsHalfWayLeavesNothing)
 {
     const std::wstring handler = L"Software\\Classes\\.stl" + kHandlerSubkey;
@@ -115,7 +115,7 @@ TEST_F(InstallerRefusalTest, RegistrationThatFailsHalfWayLeavesNothing)
     removeTree(HKEY_LOCAL_MACHINE, other);
 }
 
-TEST_F(InstallerRefusalTest, FailedRegistrationKeepsTheVersionBefore)
+TEST_F(InstallerRefusalTest, FailedRegistrationKeepsTheOldVersion)
 {
     ASSERT_EQ(install(olderSetup()), 0);
     for (const char* const options : {"/S", "/S /D=C:\\one\\two"}) {
@@ -128,7 +128,7 @@ TEST_F(InstallerRefusalTest, FailedRegistrationKeepsTheVersionBefore)
     uninstall();
 }
 
-// After the old version has gone.
+// This fails only after the old version has been removed.
 TEST_F(InstallerRefusalTest, FileThatCannotBeMovedInLeavesNothing)
 {
     const MachineState before = MachineState::now();

@@ -71,7 +71,7 @@ TEST_F(StartMenuTest, CheckStaysUntilAKeyIsPressed)
     })) << out.toStdString();
     EXPECT_TRUE(out.startsWith("ok   class: registered")) << out.toStdString();
     EXPECT_TRUE(out.contains("log: none yet")) << out.toStdString();
-    EXPECT_FALSE(process.waitForFinished(500)) << "it can be read";
+    EXPECT_FALSE(process.waitForFinished(500)) << "the output must stay readable";
     process.write("\r\n");
     process.closeWriteChannel();
     EXPECT_TRUE(process.waitForFinished());
@@ -79,7 +79,7 @@ TEST_F(StartMenuTest, CheckStaysUntilAKeyIsPressed)
     EXPECT_FALSE(QFileInfo::exists(kShortcut));
 }
 
-TEST_F(StartMenuTest, UpgradeKeepsOne)
+TEST_F(StartMenuTest, UpgradeKeepsOneEntry)
 {
     ASSERT_EQ(install(olderSetup()), 0);
     ASSERT_EQ(install(setup()), 0);
@@ -88,7 +88,7 @@ TEST_F(StartMenuTest, UpgradeKeepsOne)
     EXPECT_FALSE(QFileInfo::exists(kShortcut));
 }
 
-TEST_F(StartMenuTest, SomebodyElsesEntryOfThatNameStays)
+TEST_F(StartMenuTest, ForeignEntryOfThatNameStays)
 {
     writeFile(kShortcut, "theirs");
     ASSERT_EQ(install(setup()), 0);

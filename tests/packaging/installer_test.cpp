@@ -1,4 +1,4 @@
-// The installer and its uninstaller, run silently, with the machine looked at before and after.
+// The installer and its uninstaller, run silently; the state of the machine is compared before and after.
 
 #include "core/data_location.h"
 #include "tests/packaging/installer_fixture.h"
@@ -30,7 +30,7 @@ protected:
     static void removeOtherClass() { removeTree(HKEY_LOCAL_MACHINE, L"Software\\Classes\\CLSID\\" + kOtherHandler); }
 };
 
-TEST_F(InstallerTest, InstallsThumbnailsAndLeavesNothingButTheCache)
+TEST_F(InstallerTest, UninstallLeavesOnlyTheCache)
 {
     const MachineState before = MachineState::now();
     ASSERT_EQ(install(setup()), 0);
@@ -65,7 +65,7 @@ TEST_F(InstallerTest, InstallsThumbnailsAndLeavesNothingButTheCache)
     expectNoThumbnails();
 }
 
-TEST_F(InstallerTest, CleanUninstallTakesTheDataOfAllUsersToo)
+TEST_F(InstallerTest, CleanUninstallAlsoRemovesTheDataOfAllUsers)
 {
     const MachineState before = MachineState::now();
     const std::wstring profile = L"Software\\Microsoft\\Windows NT\\CurrentVersion\\ProfileList\\S-1-5-21-1-2-3-1001";
@@ -101,7 +101,7 @@ TEST_F(InstallerTest, OtherProgramsKeepTheirKeys)
     expectSame(before, MachineState::now());
 }
 
-TEST_F(InstallerTest, SuffixGoesBackToWhoHadItBefore)
+TEST_F(InstallerTest, SuffixReturnsToItsFormerHandler)
 {
     const std::wstring key = L"Software\\Classes\\.stl" + kHandlerSubkey;
     writeOtherClass();
@@ -109,17 +109,17 @@ TEST_F(InstallerTest, SuffixGoesBackToWhoHadItBefore)
     const MachineState before = MachineState::now();
     ASSERT_EQ(install(setup()), 0);
     EXPECT_NE(defaultValue(HKEY_LOCAL_MACHINE, key), kOtherHandler);
-    ASSERT_EQ(install(setup()), 0); // which finds us there
+    ASSERT_EQ(install(setup()), 0); // now our own handler is there
     uninstall();
     expectSame(before, MachineState::now());
 
     ASSERT_EQ(install(setup()), 0);
     removeOtherClass();
     uninstall();
-    EXPECT_FALSE(keyExists(HKEY_LOCAL_MACHINE, key)) << "that program has gone";
+    EXPECT_FALSE(keyExists(HKEY_LOCAL_MACHINE, key)) << "that program is gone";
 }
 
-TEST_F(InstallerTest, SuffixThatAnotherProgramTookLaterStaysWithIt)
+TEST_F(InstallerTest, SuffixThatAnotherProgramTookLaterIsLeftAlone)
 {
     const std::wstring key = L"Software\\Classes\\.obj" + kHandlerSubkey;
     ASSERT_EQ(install(setup()), 0);
@@ -138,21 +138,21 @@ TEST_F(InstallerTest, UpgradeReplacesFilesInUse)
         FileBrowser browser;
         const QImage picture = browser.ask(sample("rook.vrx")).picture;
         EXPECT_FALSE(picture.isNull());
-        EXPECT_FALSE(QFile::remove(kInstallFolder + "/ZRThumbnail.dll")) << "it is in use";
+        EXPECT_FALSE(QFile::remove(kInstallFolder + "/ZRThumbnail.dll")) << "the file must be in use";
 
-        ASSERT_EQ(install(setup()), 0) << "and nobody has to restart anything";
+        ASSERT_EQ(install(setup()), 0) << "no restart must be needed";
         EXPECT_EQ(uninstallEntry(L"DisplayVersion"), QString(ZRTHUMB_VERSION).toStdWString());
         expectThumbnailsBy(kInstallFolder);
-        EXPECT_FALSE(browser.ask(sample("gear.stl")).picture.isNull()) << "the older one goes on working";
+        EXPECT_FALSE(browser.ask(sample("gear.stl")).picture.isNull()) << "the older server must keep working";
     }
-    // Again, now that nothing is in use.
+    // Again, now that no file is in use.
     ASSERT_EQ(install(setup()), 0);
     expectPayloadIn(kInstallFolder);
     uninstall({"/CLEAN"});
     expectSame(before, MachineState::now());
 }
 
-// Older versions had Qt beside the server, and running file browsers have that in use.
+// Older versions had Qt next to the server, and running file browsers use it.
 TEST_F(InstallerTest, UpgradeFromManyFilesLeavesNoneOfThem)
 {
     const MachineState before = MachineState::now();
@@ -185,7 +185,7 @@ TEST_F(InstallerTest, UninstallsFilesInUse)
         uninstall({"/CLEAN"}, true);
         EXPECT_EQ(added(before, MachineState::now()).registry, RegistryLines());
     }
-    // What was in use goes with the next start of Windows, or the next installation.
+    // The next start of Windows or the next installation removes files that were in use.
     ASSERT_EQ(install(setup()), 0);
     uninstall();
     expectSame(before, MachineState::now());
@@ -210,7 +210,7 @@ TEST_F(InstallerTest, UpgradeMayChangeTheFolder)
 TEST_F(InstallerTest, FolderThatCannotBeWrittenChangesNothing)
 {
     const MachineState before = MachineState::now();
-    // A place where nobody can write.
+    // A folder in which no user can write.
     EXPECT_EQ(install(setup(), {"/D=Z:\\proc\\sys\\below"}), 2);
     expectSame(before, MachineState::now());
 }
@@ -222,7 +222,7 @@ TEST_F(InstallerTest, DamagedInstallationIsUninstalled)
     writeFile(kInstallFolder + "/ZRThumbnail.dll", "damaged");
     ASSERT_TRUE(QFile::remove(kInstallFolder + "/zrthumb.exe"));
     uninstall();
-    // The system's part of a type library is beyond what can be told without the DLL.
+    // The uninstaller must unregister the type library without the help of the DLL.
     expectSame(before, MachineState::now());
 }
 

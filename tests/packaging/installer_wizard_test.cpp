@@ -1,4 +1,4 @@
-// The installer's pages, as somebody clicks through them.
+// The installer's pages, clicked through as by a user.
 
 #include "tests/packaging/installer_fixture.h"
 #include "tests/support/qt_printers.h"
@@ -34,7 +34,7 @@ protected:
         EXPECT_TRUE(QDir(m_models).removeRecursively());
     }
 
-    // Goes as far as the page with the folder, and writes `folder` there.
+    // Goes to the page with the folder and enters `folder` there.
     void chooseFolder(const wchar_t* folder)
     {
         m_process.start(setup(), QStringList());
@@ -47,7 +47,7 @@ protected:
         click(m_wizard, kNextButton);
     }
 
-    // Waits for a question that has `text` in it, and answers it.
+    // Waits for a question that contains `text` and answers it.
     void answer(const wchar_t* text, int button) const
     {
         HWND box = nullptr;
@@ -75,7 +75,7 @@ protected:
                      reinterpret_cast<LPARAM>(GetDlgItem(window, button)));
     }
 
-    // Waits for the end and tells the status.
+    // Waits for the end and returns the exit status.
     int status()
     {
         EXPECT_TRUE(m_process.waitForFinished());
@@ -89,7 +89,7 @@ protected:
         return edit && IsWindowVisible(edit) ? edit : nullptr;
     }
 
-    // A dialog of the installer that is seen and is not `except`.
+    // A visible dialog of the installer other than `except`.
     HWND dialog(HWND except) const
     {
         for (auto* window = FindWindowExW(nullptr, nullptr, L"#32770", nullptr); window;
@@ -108,7 +108,7 @@ protected:
     HWND m_wizard = nullptr;
 };
 
-TEST_F(InstallerWizardTest, TellsOfTheFolderOfItsOwnAndMakesIt)
+TEST_F(InstallerWizardTest, ShowsItsOwnFolderAndMakesIt)
 {
     chooseFolder(L"C:\\Models");
     answer(L"C:\\Models\\ZRThumbnail", IDOK);
@@ -127,7 +127,7 @@ TEST_F(InstallerWizardTest, CancellingChangesNothing)
     const MachineState before = MachineState::now();
     chooseFolder(L"C:\\Models");
     answer(L"C:\\Models\\ZRThumbnail", IDCANCEL);
-    EXPECT_TRUE(field()) << "another folder can be chosen";
+    EXPECT_TRUE(field()) << "the page must allow another folder";
     click(m_wizard, kCancelButton);
     answer(L"quit", kYesButton);
     EXPECT_EQ(status(), 1);

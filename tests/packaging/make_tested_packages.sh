@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # make_tested_packages.sh BUILD QT VERSION DECOY OUTPUT: makes the packages of BUILD in the folder OUTPUT, unpacks the zip
-# there and makes the installer of an older version, whose files all differ and whose server still works. As older versions
-# did, it has libraries and plug-ins beside the server; copies of DECOY play them.
+# there and makes the installer of an older version, whose files all differ and whose server still works. As in older
+# versions, there are libraries and plug-ins next to the server, here copies of DECOY.
 set -euo pipefail
 build=$(realpath "$1") qt=$(realpath "$2") version=$3 decoy=$(realpath "$4") output=$(realpath -m "$5")
 top=$(cd "$(dirname "${BASH_SOURCE[0]}")/../.." && pwd)
@@ -14,14 +14,14 @@ mkdir "$output/unpacked"
 older=$(mktemp -d)
 trap 'rm -rf "$older"' EXIT
 cp -R "$output/payload/." "$older/"
-# What follows the last section of a DLL is not loaded.
+# Windows does not load bytes after the last section of a DLL.
 find "$older" -type f -exec sh -c 'for file; do echo older >>"$file"; done' sh {} +
 for file in Qt5{Core,Gui,Sql,Widgets}.dll platforms/qwindows.dll sqldrivers/qsqlite.dll \
     libgcc_s_seh-1.dll libstdc++-6.dll libwinpthread-1.dll; do
     install -D -m 644 "$decoy" "$older/$file"
 done
 mkdir "$older/older"
-echo "what this version had and the next one has not" >"$older/older/only.txt"
+echo "a file that the next version no longer has" >"$older/older/only.txt"
 SOURCE_DATE_EPOCH=$(stat -c %Y "$output/payload")
 export SOURCE_DATE_EPOCH
 make_setup() { "$top/packaging/windows/make-setup" "$1" "$build/uninstall.exe" "$build/generated/suffixes.nsh" "$2" "$output/$3"; }

@@ -21,7 +21,7 @@ protected:
     }
 };
 
-// RT_GROUP_ICON, which the headers have in the other kind of characters.
+// RT_GROUP_ICON, which the headers define for the other character type.
 const LPCWSTR kIconGroup = MAKEINTRESOURCEW(14);
 
 QString versionText(const QString& path, const wchar_t* name)
@@ -47,7 +47,7 @@ QString versionText(const QString& path, const wchar_t* name)
     return QString::fromWCharArray(text);
 }
 
-// An icon's resource begins as an .ico does, with 14 bytes for each size; 0 stands for 256.
+// An icon's resource begins like an .ico file, with 14 bytes for each size; 0 means 256.
 QList<int> iconSizes(const QString& path)
 {
     const QString native = QDir::toNativeSeparators(path);

@@ -24,7 +24,7 @@ namespace
 constexpr int kTimeoutMs = 120000;
 constexpr int kPollMs = 50;
 
-// Without the folder of the build.
+// Without the build folder.
 QProcessEnvironment bareEnvironment()
 {
     auto environment = QProcessEnvironment::systemEnvironment();
@@ -47,7 +47,7 @@ QImage readPicture(const QString& path)
     return picture;
 }
 
-// Keys that Wine makes for itself when a program first shows a window or asks for a handler.
+// Keys that Wine itself creates when a program first shows a window or requests a handler.
 bool isMadeBySystem(const std::wstring& line)
 {
     return line.find(L"\\CurrentVersion\\Shell Extensions") != std::wstring::npos || line.rfind(L"Wine\\", 0) == 0;
@@ -237,7 +237,7 @@ QStringList filesBelow(const QString& folder)
 MachineState MachineState::now()
 {
     MachineState state;
-    // The classes come by themselves, since Wow6432Node, the view of 32-bit programs, contains itself.
+    // The classes are listed separately, since Wow6432Node, the view of 32-bit programs, contains itself.
     const std::pair<HKEY, std::wstring> parts[] = {{HKEY_LOCAL_MACHINE, L"Software"},
                                                    {HKEY_LOCAL_MACHINE, L"Software\\Classes"},
                                                    {HKEY_CURRENT_USER, L"Software"},
@@ -255,7 +255,7 @@ MachineState MachineState::now()
     }
     std::sort(state.registry.begin(), state.registry.end());
     state.files = filesBelow("C:/");
-    // The folders for temporary files are anybody's. The uninstaller leaves a program there until the next start.
+    // All programs use the folders for temporary files; the uninstaller leaves itself there until the next start.
     const QRegularExpression temporary("/Temp(/|$)", QRegularExpression::CaseInsensitiveOption);
     state.files.erase(std::remove_if(state.files.begin(), state.files.end(),
                                      [&](const QString& path) { return path.contains(temporary); }),

@@ -29,8 +29,8 @@ class FileBrowser
 {
 public:
     struct Answer {
-        QImage picture; ///< null when there is none
-        QString server; ///< path of the server's DLL that is loaded there; empty for none
+        QImage picture; ///< null if there is none
+        QString server; ///< path of the server's DLL that is loaded there; empty if none is
     };
 
     FileBrowser();
@@ -45,15 +45,15 @@ private:
     QProcess m_process;
 };
 
-/// A test of what users get, on a Windows that has nothing but that: no Qt and no compiler's runtime elsewhere.
-/// It starts and ends without an installation, a registration and a data folder.
+/// A test of the packages on a Windows without any other Qt or compiler's runtime. It starts and ends without an
+/// installation, a registration and a data folder.
 class PackageTest : public ::testing::Test
 {
 protected:
     void SetUp() override;
     void TearDown() override;
 
-    /// A file of those that the build made for the tests.
+    /// One of the files that the build made for the tests.
     static QString package(const QString& name);
     static QString setup();      ///< this version's
     static QString olderSetup(); ///< that of a version whose files all differ from this one's
@@ -62,19 +62,19 @@ protected:
     static ProgramRun run(const QString& program, const QStringList& arguments);
     static void runBatch(const QString& file, const QString& arguments);
 
-    /// Silently; `arguments` besides.
+    /// Silently; `arguments` are added.
     static int install(const QString& setup, const QStringList& arguments = {});
-    /// Silently; nothing of it is left then but, with `inUse`, what is in use.
+    /// Silently; expects nothing to be left except, with `inUse`, files in use.
     static void uninstall(const QStringList& arguments = {}, bool inUse = false);
 
-    /// Copies a folder with all that is below it.
+    /// Copies a folder with everything below it.
     static void copyFolder(const QString& from, const QString& to);
 
     /// A sample file in a folder of the test's own.
     QString sample(const QString& name) const;
 
-    /// Asks a new file browser for the thumbnail of every sample; each is that of the Linux host, and comes from the
-    /// server in `folder`.
+    /// Asks a new file browser for the thumbnail of every sample; expects those of the Linux host, from the server in
+    /// `folder`.
     void expectThumbnailsBy(const QString& folder) const;
     void expectNoThumbnails() const;
 
@@ -83,7 +83,7 @@ protected:
     QTemporaryDir m_folder;
 };
 
-/// What is on a machine: its registry, in lines, and the paths of its files and folders.
+/// The state of a machine: its registry, in lines, and the paths of its files and folders.
 struct MachineState {
     RegistryLines registry;
     QStringList files;
@@ -91,7 +91,7 @@ struct MachineState {
     static MachineState now();
 };
 
-/// What the second state has and the first has not.
+/// What is in the second state but not in the first.
 MachineState added(const MachineState& before, const MachineState& after);
 
 QStringList filesBelow(const QString& folder);

@@ -1,4 +1,4 @@
-// The zip, unpacked and registered with the scripts that it holds.
+// The zip, unpacked and registered with its own scripts.
 
 #include "core/data_location.h"
 #include "tests/packaging/package_test.h"
@@ -25,7 +25,7 @@ TEST_F(PortableZipTest, WorksAnywhereAndAgainAfterMoving)
     for (const QString& next : places) {
         SCOPED_TRACE(next.toStdString());
         copyFolder(unpackedZip(), next);
-        // From here on, the place before is gone.
+        // From here on, the former folder is gone.
         if (place != unpackedZip()) {
             ASSERT_TRUE(QDir(place).removeRecursively());
         }
@@ -41,7 +41,7 @@ TEST_F(PortableZipTest, WorksAnywhereAndAgainAfterMoving)
         ASSERT_TRUE(QDir(QFileInfo(each).path()).removeRecursively());
 }
 
-TEST_F(PortableZipTest, HoldsWhatTheInstallerInstalls)
+TEST_F(PortableZipTest, ContainsWhatTheInstallerInstalls)
 {
     QStringList files = filesBelow(package("payload"));
     files.replaceInStrings(package("payload"), unpackedZip());

@@ -1,8 +1,8 @@
 // shell-client FOLDER: plays the file browser. For each path on stdin, one per line in UTF-8, it asks the path's folder
 // for the thumbnail, writes it to FOLDER\NAME.bgra (width and height as 32-bit numbers, then the pixels) and prints
 // "NAME WIDTHxHEIGHT SERVER", or "NAME none SERVER", SERVER being the path of the server's DLL in this process. It ends
-// with its input; until then it holds the server, as a file browser does. It has nothing of Qt or of the compiler's
-// runtime of its own, so all that the server needs comes from where the server is.
+// with its input; until then it holds the server, as a file browser does. It has neither Qt nor the compiler's runtime
+// as DLLs, so everything that the server needs comes from the server's own folder.
 
 #include "tests/clients/bare_client.h"
 
@@ -65,7 +65,7 @@ void serve(const std::string& folder, const std::string& path)
 {
     const std::string name = path.substr(path.find_last_of("\\/") + 1);
     auto* bitmap = thumbnailOf(wide(path));
-    // A new user's first request does no more than make the data folder; file browsers ask again.
+    // A new user's first request only makes the data folder; file browsers ask again.
     if (!bitmap)
         bitmap = thumbnailOf(wide(path));
     std::cout << name << ' ';

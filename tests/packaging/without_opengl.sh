@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# without_opengl.sh PROGRAM ARGS...: runs PROGRAM on a display of its own, which has no OpenGL.
+# without_opengl.sh PROGRAM ARGS...: runs PROGRAM on its own display without OpenGL.
 set -euo pipefail
 
 coproc server { exec Xvfb -displayfd 1 -screen 0 640x480x24 -nolisten tcp -extension GLX 2>/dev/null; }
