@@ -1,4 +1,4 @@
-// What a person is told when the cache cannot take a picture.
+// The reasons that a user sees when the cache cannot keep a picture.
 
 #include "host/cache_fault.h"
 
@@ -64,14 +64,14 @@ protected:
                              .remove(dataFolder()));
     }
 
-    // The same once the cache is as before.
+    // For the time when the cache has been repaired.
     void expectRequestWorks() const { EXPECT_EQ(reasonOf(m_source), ""); }
 
     QTemporaryDir m_folder;
     QString m_source;
 };
 
-// A database that somebody else made.
+// A database made by another program.
 void makeDatabase(const QStringList& statements)
 {
     const QString name = QStringLiteral("other program");
@@ -85,20 +85,20 @@ void makeDatabase(const QStringList& statements)
     QSqlDatabase::removeDatabase(name);
 }
 
-TEST_F(CacheFaultTest, ApostropheInThePathIsTold)
+TEST_F(CacheFaultTest, ApostropheInThePathIsReported)
 {
     for (const char* name : {"it's.vrx", "it's/a.vrx"})
         expectReason(source(name), "its path has an apostrophe, which the cache cannot record: rename it");
 }
 
-TEST_F(CacheFaultTest, NameThatIsTooLongIsTold)
+TEST_F(CacheFaultTest, TooLongNameIsReported)
 {
     EXPECT_EQ(reasonOf(source(QString(244, 'n') + ".vrx")), "");
     expectReason(source(QString(245, 'n') + ".vrx"),
                  "its name is too long for that of its picture in the cache: shorten it");
 }
 
-TEST_F(CacheFaultTest, FolderInPlaceOfThePictureIsTold)
+TEST_F(CacheFaultTest, FolderInPlaceOfThePictureIsReported)
 {
     ASSERT_TRUE(QDir().mkpath(picturePath(m_source)));
     expectReason(m_source, picturePath(m_source) + " is not a file: move it away");
@@ -106,7 +106,7 @@ TEST_F(CacheFaultTest, FolderInPlaceOfThePictureIsTold)
     expectRequestWorks();
 }
 
-TEST_F(CacheFaultTest, FilesInPlaceOfTheFoldersAreTold)
+TEST_F(CacheFaultTest, FilesInPlaceOfTheFoldersAreReported)
 {
     for (const QString& folder : {QDir::cleanPath(thumbnailImageFolder()), dataFolder()}) {
         ASSERT_TRUE(QDir(folder).removeRecursively());
@@ -132,7 +132,7 @@ class DatabaseFaultTest : public CacheFaultTest, public ::testing::WithParamInte
 {
 };
 
-TEST_P(DatabaseFaultTest, IsToldAndANewOneWorks)
+TEST_P(DatabaseFaultTest, IsReportedAndANewOneWorks)
 {
     ASSERT_TRUE(QFile::remove(defaultDatabasePath()));
     GetParam().make();
@@ -177,8 +177,8 @@ const DatabaseFault kDatabaseFaults[] = {
 INSTANTIATE_TEST_SUITE_P(Database, DatabaseFaultTest, ::testing::ValuesIn(kDatabaseFaults),
                          [](const auto& row) { return std::string(row.param.name); });
 
-// The request waits for the lock; the look at the database afterwards does not.
-TEST_F(CacheFaultTest, DatabaseThatAnotherProgramLocksIsTold)
+// The request waits for the lock; the check of the database afterwards does not.
+TEST_F(CacheFaultTest, LockedDatabaseIsReported)
 {
     const QString name = QStringLiteral("locks");
     {
@@ -197,7 +197,7 @@ TEST_F(CacheFaultTest, DatabaseThatAnotherProgramLocksIsTold)
 
 #ifdef Q_OS_LINUX
 
-TEST_F(CacheFaultTest, ApostropheInTheDataFolderIsTold)
+TEST_F(CacheFaultTest, ApostropheInTheDataFolderIsReported)
 {
     const QByteArray before = qgetenv("XDG_DATA_HOME");
     qputenv("XDG_DATA_HOME", QFile::encodeName(m_folder.filePath("it's")));
@@ -206,14 +206,14 @@ TEST_F(CacheFaultTest, ApostropheInTheDataFolderIsTold)
     qputenv("XDG_DATA_HOME", before);
 }
 
-TEST_F(CacheFaultTest, LooseLinkInPlaceOfTheDatabaseIsTold)
+TEST_F(CacheFaultTest, DanglingLinkInPlaceOfTheDatabaseIsReported)
 {
     ASSERT_TRUE(QFile::remove(defaultDatabasePath()));
     ASSERT_TRUE(QFile::link("/no/such/folder/file", defaultDatabasePath()));
     expectReason(m_source, defaultDatabasePath() + " is not a file: move it away");
 }
 
-TEST_F(CacheFaultTest, WhatMayNotBeWrittenIsTold)
+TEST_F(CacheFaultTest, WriteProtectionIsReported)
 {
     const QString folder = QDir::cleanPath(thumbnailImageFolder());
     struct Case {
@@ -237,7 +237,7 @@ TEST_F(CacheFaultTest, WhatMayNotBeWrittenIsTold)
     EXPECT_EQ(reasonOf(m_source), picturePath(m_source) + " cannot be written: permission denied");
 }
 
-TEST_F(CacheFaultTest, DataFolderThatCannotBeMadeIsTold)
+TEST_F(CacheFaultTest, DataFolderThatCannotBeCreatedIsReported)
 {
     ASSERT_TRUE(QDir(dataFolder()).removeRecursively());
     const QString parent = QFileInfo(dataFolder()).path();

@@ -1,4 +1,4 @@
-// What a Windows console shows of what zrthumb prints, and what pipes and the server get.
+// What zrthumb prints to a Windows console and to pipes, and what it passes to the server.
 
 #include "cache/thumbnail_database.h"
 #include "tests/host/zrthumb_fixture.h"
@@ -14,7 +14,7 @@ namespace zr::test
 namespace
 {
 
-// Letters of one, two and three bytes of UTF-8, none of which a code page has all of.
+// Letters of one, two and three bytes of UTF-8; no code page has all of them.
 const QString kName = QString::fromUtf8("t\xc3\xbcr-\xce\xb1-\xe6\xa8\xa1\xe5\x9e\x8b.vrx");
 
 class ConsoleTest : public ZrthumbTest
@@ -49,7 +49,7 @@ TEST_F(ConsoleTest, PipesGetUtf8)
     EXPECT_EQ(process.readAllStandardError(), ("zrthumb: " + kName + ": no thumbnail: no such file\r\n").toUtf8());
 }
 
-// All that a console of its own shows while it lives.
+// A console of its own while the object lives.
 class Console
 {
 public:
@@ -72,7 +72,7 @@ public:
 
     HANDLE screen() const { return m_screen; }
 
-    // Without what is blank at the end.
+    // Without the blanks at the end.
     QString text() const
     {
         CONSOLE_SCREEN_BUFFER_INFO info = {};
@@ -101,7 +101,7 @@ TEST_F(ConsoleTest, ConsoleGetsEveryCharacter)
     EXPECT_EQ(console.text(), "zrthumb: " + kName + ": no thumbnail: no such file");
 }
 
-// As of a program with windows.
+// As when a program with windows starts it.
 TEST_F(ConsoleTest, MissingStreamsDoNotMatter)
 {
     source("a.vrx");
@@ -113,7 +113,7 @@ TEST_F(ConsoleTest, MissingStreamsDoNotMatter)
     EXPECT_TRUE(QFileInfo::exists(m_folder.filePath("out.png")));
 }
 
-TEST_F(ConsoleTest, ServerIsAskedForTheFileAsTheFileBrowserAsks)
+TEST_F(ConsoleTest, ServerIsCalledAsTheFileBrowserCallsIt)
 {
     const QString path = source("a.vrx");
     ASSERT_EQ(run({QDir::fromNativeSeparators(path)}).status, 0);

@@ -34,7 +34,7 @@ int countPixels(const QImage& image, QRgb colour)
     return count;
 }
 
-// The rows of the image in which anything but its first pixel's colour is seen.
+// The number of rows that have any colour other than that of the first pixel.
 int inkedRows(const QImage& image)
 {
     int rows = 0;
@@ -104,7 +104,7 @@ QStringList texts(const std::vector<CellLabel>& labels)
     return all;
 }
 
-// This program is started without an application object, as a run of which no request came that far.
+// This program starts without an application object, as in a run whose requests all failed before making it.
 TEST(ContactSheetTest, MakesTheApplicationObjectThatTextNeeds)
 {
     const QImage page = failureSheet("no such file");
@@ -133,7 +133,7 @@ TEST(ContactSheetTest, NamesAreWritten)
     EXPECT_NE(page, sheetOf({"other.stl"}, plain(400, 400, Qt::red)));
 }
 
-TEST(ContactSheetTest, CellsAreAsNearToASquareAsTenColumnsAllow)
+TEST(ContactSheetTest, CellsAreNearlySquareWithAtMostTenColumns)
 {
     struct Case {
         int count;
@@ -156,7 +156,7 @@ TEST(ContactSheetTest, CellsAreAsNearToASquareAsTenColumnsAllow)
     }
 }
 
-TEST(ContactSheetTest, FilesAreKnownBeforeTheWork)
+TEST(ContactSheetTest, FileNamesAreKnownBeforeTheWork)
 {
     struct Case {
         QString file;
@@ -180,8 +180,8 @@ TEST(ContactSheetTest, FilesAreKnownBeforeTheWork)
     EXPECT_EQ(sheetFiles("all.png", 100000).last(), "all-200.png");
 }
 
-// 1,400 were the limit of a single picture: what came after was not painted.
-TEST(ContactSheetTest, ManyFilesMakeFurtherPagesOfWhichNoneIsKept)
+// A single picture could hold 1,400 cells; later ones were not painted.
+TEST(ContactSheetTest, ManyFilesMakeFurtherPagesAndNoneIsKeptInMemory)
 {
     constexpr int kCount = 1503;
     Saved saved;
@@ -200,7 +200,7 @@ TEST(ContactSheetTest, ManyFilesMakeFurtherPagesOfWhichNoneIsKept)
     EXPECT_EQ(saved.pages.back().size(), QSize(648, 246));
     EXPECT_EQ(countPixels(saved.pages.back(), qRgb(255, 0, 0)), 3 * 200 * 200);
     sheet.finish();
-    EXPECT_EQ(saved.files.size(), 4) << "the last page came twice";
+    EXPECT_EQ(saved.files.size(), 4) << "the last page must be saved only once";
 }
 
 TEST(ContactSheetTest, FailuresHaveACellWithTheirReason)
@@ -237,7 +237,7 @@ TEST(ContactSheetTest, LongReasonsAreWrappedInTheirCell)
     }
 }
 
-TEST(ContactSheetTest, RunsThatEndEarlyLeaveTheCellsSoFar)
+TEST(ContactSheetTest, RunsThatEndEarlyLeaveTheirFinishedCells)
 {
     struct Case {
         int total;
@@ -271,7 +271,7 @@ TEST(ContactSheetTest, RunsThatEndEarlyLeaveTheCellsSoFar)
     }
 }
 
-TEST(CellLabelsTest, EqualNamesAreToldApartByTheirFolders)
+TEST(CellLabelsTest, EqualNamesAreDistinguishedByTheirFolders)
 {
     struct Case {
         QStringList paths;
@@ -293,7 +293,7 @@ TEST(CellLabelsTest, EqualNamesAreToldApartByTheirFolders)
         EXPECT_EQ(texts(cellLabels(each.paths)), each.expected) << each.paths.join(' ').toStdString();
 }
 
-TEST(CellLabelsTest, WhatDoesNotShowIsMasked)
+TEST(CellLabelsTest, UnprintableCharactersAreMasked)
 {
     const QString names[] = {
         "line\nfeed",           "carriage\rreturn",     "\x1b[31mred",          QString("nul") + QChar(0),
@@ -311,7 +311,7 @@ TEST(CellLabelsTest, WhatDoesNotShowIsMasked)
     EXPECT_EQ(cellLabels({words}).front().text, words.mid(3));
 }
 
-TEST(CellLabelsTest, ShortenedLabelsStillTellEqualNamesApart)
+TEST(CellLabelsTest, ShortenedLabelsStillDistinguishEqualNames)
 {
     prepareDrawing();
     QFont font;
@@ -344,7 +344,7 @@ TEST(CellLabelsTest, ShortenedLabelsStillTellEqualNamesApart)
     EXPECT_EQ(whole, "a/p.stl");
 }
 
-// What takes time by the square of the number, or of the depth, takes minutes here.
+// An algorithm that is quadratic in the number or the depth would take minutes.
 TEST(CellLabelsTest, AHundredThousandEqualNamesTakeLittleTime)
 {
     QStringList paths;

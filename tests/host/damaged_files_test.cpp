@@ -1,4 +1,4 @@
-// What a person is told of files that are cut short, damaged or of another kind than their names say.
+// The reasons that a user sees for files that are truncated, damaged or of another format than their names say.
 
 #include "core/job/reader_table.h"
 #include "host/request.h"
@@ -238,7 +238,7 @@ class DamagedFileTest : public FileReasonTest, public ::testing::WithParamInterf
 {
 };
 
-TEST_P(DamagedFileTest, ReasonIsToldInPlainWords)
+TEST_P(DamagedFileTest, ReasonIsReportedInPlainWords)
 {
     const DamagedFile& file = GetParam();
     const QString reason = reasonOf(QStringLiteral("a.") + file.suffix, file.bytes);
@@ -254,8 +254,8 @@ std::string nameOf(const ::testing::TestParamInfo<DamagedFile>& test)
 INSTANTIATE_TEST_SUITE_P(SliceFiles, DamagedFileTest, ::testing::ValuesIn(kSliceFiles), nameOf);
 INSTANTIATE_TEST_SUITE_P(Models, DamagedFileTest, ::testing::ValuesIn(kModels), nameOf);
 
-// What a download or a copy that failed leaves behind.
-TEST_F(FileReasonTest, EmptyFileIsCalledEmptyWhateverItsSuffix)
+// As left by a failed download or copy.
+TEST_F(FileReasonTest, EmptyFileIsReportedAsEmptyWhateverItsSuffix)
 {
     for (const QString& suffix : supportedSuffixes()) {
         for (const QString& name : {"a." + suffix, "b." + suffix.toUpper()})

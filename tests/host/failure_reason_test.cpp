@@ -32,7 +32,7 @@ protected:
 
     QString source(const QString& name) const { return writeFile(m_folder.filePath(name), "x"); }
 
-    // What is read back when the line has been logged, with the lines around it that every failure has.
+    // The messages read back after logging the line between the lines that every failure has.
     static QStringList logWith(const FailureLine& line, const QString& path)
     {
         restartLog();
@@ -56,7 +56,7 @@ protected:
     QTemporaryDir m_folder;
 };
 
-TEST_F(FailureReasonTest, EachLineOfEachReaderHasItsWords)
+TEST_F(FailureReasonTest, EachLogLineOfEachReaderHasItsReason)
 {
     for (const QString& suffix : supportedSuffixes()) {
         const QString path = source("a." + suffix);
@@ -66,14 +66,14 @@ TEST_F(FailureReasonTest, EachLineOfEachReaderHasItsWords)
             const QString text = QString::number(line.number) + ' ' + textOf(line, path);
             SCOPED_TRACE(suffix.toStdString() + ": " + text.toStdString());
             EXPECT_EQ(failureReason(path, logWith(line, path)), line.reason);
-            EXPECT_TRUE(lines.insert(text).second) << "stands for two failures";
+            EXPECT_TRUE(lines.insert(text).second) << "two failures log this line";
             expectPlainWords(line.reason);
         }
     }
     EXPECT_TRUE(readerFailures("txt").empty());
 }
 
-TEST_F(FailureReasonTest, CauseComesBeforeWhatFollowsFromIt)
+TEST_F(FailureReasonTest, CauseComesBeforeItsConsequences)
 {
     const QString path = source("a.stl");
     const std::pair<QStringList, const char*> cases[] = {
@@ -89,8 +89,8 @@ TEST_F(FailureReasonTest, CauseComesBeforeWhatFollowsFromIt)
         EXPECT_EQ(failureReason(path, lines + QStringList({"65  throw ", "73 getImage False"})), reason);
 }
 
-// What other processes log meanwhile stands between a request's lines.
-TEST_F(FailureReasonTest, LinesForOtherFilesAreNotTaken)
+// Lines of other processes can come between a request's lines.
+TEST_F(FailureReasonTest, LinesForOtherFilesAreIgnored)
 {
     const QString path = source("a.vrx");
     const QStringList foreign = {"29 DlpHead_t read less\n/other.vrx", "97  throw ", "53 There is something wrong"};
@@ -99,7 +99,7 @@ TEST_F(FailureReasonTest, LinesForOtherFilesAreNotTaken)
     EXPECT_EQ(failureReason(path, foreign + own + foreign), "the file's preview is damaged: its size is impossible");
 }
 
-TEST_F(FailureReasonTest, PathsThatTheLogCannotSpellAreFound)
+TEST_F(FailureReasonTest, PathsThatTheLogCannotEncodeAreFound)
 {
     const QString path = source(QString::fromUtf8("\xD0\xB4\xE2\x88\x9E.vrx"));
     const FailureLine line = readerFailures("vrx").at(1);
@@ -108,7 +108,7 @@ TEST_F(FailureReasonTest, PathsThatTheLogCannotSpellAreFound)
     EXPECT_EQ(failureReason(path, messages), line.reason);
 }
 
-TEST_F(FailureReasonTest, JobThatEndsWithoutAWordMetDamageOrLackedMemory)
+TEST_F(FailureReasonTest, JobThatEndsSilentlyMetDamageOrRanOutOfMemory)
 {
     const QString path = source("a.vrx");
     const char reason[] = "the file is damaged, or there is not enough memory for it";
@@ -116,7 +116,7 @@ TEST_F(FailureReasonTest, JobThatEndsWithoutAWordMetDamageOrLackedMemory)
     EXPECT_EQ(failureReason(path, {"84  throw ", "65  throw ", "73 getImage False"}), reason);
 }
 
-TEST_F(FailureReasonTest, FaultsOfTheCacheAreToldWhenNothingElseIsFound)
+TEST_F(FailureReasonTest, CacheFaultsAreReportedIfNothingElseIsFound)
 {
     const QString path = source("a.vrx");
     const QStringList notSaved = {"69  throw ", "73 getImage False"};
@@ -128,7 +128,7 @@ TEST_F(FailureReasonTest, FaultsOfTheCacheAreToldWhenNothingElseIsFound)
               "the database of the cache cannot be used");
 }
 
-TEST_F(FailureReasonTest, MissingLogNamesItself)
+TEST_F(FailureReasonTest, MissingLogIsReported)
 {
     EXPECT_EQ(failureReason(source("a.vrx"), {}),
               "the reason is not known, since nothing could be written to the log, " + defaultLogPath());
@@ -136,7 +136,7 @@ TEST_F(FailureReasonTest, MissingLogNamesItself)
     EXPECT_EQ(failureReason(m_folder.filePath("missing.vrx"), {}), "no such file");
 }
 
-TEST_F(FailureReasonTest, UnknownFailureNamesTheLog)
+TEST_F(FailureReasonTest, UnknownFailureRefersToTheLog)
 {
     EXPECT_EQ(failureReason(source("a.vrx"), {"73 getImage False"}), "no picture came back; see " + defaultLogPath());
 }

@@ -46,7 +46,7 @@ TEST_F(FileAccessTest, FileThatCanBeReadHasNoFault)
     expectFault(m_file, "");
 }
 
-TEST_F(FileAccessTest, WhatIsNoFileIsTold)
+TEST_F(FileAccessTest, NotAFileIsReported)
 {
     expectFault(path("missing.vrx"), "no such file");
     expectFault(path("missing/a.vrx"), "no such file");
@@ -56,7 +56,7 @@ TEST_F(FileAccessTest, WhatIsNoFileIsTold)
     expectFault(m_folder.path(), "it is a folder (--recursive makes thumbnails of the files below it)");
 }
 
-TEST_F(FileAccessTest, WhatMayBeWrittenIsKnown)
+TEST_F(FileAccessTest, WritableFilesAreKnown)
 {
     EXPECT_EQ(writeFault(m_file), "");
     EXPECT_EQ(writeFault(m_folder.path()), "");
@@ -65,7 +65,7 @@ TEST_F(FileAccessTest, WhatMayBeWrittenIsKnown)
     EXPECT_EQ(QDir(m_folder.path()).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot).size(), 1);
 }
 
-TEST_F(FileAccessTest, NamesThatAreTooLongAreKnown)
+TEST_F(FileAccessTest, TooLongNamesAreKnown)
 {
     EXPECT_TRUE(takesName(m_folder.path(), QString(255, 'n')));
     EXPECT_FALSE(takesName(m_folder.path(), QString(256, 'n')));
@@ -73,13 +73,13 @@ TEST_F(FileAccessTest, NamesThatAreTooLongAreKnown)
 
 #ifdef Q_OS_LINUX
 
-TEST_F(FileAccessTest, LengthOfANameIsThatOfItsBytes)
+TEST_F(FileAccessTest, NameLengthIsCountedInBytes)
 {
     EXPECT_TRUE(takesName(m_folder.path(), QString(127, QChar(0xFC))));
     EXPECT_FALSE(takesName(m_folder.path(), QString(128, QChar(0xFC))));
 }
 
-TEST_F(FileAccessTest, LinksThatLeadNowhereAreTold)
+TEST_F(FileAccessTest, DanglingLinksAreReported)
 {
     ASSERT_TRUE(QFile::link(path("missing.vrx"), path("loose.vrx")));
     ASSERT_TRUE(QFile::link(path("loop.vrx"), path("loop.vrx")));
@@ -89,14 +89,14 @@ TEST_F(FileAccessTest, LinksThatLeadNowhereAreTold)
     expectFault(path("good.vrx"), "");
 }
 
-TEST_F(FileAccessTest, PipesAndDevicesAreToldWithoutWaiting)
+TEST_F(FileAccessTest, PipesAndDevicesAreReportedWithoutWaiting)
 {
     ASSERT_EQ(mkfifo(QFile::encodeName(path("pipe.vrx")).constData(), 0600), 0);
     expectFault(path("pipe.vrx"), "it is not a regular file");
     expectFault("/dev/null", "it is not a regular file");
 }
 
-TEST_F(FileAccessTest, NamesThatAreNoTextAreTold)
+TEST_F(FileAccessTest, NamesThatAreNotTextAreReported)
 {
     const QByteArray name = QFile::encodeName(m_folder.path()) + "/t\xfcr.vrx";
     ASSERT_EQ(symlink("a.vrx", name.constData()), 0);
@@ -104,12 +104,12 @@ TEST_F(FileAccessTest, NamesThatAreNoTextAreTold)
     ASSERT_EQ(unlink(name.constData()), 0);
 }
 
-TEST_F(FileAccessTest, NamesLongerThanAnyAreTold)
+TEST_F(FileAccessTest, NamesOfImpossibleLengthAreReported)
 {
     expectFault(path(QString(256, 'n')), "no such file: its name is too long for any");
 }
 
-TEST_F(FileAccessTest, MissingPermissionIsTold)
+TEST_F(FileAccessTest, MissingPermissionIsReported)
 {
     ASSERT_TRUE(QDir().mkpath(path("closed")));
     writeFile(path("closed/b.vrx"), "x");
@@ -131,7 +131,7 @@ TEST_F(FileAccessTest, MissingPermissionIsTold)
 
 #else
 
-TEST_F(FileAccessTest, FileThatAnotherProgramKeepsToItselfIsTold)
+TEST_F(FileAccessTest, FileLockedByAnotherProgramIsReported)
 {
     HANDLE const file = CreateFileW(reinterpret_cast<LPCWSTR>(QDir::toNativeSeparators(m_file).utf16()), GENERIC_READ,
                                     0, nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr);

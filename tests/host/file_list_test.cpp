@@ -46,7 +46,7 @@ protected:
         return listFiles({m_folder.path()}, true);
     }
 
-    // What was found, below the test's folder, with slashes.
+    // The files found, relative to the test's folder, with slashes.
     QStringList names(const FileList& list) const
     {
         QStringList found;
@@ -58,7 +58,7 @@ protected:
     QTemporaryDir m_folder;
 };
 
-TEST_F(FileListTest, FilesAreAbsoluteAndAsTheSystemWritesThem)
+TEST_F(FileListTest, PathsAreAbsoluteAndNative)
 {
     const FileList list = listFiles({"a.stl", "sub/../b.stl"}, false);
     ASSERT_EQ(list.files.size(), 2U);
@@ -90,7 +90,7 @@ TEST_F(FileListTest, HiddenFilesAndFoldersAreLeftOutUnlessNamed)
               QStringList({".hidden/a.stl", ".b.stl"}));
 }
 
-TEST_F(FileListTest, FolderWithNothingOfOursIsTold)
+TEST_F(FileListTest, FolderWithoutSupportedFilesIsReported)
 {
     make("a/text.txt");
     make("b/c.stl");
@@ -101,7 +101,7 @@ TEST_F(FileListTest, FolderWithNothingOfOursIsTold)
     EXPECT_EQ(list.notes, QStringList(QDir::toNativeSeparators(a) + ": no files here that thumbnails can be made of"));
 }
 
-TEST_F(FileListTest, ProgressIsTold)
+TEST_F(FileListTest, ProgressIsReported)
 {
     make("a/b.stl");
     make("c.stl");
@@ -115,14 +115,14 @@ TEST_F(FileListTest, ProgressIsTold)
 
 constexpr uid_t kNobody = 65534;
 
-TEST_F(FileListTest, FolderThatCannotBeListedIsTold)
+TEST_F(FileListTest, FolderThatCannotBeListedIsReported)
 {
     make("a/b.stl");
     make("locked/c.stl");
     const QByteArray locked = QFile::encodeName(m_folder.filePath("locked"));
     ASSERT_EQ(chmod(QFile::encodeName(m_folder.path()).constData(), 0755), 0);
     ASSERT_EQ(chmod(locked.constData(), 0), 0);
-    // Nothing is closed to root.
+    // Root may read every folder.
     const bool isRoot = geteuid() == 0;
     ASSERT_TRUE(!isRoot || seteuid(kNobody) == 0);
     const FileList found = list();
@@ -133,7 +133,7 @@ TEST_F(FileListTest, FolderThatCannotBeListedIsTold)
     EXPECT_EQ(found.notes, QStringList());
 }
 
-TEST_F(FileListTest, NamesThatAreNoTextAreTold)
+TEST_F(FileListTest, NamesThatAreNotTextAreReported)
 {
     make("a.stl");
     const QByteArray folder = QFile::encodeName(m_folder.path());

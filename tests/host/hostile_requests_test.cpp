@@ -1,5 +1,4 @@
-// Requests for files whose names are made to do more than name a file. What a name can do to the database alone is
-// tested beside it.
+// Requests for files with malicious names. hostile_names_test has the tests of the database alone.
 
 #include "core/data_location.h"
 #include "core/log_file.h"
@@ -33,7 +32,7 @@ QByteArray vrxOf(quint16 word)
 }
 
 struct NameCase {
-    const char* name; ///< UTF-8; of a file whose folder is the test's own
+    const char* name; ///< UTF-8; of a file in the test's own folder
     const char* reason = nullptr;
 };
 
@@ -83,8 +82,8 @@ class HostileNameTest : public HostileRequestTest, public ::testing::WithParamIn
 {
 };
 
-// The files of the attacker are as large and as old as the victim's, so that the cache would take one for the other.
-TEST_P(HostileNameTest, FailsOrIsAnsweredWithItsOwnPicture)
+// The attacker's files have the size and time stamp of the victim's, so that the cache could mistake one for the other.
+TEST_P(HostileNameTest, FailsOrGetsItsOwnPicture)
 {
     const QString hostile = writeFile(path(GetParam().name), vrxOf(0x07C0));
     ASSERT_TRUE(QFileInfo(hostile).isFile());
@@ -102,7 +101,7 @@ TEST_P(HostileNameTest, FailsOrIsAnsweredWithItsOwnPicture)
         }
         expectVictimUntouched();
     }
-    // One PNG at most, and nothing elsewhere.
+    // At most one PNG, and no file in another folder.
     QStringList added = cachedFiles();
     for (const QString& file : filesBefore)
         EXPECT_EQ(added.removeAll(file), 1) << file.toStdString();
@@ -141,8 +140,8 @@ INSTANTIATE_TEST_SUITE_P(Names, HostileNameTest, ::testing::ValuesIn(kNames));
 // The PNG's name is seven bytes longer than the file's, or more for longer suffixes.
 TEST_F(HostileRequestTest, NamesThatLeaveNoRoomForThePngsNameFail)
 {
-    constexpr int kLongestName = 255;
-    const QByteArray fits(kLongestName - 2 * 4 - 3, 'n');
+    constexpr int kMaxNameBytes = 255;
+    const QByteArray fits(kMaxNameBytes - 2 * 4 - 3, 'n');
     const QByteArray tooLong = fits + 'n';
     EXPECT_EQ(requestThumbnail(writeFile(path(fits + ".vrx"), vrxOf(1)), QString()).reason, "");
     EXPECT_EQ(requestThumbnail(writeFile(path(tooLong + ".vrx"), vrxOf(1)), QString()).reason,
@@ -150,7 +149,7 @@ TEST_F(HostileRequestTest, NamesThatLeaveNoRoomForThePngsNameFail)
     expectVictimUntouched();
 }
 
-TEST_F(HostileRequestTest, NamesThatAreNoTextAreNoFiles)
+TEST_F(HostileRequestTest, NamesThatAreNotTextFail)
 {
     const QByteArray name = QFile::encodeName(m_folder.path()) + "/\xff\xfe.vrx";
     QFile file;
@@ -163,7 +162,7 @@ TEST_F(HostileRequestTest, NamesThatAreNoTextAreNoFiles)
     std::remove(name.constData());
 }
 
-TEST_F(HostileRequestTest, PathsThatAreNoFilesAreRefused)
+TEST_F(HostileRequestTest, PathsThatAreNotFilesAreRefused)
 {
     const QString zero = m_folder.filePath("victim.vrx") + QChar(0) + ".vrx";
     for (const QString& path : {m_folder.filePath(".."), m_folder.filePath("."), m_folder.path() + "/", QString("/"),
@@ -175,10 +174,9 @@ TEST_F(HostileRequestTest, PathsThatAreNoFilesAreRefused)
     expectVictimUntouched();
 }
 
-// A name with line feeds can write lines of its own into the log. Nothing but a person reads those of other requests:
-// what zrthumb tells of a file comes from behind the line that names it, and only that file's own reason can be a wrong
-// one.
-TEST_F(HostileRequestTest, LinesThatANameForgesConcernThatNameOnly)
+// A name with line feeds can write its own lines into the log. zrthumb reads the lines after the one that names its
+// file, so only the reason of the forging file itself can be wrong.
+TEST_F(HostileRequestTest, ForgedLogLinesOnlyConcernTheForger)
 {
     const QString forged = writeFile(
         path("x\n21.11.2026 - 12:00:00 37 in 2 victim.vrx\n21.11.2026 - 12:00:00 45 fileIsCanNoRender\nx.vrx"),
@@ -189,8 +187,8 @@ TEST_F(HostileRequestTest, LinesThatANameForgesConcernThatNameOnly)
     expectVictimUntouched();
 }
 
-// Times before 1970 are huge numbers in the database, which SQLite rounds: such a file is made anew each time.
-TEST_F(HostileRequestTest, TimesFarAwayAreHarmless)
+// Times before 1970 are huge numbers in the database, which SQLite rounds: such a picture is made again each time.
+TEST_F(HostileRequestTest, ExtremeTimeStampsAreHarmless)
 {
     for (const qint64 seconds : {qint64{-1}, qint64{-86400} * 365 * 60, qint64{0}, qint64{86400} * 365 * 400}) {
         const QString old = writeFile(m_folder.filePath("old.vrx"), vrxOf(0x07C0));

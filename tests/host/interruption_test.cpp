@@ -1,4 +1,4 @@
-// A run that is told to end while it works.
+// A run that is interrupted by a signal.
 
 #include "tests/support/data_folder_fixture.h"
 #include "tests/support/files.h"
@@ -24,14 +24,14 @@ namespace
 
 constexpr int kTimeoutMs = 60000;
 
-// Their lines fill the pipe to the test, so that the run waits in the middle of its work until it is read.
+// Their error lines fill the pipe to the test, so the run blocks until the test reads it.
 constexpr int kFiles = 3000;
 const QString kMissing = QString(200, 'm');
 
 class InterruptionTest : public DataFolderTest
 {
 protected:
-    // Starts a run of which one file can be read, the first, and waits until that is done.
+    // Starts a run in which only the first file exists, and waits until that one is done.
     void start(const QStringList& options, const QString& launcher = {})
     {
         samples::VrxParts parts;
@@ -52,7 +52,7 @@ protected:
 
     void send(int signal) { ASSERT_EQ(::kill(static_cast<pid_t>(m_process.processId()), signal), 0); }
 
-    // Until the program has had the signal and would end with another one.
+    // Waits until the program has handled the signal, so that another one would end it.
     void awaitNoted(int signal)
     {
         const QString status = QStringLiteral("/proc/%1/status").arg(m_process.processId());
@@ -75,13 +75,13 @@ protected:
     QProcess m_process;
 };
 
-TEST_F(InterruptionTest, RunEndsAfterTheFileInWorkWithTheSheetOfWhatItHas)
+TEST_F(InterruptionTest, RunEndsAfterTheCurrentFileAndSavesItsSheet)
 {
     for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
         SCOPED_TRACE(signal);
         start({"--sheet", "sheet.png"});
         m_process.setReadChannel(QProcess::StandardError);
-        ASSERT_TRUE(m_process.waitForReadyRead(kTimeoutMs)); // some have failed
+        ASSERT_TRUE(m_process.waitForReadyRead(kTimeoutMs)); // some files have failed
         m_process.setReadChannel(QProcess::StandardOutput);
         send(signal);
         QStringList lines = errorLines();
@@ -108,9 +108,9 @@ TEST_F(InterruptionTest, RunEndsAfterTheFileInWorkWithTheSheetOfWhatItHas)
     }
 }
 
-TEST_F(InterruptionTest, ASecondSignalEndsTheRunAtOnce)
+TEST_F(InterruptionTest, SecondSignalEndsTheRunAtOnce)
 {
-    // Nobody reads what the run says of its second file, so that it is at work for ever.
+    // The run blocks on its second file, since nobody reads the error line.
     const QByteArray pipe = QFile::encodeName(m_folder.filePath("pipe"));
     ASSERT_EQ(mkfifo(pipe.constData(), 0600), 0);
     const int end = open(pipe.constData(), O_RDWR | O_NONBLOCK);
@@ -123,7 +123,7 @@ TEST_F(InterruptionTest, ASecondSignalEndsTheRunAtOnce)
         start({});
         send(first);
         awaitNoted(first);
-        EXPECT_FALSE(m_process.waitForFinished(100)) << "one signal was enough";
+        EXPECT_FALSE(m_process.waitForFinished(100)) << "the first signal must not end it";
         send(second);
         EXPECT_TRUE(m_process.waitForFinished(kTimeoutMs));
         EXPECT_EQ(m_process.exitStatus(), QProcess::CrashExit);
@@ -132,7 +132,7 @@ TEST_F(InterruptionTest, ASecondSignalEndsTheRunAtOnce)
     close(end);
 }
 
-TEST_F(InterruptionTest, SignalsThatAreIgnoredStayIgnored)
+TEST_F(InterruptionTest, IgnoredSignalsStayIgnored)
 {
     start({}, "nohup");
     send(SIGHUP);

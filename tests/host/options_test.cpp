@@ -88,7 +88,7 @@ TEST(OptionsTest, HelpNamesEveryOption)
     }
 }
 
-TEST(OptionsTest, HelpTellsFormatsExamplesAndStatuses)
+TEST(OptionsTest, HelpHasFormatsExamplesAndStatuses)
 {
     const QString text = parse({"--help"}).text;
     for (const QString& suffix : supportedSuffixes())
@@ -100,7 +100,7 @@ TEST(OptionsTest, HelpTellsFormatsExamplesAndStatuses)
         EXPECT_LE(line.size(), 80) << line.toStdString();
 }
 
-TEST(OptionsTest, ChecksStandAlone)
+TEST(OptionsTest, CheckAcceptsNoOtherArguments)
 {
     EXPECT_EQ(parse({"--check"}).action, Options::Action::RunChecks);
     for (const QStringList& more : {QStringList{"--check", "a.stl"}, QStringList{"-q", "--check"}}) {

@@ -20,7 +20,7 @@ class OutputsTest : public ZrthumbTest
 protected:
     QImage picture(const QString& name) const { return inFull(m_folder.filePath(name)); }
 
-    // A bitmap handed back by the DLL has an alpha channel, also when the cached picture has none.
+    // A bitmap from the DLL has an alpha channel even if the cached picture has none.
     static QImage inFull(const QString& path) { return QImage(path).convertToFormat(QImage::Format_ARGB32); }
 
     // Every file of the test's folder with its contents.
@@ -36,7 +36,7 @@ protected:
     }
 };
 
-TEST_F(OutputsTest, OutputIsThePictureThatWasHandedBack)
+TEST_F(OutputsTest, OutputIsTheReturnedPicture)
 {
     const QString path = source("a.vrx");
     EXPECT_EQ(run({"-o", "out.png", path}).status, 0);
@@ -75,7 +75,7 @@ TEST_F(OutputsTest, DashIsStdout)
     }
 }
 
-// Files of equal names share their PNG in the cache, which shows the one that was made last.
+// Files of equal names share their PNG in the cache, which holds the picture that was made last.
 TEST_F(OutputsTest, OutputsShowTheFilesOwnPicture)
 {
     constexpr quint16 kRed = 0xF800;
@@ -86,7 +86,7 @@ TEST_F(OutputsTest, OutputsShowTheFilesOwnPicture)
     ASSERT_EQ(run({"-o", "a.png", a}).status, 0);
     ASSERT_EQ(run({"-o", "b.png", b}).status, 0);
     ASSERT_NE(picture("a.png"), picture("b.png"));
-    // Whatever the order and the number of requests before: hits, new files, one run or several.
+    // Whatever requests came before: hits, new files, in one run or several.
     for (int round = 0; round < 2; ++round) {
         for (const QString& file : {a, b, b, a, a}) {
             const QString expected = file == a ? "a.png" : "b.png";
@@ -102,8 +102,8 @@ TEST_F(OutputsTest, OutputsShowTheFilesOwnPicture)
     EXPECT_EQ(picture("fresh.png"), picture("first.png"));
 }
 
-// b's row alone is not shared, but a is made in the same run.
-TEST_F(OutputsTest, SheetShowsAFilesOwnPictureAfterAnotherOfItsNameIsNew)
+// The cached PNG of b is not shared until a is made in the same run.
+TEST_F(OutputsTest, SheetShowsOwnPicturesOfFilesOfTheSameName)
 {
     const QString b = source("b/part.vrx", 0x001F);
     ASSERT_EQ(run({b}).status, 0);
@@ -124,8 +124,8 @@ TEST_F(OutputsTest, CacheKeepsItsSharedNames)
     EXPECT_EQ(QDir(thumbnailImageFolder()).entryList(QDir::Files), QStringList({"part.vrxvrx.png"}));
 }
 
-// What a forgotten or mistyped name does must not cost anybody a file.
-TEST_F(OutputsTest, NoWrongUseDestroysAFile)
+// A forgotten or mistyped name must not destroy a file.
+TEST_F(OutputsTest, WrongUseDestroysNoFile)
 {
     const QString model = source("a.vrx");
     source("sub/b.STL");
@@ -196,11 +196,11 @@ TEST_F(OutputsTest, NoWrongUseDestroysAFile)
         EXPECT_EQ(outcome.out, QStringList());
         EXPECT_EQ(outcome.err.size(), 2);
         EXPECT_EQ(contents(), before);
-        EXPECT_FALSE(QFileInfo::exists(dataFolder())) << "work was done";
+        EXPECT_FALSE(QFileInfo::exists(dataFolder())) << "no thumbnail must be made";
     }
 }
 
-TEST_F(OutputsTest, WrongNamesAreToldApart)
+TEST_F(OutputsTest, WrongNamesGetDifferentMessages)
 {
     source("a.vrx");
     const QString plain = sourceOf("model", "a model without a suffix");
@@ -217,7 +217,7 @@ TEST_F(OutputsTest, WrongNamesAreToldApart)
         EXPECT_EQ(run(arguments).err.first(), "zrthumb: " + reason);
 }
 
-// A name that is neither a model's nor another kind of picture's is whatever the user wants it to be.
+// Names without the suffix of a model or of another picture format are the user's choice.
 TEST_F(OutputsTest, OtherNamesGetAPng)
 {
     for (const char* const name : {"x.png", "x.PNG", "x", "x.png.tmp", "x.png~", "x.v2"}) {
@@ -226,7 +226,7 @@ TEST_F(OutputsTest, OtherNamesGetAPng)
     }
 }
 
-TEST_F(OutputsTest, ModelsThatCannotBeSeenAreTold)
+TEST_F(OutputsTest, InvisibleModelsAreReported)
 {
     const QString slashed = sourceOf("s.obj", "v 0 0 0\nv 1 0 0\nv 0 1 0\nv 1 1 1\nf 1/1/1 2/2/2 3/3/3\n");
     const ProgramRun outcome = run({slashed});

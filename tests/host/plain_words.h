@@ -8,7 +8,7 @@
 namespace zr::test
 {
 
-/// Expects the reason to hold nothing that only a programmer reads: names of the code, keys and texts of the log.
+/// Expects the reason to contain no programmers' terms: names from the code, error keys, log texts.
 inline void expectPlainWords(const QString& reason)
 {
     static const QRegularExpression internals(

@@ -9,7 +9,7 @@ namespace zr::test
 namespace
 {
 
-TEST(PrintableTest, OnlyWhatShowsReachesATerminal)
+TEST(PrintableTest, OnlyPrintableCharactersReachATerminal)
 {
     const std::pair<const char*, const char*> cases[] = {
         {"", ""},
@@ -23,7 +23,7 @@ TEST(PrintableTest, OnlyWhatShowsReachesATerminal)
     for (const auto& [text, shown] : cases)
         EXPECT_EQ(printable(QString::fromUtf8(text)), QString::fromUtf8(shown));
     EXPECT_EQ(printable(QString(QChar(0xD800)) + 'a'), "?a"); // half a character
-    // Other line ends, and what turns the order of letters round.
+    // Other line ends, and characters that reverse the order of letters.
     for (const int control : {0x2028, 0x2029, 0x202A, 0x202B, 0x202C, 0x202D, 0x202E, 0x2066, 0x2067, 0x2068, 0x2069})
         EXPECT_EQ(printable('a' + QString(QChar(control)) + 'b'), "a?b") << control;
 }

@@ -1,4 +1,4 @@
-// The line that shows how far a run is, on real terminals.
+// The progress line of a run, on pseudo terminals.
 
 #include "host/progress.h"
 
@@ -30,7 +30,7 @@ constexpr int kLongerThanAnIntervalMs = 300;
 constexpr int kColumns = 80;
 constexpr char kTerm[] = "xterm-256color";
 
-// The files that the line tells of, as of the given total.
+// The progress lines with this total.
 QStringList framesOf(const TerminalScreen& screen, int total)
 {
     return screen.frames().filter(QStringLiteral("/%1]").arg(total));
@@ -62,7 +62,7 @@ protected:
     QProcessEnvironment m_environment;
 };
 
-TEST_F(ProgressOfRunTest, ReachesTheEndAndLeavesTheLinesOnly)
+TEST_F(ProgressOfRunTest, ReachesTheEndAndLeavesOnlyTheLines)
 {
     const TerminalRun outcome = run({"a.vrx", "b.vrx", "c.vrx", "d.vrx"}, 300);
     EXPECT_EQ(outcome.status, 0);
@@ -105,10 +105,10 @@ TEST_F(ProgressOfRunTest, FailuresAreCountedOnTerminalsWhenThereAreSeveralFiles)
             << each.arguments.join(' ').toStdString();
     const ProgramRun piped =
         runProgram(QStringLiteral(ZRTHUMB_PROGRAM), {"missing", "gone"}, m_folder.path(), m_environment);
-    EXPECT_EQ(piped.err.size(), 2) << "one line for each failure where no person reads";
+    EXPECT_EQ(piped.err.size(), 2) << "one line for each failure, no count in a pipe";
 }
 
-TEST_F(ProgressOfRunTest, NothingMovesForAFewFilesOrAQuietRun)
+TEST_F(ProgressOfRunTest, FewFilesOrAQuietRunShowNoProgress)
 {
     for (const QStringList& arguments :
          {QStringList{"a.vrx", "b.vrx", "missing"}, {"-q", "a.vrx", "b.vrx", "c.vrx", "missing"}, {"a.vrx"}}) {
@@ -118,7 +118,7 @@ TEST_F(ProgressOfRunTest, NothingMovesForAFewFilesOrAQuietRun)
     }
 }
 
-TEST_F(ProgressOfRunTest, NothingMovesOnTerminalsThatCannot)
+TEST_F(ProgressOfRunTest, DumbTerminalsShowNoProgress)
 {
     const QStringList arguments = {"a.vrx", "missing", "b.vrx", "c.vrx", "d.vrx"};
     for (const QByteArray& term : {QByteArray("dumb"), QByteArray()}) {
@@ -132,7 +132,7 @@ TEST_F(ProgressOfRunTest, NothingMovesOnTerminalsThatCannot)
     EXPECT_TRUE(run(arguments).bytes.contains('\x1b'));
 }
 
-TEST_F(ProgressOfRunTest, OutputElsewhereNeedNotTakeTheLineAway)
+TEST_F(ProgressOfRunTest, RedirectedOutputDoesNotEraseTheLine)
 {
     const TerminalRun outcome = run({"a.vrx", "b.vrx", "c.vrx", "d.vrx"}, kColumns, m_folder.filePath("out"));
     const TerminalScreen screen(outcome.bytes, kColumns);
@@ -151,7 +151,7 @@ TEST_F(ProgressOfRunTest, ListingOfATreeIsShown)
     EXPECT_EQ(screen.lines().last(), "zrthumb: 2000 of 2000 failed");
 }
 
-TEST(ProgressTest, ListingGrowsAndGoes)
+TEST(ProgressTest, ListingGrowsAndDisappears)
 {
     const QByteArray bytes = onTerminal(kColumns, kTerm, [](const WaitFor& waitFor) {
         Progress progress(false);
@@ -169,7 +169,7 @@ TEST(ProgressTest, ListingGrowsAndGoes)
         EXPECT_GT(frame.mid(9).section(' ', 0, 0).toInt(), 3) << frame.toStdString();
 }
 
-TEST(ProgressTest, AFewListedFilesAreNotWorthALine)
+TEST(ProgressTest, FewListedFilesShowNoLine)
 {
     const QByteArray bytes = onTerminal(kColumns, kTerm, [](const WaitFor&) {
         Progress progress(false);
@@ -183,7 +183,7 @@ TEST(ProgressTest, AFewListedFilesAreNotWorthALine)
     EXPECT_EQ(bytes.toStdString(), "");
 }
 
-TEST(ProgressTest, AMillionFilesAreNotSlowedDown)
+TEST(ProgressTest, MillionFilesAreNotSlowedDown)
 {
     constexpr int kCount = 1000000;
     qint64 elapsed = 0;
@@ -203,7 +203,7 @@ TEST(ProgressTest, AMillionFilesAreNotSlowedDown)
     EXPECT_EQ(framesOf(screen, kCount).last(), "[1000000/1000000]");
 }
 
-TEST(ProgressTest, AFileThatTakesLongIsShownThoughItCameSoonAfterAnother)
+TEST(ProgressTest, SlowFileIsShownEvenSoonAfterAnother)
 {
     const QByteArray bytes = onTerminal(kColumns, kTerm, [](const WaitFor& waitFor) {
         Progress progress(false);
@@ -220,7 +220,7 @@ TEST(ProgressTest, AFileThatTakesLongIsShownThoughItCameSoonAfterAnother)
     EXPECT_EQ(screen.lines(), QStringList({"a line"}));
 }
 
-TEST(ProgressTest, NoNameWrapsTheLine)
+TEST(ProgressTest, NamesNeverWrapTheLine)
 {
     const QString names[] = {
         QString(300, 'n') + ".stl",
@@ -249,13 +249,13 @@ TEST(ProgressTest, NoNameWrapsTheLine)
                 EXPECT_TRUE(screen.frames().first().startsWith("[7/10] " + name.left(1)));
                 EXPECT_TRUE(screen.frames().first().endsWith(name.right(1) + " (2 failed)"));
                 const bool isWhole = screen.frames().first().contains(name);
-                EXPECT_TRUE(isWhole || screen.widestFrame() > columns - 6) << "too short";
+                EXPECT_TRUE(isWhole || screen.widestFrame() > columns - 6) << "the line is too short";
             }
         }
     }
 }
 
-TEST(ProgressTest, WidthIsTheTerminalsAtEachMoment)
+TEST(ProgressTest, WidthFollowsTheTerminal)
 {
     const QString name(100, 'n');
     const QByteArray bytes = onTerminal(120, kTerm, [&name](const WaitFor& waitFor) {
@@ -275,7 +275,7 @@ TEST(ProgressTest, WidthIsTheTerminalsAtEachMoment)
     EXPECT_EQ(frames[1].size(), 59);
 }
 
-TEST(ProgressTest, WidthThatTheTerminalDoesNotTellIsTheShells)
+TEST(ProgressTest, UnknownTerminalWidthIsTheShells)
 {
     for (const auto& [columns, expected] : {std::make_pair("50", 49), {"", 79}, {"many", 79}, {"-3", 79}}) {
         qputenv("COLUMNS", columns);
@@ -290,7 +290,7 @@ TEST(ProgressTest, WidthThatTheTerminalDoesNotTellIsTheShells)
     qunsetenv("COLUMNS");
 }
 
-TEST(ProgressTest, ControlCharactersOfNamesStayOffTheTerminal)
+TEST(ProgressTest, ControlCharactersOfNamesDoNotReachTheTerminal)
 {
     const QByteArray bytes = onTerminal(kColumns, kTerm, [](const WaitFor& waitFor) {
         Progress progress(false);
@@ -301,7 +301,7 @@ TEST(ProgressTest, ControlCharactersOfNamesStayOffTheTerminal)
     EXPECT_EQ(TerminalScreen(bytes, kColumns).frames().first(), "[1/4] a?[31m?b?c???d");
 }
 
-TEST(TextWidthTest, IsNeverLessThanTheCLibrarySays)
+TEST(TextWidthTest, IsNeverLessThanTheCLibrarys)
 {
     ASSERT_EQ(wcwidth(L'\x4e2d'), 2) << "the locale knows no wide characters";
     int wide = 0;

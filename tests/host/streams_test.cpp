@@ -1,4 +1,4 @@
-// Streams and variables of the environment that zrthumb finds in a strange state.
+// zrthumb with unusual streams and environment variables.
 
 #include "host/platform.h"
 #include "tests/host/zrthumb_fixture.h"
@@ -13,13 +13,13 @@
 namespace
 {
 
-// What the system knows of the user.
+// The user that getpwuid() returns.
 bool isUserReplaced = false;
-const char* homeOfUser = nullptr; // null for a user that it does not know
+const char* homeOfUser = nullptr; // null: no such user
 
 } // namespace
 
-// In place of the system's own.
+// Replaces the C library's function.
 extern "C" passwd* getpwuid(uid_t uid)
 {
     if (!isUserReplaced)
@@ -37,7 +37,7 @@ namespace
 class StreamsTest : public ZrthumbTest
 {
 protected:
-    // Runs the program below a shell, which gets the redirections.
+    // Runs the program in a shell with these redirections.
     ProgramRun runInShell(const QString& arguments, const QString& redirections) const
     {
         return runProgram("/bin/sh", {"-c", QStringLiteral("'" ZRTHUMB_PROGRAM "' %1 %2").arg(arguments, redirections)},
@@ -85,7 +85,7 @@ TEST_F(StreamsTest, PicturesAreNotWrittenToATerminal)
               "zrthumb: --output -: a picture is nothing for a terminal; lead it to a file or another program");
 }
 
-TEST_F(StreamsTest, HomeComesFromTheSystemWhenTheEnvironmentHasNone)
+TEST_F(StreamsTest, HomeComesFromTheSystemIfTheEnvironmentHasNone)
 {
     const QByteArray home = qgetenv("HOME");
     const QByteArray data = qgetenv("XDG_DATA_HOME");
@@ -104,8 +104,8 @@ TEST_F(StreamsTest, HomeComesFromTheSystemWhenTheEnvironmentHasNone)
     qputenv("XDG_DATA_HOME", data);
 }
 
-// A user with a number and no name, as containers and services have them, or with a home that is none.
-TEST_F(StreamsTest, UsersWithoutAHomeAreToldWhatToSet)
+// A user ID without an account, as in containers and services, or a user whose home is not a usable folder.
+TEST_F(StreamsTest, UsersWithoutAHomeLearnWhatToSet)
 {
     const QByteArray home = qgetenv("HOME");
     const QByteArray data = qgetenv("XDG_DATA_HOME");

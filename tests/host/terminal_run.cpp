@@ -29,13 +29,13 @@ winsize sizeOf(int columns)
     return size;
 }
 
-constexpr std::chrono::seconds kLongestWait(30);
+constexpr std::chrono::seconds kMaxWait(30);
 
-// What has come to a terminal.
+// The bytes that were written to a terminal.
 class Received
 {
 public:
-    // Until nobody has the terminal open any more.
+    // Reads until no process has the terminal open any more.
     void readAll(int terminal)
     {
         std::array<char, 4096> buffer{};
@@ -50,7 +50,7 @@ public:
     {
         std::unique_lock<std::mutex> lock(m_mutex);
         const auto hasCome = [&] { return m_bytes.indexOf(text, m_waitedFor) >= 0; };
-        EXPECT_TRUE(m_changed.wait_for(lock, kLongestWait, hasCome)) << text.toStdString();
+        EXPECT_TRUE(m_changed.wait_for(lock, kMaxWait, hasCome)) << text.toStdString();
         m_waitedFor = m_bytes.indexOf(text, m_waitedFor) + static_cast<int>(text.size());
     }
 

@@ -36,7 +36,7 @@ TerminalScreen::TerminalScreen(const QByteArray& bytes, int columns) : m_columns
 void TerminalScreen::put(uint character)
 {
     const int width = wcwidth(static_cast<wchar_t>(character));
-    EXPECT_GE(width, 0) << "a character that does not print: " << character;
+    EXPECT_GE(width, 0) << "unprintable character: " << character;
     const QString text = QString::fromUcs4(&character, 1);
     if (width == 0 && m_column > 0)
         m_cells[m_column - 1] += text;

@@ -7,20 +7,20 @@
 namespace zr::test
 {
 
-/// What a terminal shows of bytes that are written to it, as far as it goes: characters by their cells, the end of a
-/// line, its start, and the sequence that erases its rest. Anything else fails the test.
+/// What a terminal shows for the bytes written to it. It understands printable characters, line feed, carriage return,
+/// and the sequence that erases the rest of the line; anything else fails the test.
 class TerminalScreen
 {
 public:
     TerminalScreen(const QByteArray& bytes, int columns);
 
-    /// The lines at the end, without empty ones at its bottom.
+    /// The final lines, without empty ones at the bottom.
     const QStringList& lines() const { return m_lines; }
 
-    /// What the line showed each time its rest had been erased.
+    /// The content of the line each time its rest was erased.
     const QStringList& frames() const { return m_frames; }
 
-    /// The most cells that a line took which was written over later.
+    /// The max number of cells of a line that was later overwritten.
     int widestFrame() const { return m_widestFrame; }
 
 private:

@@ -32,7 +32,7 @@ TEST_F(ZrthumbTest, FirstRequestOfAFreshProfileIsRepeatedOnce)
 {
     const QString path = source("a.vrx");
     EXPECT_EQ(run({path}).status, 0);
-    // The first attempt's lines were lost until its job made the folder.
+    // The first attempt's lines are lost until its job makes the folder.
     EXPECT_EQ(logMessages(), QStringList({"84  throw ", "69  throw ", "73 getImage False",
                                           "37 in 2 " + QDir::toNativeSeparators(path), "63 app after", "84  throw "}));
 }
@@ -62,7 +62,7 @@ TEST_F(ZrthumbTest, RelativePathsAreMadeAbsolute)
     EXPECT_EQ(logMessages().first(), "37 in 2 " + QDir::toNativeSeparators(path));
 }
 
-TEST_F(ZrthumbTest, FailuresAreToldAndDoNotStopTheRun)
+TEST_F(ZrthumbTest, FailuresAreReportedAndDoNotStopTheRun)
 {
     const QString good = source("good.vrx");
     const QString shortFile = sourceOf("short.vrx", "x");
@@ -91,7 +91,7 @@ TEST_F(ZrthumbTest, FailuresAreToldAndDoNotStopTheRun)
     EXPECT_EQ(QDir(thumbnailImageFolder()).entryList(QDir::Files), QStringList({"good.vrxvrx.png"}));
 }
 
-TEST_F(ZrthumbTest, FolderStandsForTheSupportedFilesBelowIt)
+TEST_F(ZrthumbTest, FolderMeansTheSupportedFilesBelowIt)
 {
     for (const char* name : {"m/b.vrx", "m/a/z.VRXDLP", "m/a/c.vrx", "m/ignored.txt", "m/ignored.photon"})
         source(name);
@@ -109,7 +109,7 @@ TEST_F(ZrthumbTest, QuietPrintsFailuresOnly)
     EXPECT_EQ(outcome.err, QStringList({"zrthumb: missing: no thumbnail: no such file"}));
 }
 
-TEST_F(ZrthumbTest, ControlCharactersOfNamesStayOffTheTerminal)
+TEST_F(ZrthumbTest, ControlCharactersOfNamesDoNotReachTheTerminal)
 {
     const ProgramRun outcome = run({"bad\x1b[31m\nname"});
     EXPECT_EQ(outcome.err, QStringList({"zrthumb: bad?[31m?name: no thumbnail: no such file"}));
@@ -131,7 +131,7 @@ TEST_F(ZrthumbTest, HelpAndVersionGoToStdout)
     EXPECT_FALSE(run({"--help"}).out.isEmpty());
 }
 
-TEST_F(ZrthumbTest, GarbageInPlaceOfTheCachedPngIsTold)
+TEST_F(ZrthumbTest, GarbageInPlaceOfTheCachedPngIsReported)
 {
     const QString path = source("a.vrx");
     ASSERT_EQ(run({path}).status, 0);

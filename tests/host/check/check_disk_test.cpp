@@ -1,5 +1,4 @@
-// zrthumb and its --check on a full disk. They run in the test program, where calls of the operating system can be made
-// to fail.
+// zrthumb and its --check on a full disk. They run in the test program, which can make system calls fail.
 
 #include "core/data_location.h"
 #include "host/check/check.h"
@@ -29,7 +28,7 @@ protected:
     }
 };
 
-TEST_F(CheckDiskTest, FullDiskIsTold)
+TEST_F(CheckDiskTest, FullDiskIsReported)
 {
     expectRequestWorks(source("a.vrx"));
     int status = 0;
@@ -47,8 +46,8 @@ TEST_F(CheckDiskTest, FullDiskIsTold)
     EXPECT_EQ(cachedFiles(), QStringList({"a.vrxvrx.png", "earlier.vrxvrx.png"}));
 }
 
-// Wherever the room ends: in the folder, for its pictures, or for one more file.
-TEST_F(CheckDiskTest, EachFullFolderIsTold)
+// Whether the folder, its pictures or a new file have no room.
+TEST_F(CheckDiskTest, EachFullFolderIsReported)
 {
     for (const Fault& fault : {Fault{SystemCall::Write, "/KESTRAVO_Thumbnail", ENOSPC},
                                {SystemCall::Write, "/thumbnailImage", ENOSPC},
@@ -65,7 +64,7 @@ TEST_F(CheckDiskTest, EachFullFolderIsTold)
     EXPECT_EQ(checkDataFolder().first().verdict, Verdict::Ok);
 }
 
-TEST_F(CheckDiskTest, FailedRequestTellsTheFullDisk)
+TEST_F(CheckDiskTest, FailedRequestReportsTheFullDisk)
 {
     expectRequestWorks(source("a.vrx"));
     const QString path = source("b.vrx");

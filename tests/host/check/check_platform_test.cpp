@@ -1,4 +1,4 @@
-// What the user has set for Qt's platform: zrthumb goes without what does not work, and --check tells it.
+// The user's settings for Qt's platform: zrthumb ignores what does not work, and --check reports it.
 
 #include "tests/host/check/check_test.h"
 
@@ -23,8 +23,8 @@ using Variables = std::vector<std::pair<const char*, const char*>>;
 struct PlatformRow {
     const char* name;
     Variables variables;
-    bool usesDisplay;   ///< that there is, in the end
-    const char* unused; ///< the settings that the check tells; empty for none
+    bool usesDisplay;   ///< whether a display is used in the end
+    const char* unused; ///< the settings that the check reports; empty if none
     const char* names;  ///< their names
 };
 
@@ -51,7 +51,7 @@ const PlatformRow kPlatforms[] = {
      false,
      "QT_QPA_PLATFORM=xcb",
      "QT_QPA_PLATFORM"},
-    // The plug-in ends the process where it finds no screen.
+    // The plug-in ends the process if it finds no screen.
     {"PlugInThatAborts",
      {{"QT_QPA_PLATFORM", "eglfs"}, {"DISPLAY", ""}},
      false,
@@ -99,7 +99,7 @@ class PlatformSettingTest : public PlatformTest, public ::testing::WithParamInte
 {
 };
 
-TEST_P(PlatformSettingTest, ThumbnailsAreMadeAllTheSame)
+TEST_P(PlatformSettingTest, ThumbnailsAreStillMade)
 {
     set(GetParam().variables);
     const ProgramRun slice = thumbnailOf("rook.vrx");
@@ -110,7 +110,7 @@ TEST_P(PlatformSettingTest, ThumbnailsAreMadeAllTheSame)
     EXPECT_EQ(model.err.size(), GetParam().usesDisplay ? 0 : 1);
 }
 
-TEST_P(PlatformSettingTest, CheckTellsWhatDoesNotWork)
+TEST_P(PlatformSettingTest, CheckReportsWhatDoesNotWork)
 {
     set(GetParam().variables);
     const ProgramRun run = check();
@@ -130,14 +130,14 @@ TEST_P(PlatformSettingTest, CheckTellsWhatDoesNotWork)
 INSTANTIATE_TEST_SUITE_P(Platform, PlatformSettingTest, ::testing::ValuesIn(kPlatforms),
                          [](const auto& row) { return std::string(row.param.name); });
 
-TEST_F(PlatformTest, PlatformWithoutOpenGlThatTheUserAsksForIsTold)
+TEST_F(PlatformTest, RequestedPlatformWithoutOpenGlIsReported)
 {
     set({{"QT_QPA_PLATFORM", "minimal"}});
     expectOnlyFailure("FAIL OpenGL: the platform 'minimal' has none here, so models have no thumbnails: unset "
                       "QT_QPA_PLATFORM, which asks for it");
 }
 
-// A copy of the program that Qt's plug-ins are hidden from.
+// A copy of the program that cannot find Qt's plug-ins.
 class NoPlugInTest : public PlatformTest
 {
 protected:
@@ -168,7 +168,7 @@ TEST_F(NoPlugInTest, RunEndsWithOneLine)
     }
 }
 
-TEST_F(NoPlugInTest, CheckTellsIt)
+TEST_F(NoPlugInTest, CheckReportsIt)
 {
     const ProgramRun outcome = run("--check");
     EXPECT_EQ(outcome.status, 1);

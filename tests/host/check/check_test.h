@@ -14,16 +14,16 @@ class CheckTest : public DataFolderTest
 protected:
     ProgramRun check() const;
 
-    /// Makes the thumbnail of a sample, as the user's.
+    /// Makes the thumbnail of a sample, as a file of the user.
     void makeThumbnail() const;
 
-    /// Expects a failure as the only one, told by exactly this line, and the thumbnails of the check's own samples.
+    /// Expects exactly this line as the only failure, and the thumbnails of the check's own samples.
     void expectOnlyFailure(const QString& line) const;
 
-    /// Expects a failure that keeps thumbnails from being made: this line, then that of the request, and the count.
+    /// Expects a failure that prevents thumbnails: this line, then that of the request, and the count.
     void expectFailureOfRequest(const QString& line) const;
 
-    /// Expects a failure of this text before any other, whatever it leads to.
+    /// Expects this line as the first failure, whatever failures follow from it.
     void expectFirstFailure(const QString& line) const;
 
     /// The lines with that mark: "ok", "note" or "FAIL".
@@ -31,7 +31,7 @@ protected:
 
     static QString path(const QString& name);
 
-    /// Every file and folder below the data folder, what the database's rows are, and the bytes of all files but the
+    /// Every file and folder below the data folder, the rows of the database, and the bytes of all files except the
     /// database and the log.
     static QStringList snapshot();
 
