@@ -1,4 +1,4 @@
-// A cache database that is damaged, foreign or in somebody else's hands.
+// A cache database that is damaged, foreign or locked.
 
 #include "core/data_location.h"
 #include "tests/reliability/request_test.h"
@@ -85,7 +85,7 @@ class DamagedDatabaseTest : public RequestTest, public ::testing::WithParamInter
 {
 };
 
-TEST_P(DamagedDatabaseTest, IsToldAndANewOneWorks)
+TEST_P(DamagedDatabaseTest, IsReportedAndANewOneWorks)
 {
     const Damage& row = GetParam();
     const QString path = source("a.vrx");
@@ -105,7 +105,7 @@ INSTANTIATE_TEST_SUITE_P(Database, DamagedDatabaseTest, ::testing::ValuesIn(kDam
 class DatabaseTest : public RequestTest
 {
 protected:
-    // Another program that has run the statements and keeps what they locked.
+    // Another program runs the statements and keeps their locks.
     static void hold(QProcess& holder, int milliseconds, const QStringList& statements)
     {
         holder.setProcessChannelMode(QProcess::ForwardedErrorChannel);
@@ -116,7 +116,7 @@ protected:
     }
 };
 
-TEST_F(DatabaseTest, RowsOfADamagedPageAreMadeAnewInANewDatabase)
+TEST_F(DatabaseTest, RowsOfADamagedPageAreRecordedAgainInANewDatabase)
 {
     const QString path = source("a.vrx");
     expectRequestWorks(path);
@@ -149,7 +149,7 @@ class LockedDatabaseTest : public DatabaseTest, public ::testing::WithParamInter
 
 constexpr int kLongerThanAnyRequest = 60000;
 
-TEST_P(LockedDatabaseTest, IsWaitedForAndThenTold)
+TEST_P(LockedDatabaseTest, IsWaitedForAndThenReported)
 {
     constexpr int kWaitMs = 5000; // for the lock, by each use of the database
     constexpr int kUses = 2;
@@ -185,7 +185,7 @@ TEST_P(LockedDatabaseTest, RequestSucceedsWhenItIsReleasedInTime)
 INSTANTIATE_TEST_SUITE_P(Database, LockedDatabaseTest, ::testing::ValuesIn(kLocks),
                          [](const auto& row) { return std::string(row.param.name); });
 
-TEST_F(DatabaseTest, CachedPicturesAreHandedOutWhileSomebodyWrites)
+TEST_F(DatabaseTest, CachedPicturesAreReturnedDuringAWrite)
 {
     const QString path = source("a.vrx");
     expectRequestWorks(path);
@@ -199,8 +199,8 @@ TEST_F(DatabaseTest, CachedPicturesAreHandedOutWhileSomebodyWrites)
     ASSERT_TRUE(holder.waitForFinished());
 }
 
-// The other process has inserted its row between this one's look-up and insertion.
-TEST_F(DatabaseTest, RowThatAnotherProcessWasFasterWithIsUpdated)
+// Another process inserts the row between this one's look-up and insertion.
+TEST_F(DatabaseTest, RowThatAnotherProcessInsertedFirstIsUpdated)
 {
     const QString path = source("a.vrx");
     const QString rowByTheOther = QStringLiteral("insert into thumbnail values('/other.png', 0, '%1', 1, 2)").arg(path);

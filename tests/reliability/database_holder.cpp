@@ -1,6 +1,6 @@
 // database_holder DATABASE MILLISECONDS STATEMENT...: another program that works with the cache database. It runs the
-// statements, the first of which begins a transaction, says so, and commits them when the time is over or its standard
-// input ends.
+// statements, the first of which begins a transaction, prints "ready", and commits when the time is over or its
+// standard input ends.
 
 #include <QCoreApplication>
 #include <QSqlDatabase>
@@ -28,7 +28,7 @@ int main(int argc, char** argv)
             return 1;
         }
     }
-    query.next(); // a reader is one from its first row on
+    query.next(); // only reading the first row takes the lock
     std::puts("ready");
     std::fflush(stdout);
     pollfd input{STDIN_FILENO, POLLIN, 0};

@@ -28,7 +28,7 @@ struct DiskFault {
     Fault fault;
     bool succeeds;
     QStringList log;
-    bool withoutDatabase = false; ///< the request has to make the database, too
+    bool withoutDatabase = false; ///< the request also has to make the database
 };
 
 std::ostream& operator<<(std::ostream& out, const DiskFault& row)
@@ -44,7 +44,7 @@ Fault fault(SystemCall call, const char* pathPart, int error, qint64 room = -1)
 }
 
 const QStringList kNewNotSaved = kNewEntry + kNotSaved;
-// Each use of the database logs what is wrong with it: the job's and extract's.
+// Logged by each use of the database: the job's and extract's.
 const QStringList kNoTable = {"106 database create faild"};
 const QStringList kNotOpen = {"110 database no open"};
 
@@ -70,7 +70,7 @@ class DiskFaultTest : public RequestTest, public ::testing::WithParamInterface<D
 {
 };
 
-TEST_P(DiskFaultTest, IsToldAndTheNextRequestWorks)
+TEST_P(DiskFaultTest, IsReportedAndTheNextRequestWorks)
 {
     const DiskFault& row = GetParam();
     const QString path = source("a.vrx");
@@ -95,7 +95,7 @@ INSTANTIATE_TEST_SUITE_P(Disk, DiskFaultTest, ::testing::ValuesIn(kDiskFaults),
 class DiskTest : public RequestTest
 {
 protected:
-    // A picture that does not compress, so that its PNG goes to the disk in several pieces.
+    // A picture that does not compress, so that its PNG is written in several pieces.
     QString largeSource() const
     {
         QImage noise(200, 200, QImage::Format_RGB32);
@@ -116,7 +116,7 @@ protected:
     }
 };
 
-TEST_F(DiskTest, PictureOfBeforeSurvivesAFullDisk)
+TEST_F(DiskTest, OldPictureSurvivesAFullDisk)
 {
     for (const qint64 room : {0, 700, 20000}) {
         const QString path = largeSource();
@@ -138,7 +138,7 @@ TEST_F(DiskTest, PictureOfBeforeSurvivesAFullDisk)
     }
 }
 
-// A torn file in its place would be taken for a fresh picture from then on.
+// A truncated file would be taken for a fresh picture from then on.
 TEST_F(DiskTest, DeletedPictureStaysMissingOnAFullDisk)
 {
     const QString path = source("a.vrx");
@@ -152,7 +152,7 @@ TEST_F(DiskTest, DeletedPictureStaysMissingOnAFullDisk)
     expectRequestWorks(path);
 }
 
-TEST_F(DiskTest, UnreadablePictureIsHandedOutAgainLater)
+TEST_F(DiskTest, UnreadablePictureIsReturnedAgainLater)
 {
     const QString path = source("a.vrx");
     expectRequestWorks(path);
@@ -165,7 +165,7 @@ TEST_F(DiskTest, UnreadablePictureIsHandedOutAgainLater)
     expectRequestWorks(path);
 }
 
-TEST_F(DiskTest, DataFolderThatCannotBeMadeFails)
+TEST_F(DiskTest, DataFolderThatCannotBeCreatedFails)
 {
     const QString path = source("a.vrx");
     removeDataFolder();
@@ -178,7 +178,7 @@ TEST_F(DiskTest, DataFolderThatCannotBeMadeFails)
     expectSecondRequestWorks(path);
 }
 
-TEST_F(DiskTest, PngFolderThatCannotBeMadeFails)
+TEST_F(DiskTest, PngFolderThatCannotBeCreatedFails)
 {
     const QString path = source("a.vrx");
     ASSERT_TRUE(QDir(thumbnailImageFolder()).removeRecursively());
@@ -206,7 +206,7 @@ struct Moment {
     const char* pathPart;
 };
 
-// The log goes with the folder, so there are no lines to look at.
+// The log is removed with the folder, so there are no lines to check.
 TEST_F(DiskTest, DataFolderRemovedBetweenTwoStepsFails)
 {
     for (const Moment& moment : {Moment{"while the source is read", SystemCall::Read, "/a.vrx"},

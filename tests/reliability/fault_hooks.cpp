@@ -1,5 +1,5 @@
-// The functions at the end have the names of the system's library. The program's own are found first, also by Qt and
-// SQLite, and hand on what no fault touches.
+// The functions at the end replace those of the C library, also for Qt and SQLite, and forward calls that no fault
+// affects.
 
 #include "tests/reliability/fault_hooks.h"
 
@@ -28,7 +28,7 @@ struct InjectedFault::State {
     std::atomic<int> hits{0};
 };
 
-/// The faults that are in force.
+/// The active faults.
 class FaultList
 {
 public:
@@ -50,7 +50,7 @@ public:
         m_size = m_entries.size();
     }
 
-    // The fault that touches this call.
+    // The fault that affects this call.
     Entry find(SystemCall call, const char* path)
     {
         const std::lock_guard<std::mutex> guard(m_mutex);
@@ -76,14 +76,14 @@ private:
 namespace
 {
 
-// The system's library is used before and after everything else of this program lives.
+// Never destroyed: the C library is called before and after all other objects of this program exist.
 FaultList& faults()
 {
     static auto* const list = new FaultList;
     return *list;
 }
 
-// What a fault does by itself must not meet it again.
+// Calls made by a fault itself must not be affected again.
 thread_local bool insideFault = false;
 
 FaultList::Entry touch(SystemCall call, const char* path)
@@ -110,7 +110,7 @@ FaultList::Entry touch(SystemCall call, int file)
     return touch(call, path);
 }
 
-// True when the call is to fail; errno is set.
+// True if the call must fail; errno is set.
 bool fails(const FaultList::Entry& entry)
 {
     if (!entry || entry->fault.error == 0)
@@ -121,10 +121,10 @@ bool fails(const FaultList::Entry& entry)
 
 std::size_t readable(const FaultList::Entry& entry, std::size_t bytes)
 {
-    return entry && entry->fault.most > 0 ? std::min(bytes, entry->fault.most) : bytes;
+    return entry && entry->fault.maxBytes > 0 ? std::min(bytes, entry->fault.maxBytes) : bytes;
 }
 
-// The bytes of a write that still find room; none when the call is to fail as a whole.
+// The number of bytes of a write that still fit; nullopt if the whole call must fail.
 std::optional<std::size_t> writable(const FaultList::Entry& entry, std::size_t bytes)
 {
     if (!entry || entry->fault.error == 0)
@@ -174,7 +174,7 @@ int InjectedFault::hits() const
 
 using zr::test::SystemCall;
 
-// The system's headers name the parameters in their own way.
+// The system's headers have other parameter names.
 // NOLINTBEGIN(readability-inconsistent-declaration-parameter-name)
 extern "C" {
 

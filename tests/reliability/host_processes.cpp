@@ -36,7 +36,7 @@ std::vector<samples::SampleFile> sliceFiles()
     return files;
 }
 
-// The rows of the cache database, which is checked on the way.
+// The rows of the cache database, whose integrity is checked as well.
 Rows readRows()
 {
     const QString name = QStringLiteral("check");
@@ -48,7 +48,7 @@ Rows readRows()
         QSqlQuery check(QStringLiteral("pragma integrity_check"), database);
         EXPECT_TRUE(check.next());
         EXPECT_EQ(check.value(0).toString(), "ok");
-        // No table is as good as one without rows.
+        // A missing table counts as one without rows.
         QSqlQuery query(QStringLiteral("select filePath, thumPath from thumbnail"), database);
         while (query.next())
             rows.emplace(query.value(0).toString(), query.value(1).toString());

@@ -9,18 +9,18 @@
 namespace zr::test
 {
 
-/// A test in which zrthumb runs over slice files, and what it must leave in the data folder whatever happens to it.
+/// A test in which zrthumb runs over slice files, with checks of what it leaves in the data folder whatever happens.
 class HostProcessesTest : public DataFolderTest
 {
 protected:
-    /// Makes `count` files of all slice formats, each with a name of its own.
+    /// Makes `count` files of all slice formats, each with a unique name.
     void makeSources(int count);
 
-    /// Makes every file look changed, so that its picture is made anew.
+    /// Makes every file look changed, so that its picture is made again.
     void touchSources() const;
 
-    /// zrthumb, started over all files in the order given, or in a random one.
-    enum class Order { AsMade, Random };
+    /// Starts zrthumb on all files, in the order in which they were made or a random one.
+    enum class Order { AsCreated, Random };
     void start(QProcess& program, Order order) const;
 
     /// Expects a sound database in which every row names a PNG that loads.
@@ -29,7 +29,7 @@ protected:
     /// Expects one row for each file, with the file's picture as its PNG.
     void expectCompleteCache() const;
 
-    /// Names of the pictures that were about to be saved by processes that are no more.
+    /// Names of the temporary files left by processes that died while saving a picture.
     static QStringList unfinishedPictures();
 
     const QStringList& sources() const { return m_sources; }

@@ -23,12 +23,12 @@ protected:
     void runToTheEnd() const
     {
         QProcess program;
-        start(program, Order::AsMade);
+        start(program, Order::AsCreated);
         ASSERT_TRUE(program.waitForFinished(60000));
         EXPECT_EQ(program.exitCode(), 0) << program.readAllStandardError().constData();
     }
 
-    // At a random moment of a run. False when the program was faster.
+    // Kills a run at a random moment. False if it had already ended.
     bool killOnce()
     {
         std::uniform_int_distribution<> moment(1, std::max(m_runMs, 2));
@@ -47,7 +47,7 @@ protected:
     }
 
 private:
-    int m_runMs = 1000; ///< about the time that a run takes when nobody kills it
+    int m_runMs = 1000; ///< estimated time of a complete run
     std::mt19937 m_random{std::random_device{}()};
 };
 
@@ -61,7 +61,7 @@ TEST_F(KillTest, CacheIsSoundAfterEachKillAndCompleteAfterTheNextRun)
     for (int run = 0; killed < kills; ++run) {
         ASSERT_LT(run, 20 * kills);
         touchSources();
-        // A new profile is at its most vulnerable while the database is made.
+        // A new profile is most vulnerable while the database is made.
         if (run % 4 == 0)
             SetUp();
         killed += killOnce() ? 1 : 0;

@@ -1,4 +1,4 @@
-// Something else where the cache keeps a file of its own: folders, pipes, links, devices, garbage.
+// Something else in place of one of the cache's files: folders, pipes, links, devices, garbage.
 
 #include "core/data_location.h"
 #include "tests/reliability/request_test.h"
@@ -48,8 +48,7 @@ void makeLinkLoop(const QString& path)
     linkTo(path)(path);
 }
 
-// A link to a file that is not there.
-void makeLooseLink(const QString& path)
+void makeDanglingLink(const QString& path)
 {
     linkTo(path + ".target")(path);
 }
@@ -60,7 +59,7 @@ void makeLinkToPipe(const QString& path)
     linkTo(path + ".pipe")(path);
 }
 
-// Whatever it is, and what it was made of.
+// Removes it whatever it is, with the files that it was made of.
 void remove(const QString& path)
 {
     if (QFileInfo(path).isDir() && !QFileInfo(path).isSymLink())
@@ -91,7 +90,7 @@ std::string nameOf(const ::testing::TestParamInfo<Misplaced>& row)
 class MisplacedTest : public RequestTest, public ::testing::WithParamInterface<Misplaced>
 {
 protected:
-    // Puts it in place of `path`, and away again after the request.
+    // Makes it in place of `path`, and removes it after the request.
     static void expectOutcomeAndRecovery(const QString& path, const QString& source)
     {
         remove(path);
@@ -109,7 +108,7 @@ class MisplacedLogTest : public MisplacedTest
 {
 };
 
-TEST_P(MisplacedLogTest, LosesItsLinesAndNothingElse)
+TEST_P(MisplacedLogTest, OnlyLosesItsLines)
 {
     expectOutcomeAndRecovery(defaultLogPath(), source("a.vrx"));
 }
@@ -139,7 +138,7 @@ const Misplaced kDatabases[] = {
     {"Pipe", makePipe, false, kWithoutDatabase},
     {"LinkToPipe", makeLinkToPipe, false, kWithoutDatabase},
     {"LinkLoop", makeLinkLoop, false, kWithoutDatabase},
-    {"LooseLink", makeLooseLink, true, kNewEntry},
+    {"DanglingLink", makeDanglingLink, true, kNewEntry},
     {"FullDevice", linkTo("/dev/full"), false, kWithoutTable},
     {"EndlessDevice", linkTo("/dev/zero"), false, kWithoutTable},
     {"EmptyDevice", linkTo("/dev/null"), false, kWithoutTable},
@@ -151,7 +150,7 @@ class MisplacedPngTest : public MisplacedTest
 {
 };
 
-TEST_P(MisplacedPngTest, NewPictureIsSavedOrTheFailureTold)
+TEST_P(MisplacedPngTest, NewPictureIsSavedOrTheFailureReported)
 {
     const QString path = source("a.vrx");
     expectOutcomeAndRecovery(pngOf(path), path);
@@ -163,18 +162,18 @@ const Misplaced kPngs[] = {
     {"Pipe", makePipe, false, kNewEntry + kNotSaved},
     {"LinkToPipe", makeLinkToPipe, false, kNewEntry + kNotSaved},
     {"LinkLoop", makeLinkLoop, false, kNewEntry + kNotSaved},
-    {"LooseLink", makeLooseLink, true, kNewEntry},
+    {"DanglingLink", makeDanglingLink, true, kNewEntry},
     {"FullDevice", linkTo("/dev/full"), false, kNewEntry + kNotSaved},
 };
 
 INSTANTIATE_TEST_SUITE_P(Misplaced, MisplacedPngTest, ::testing::ValuesIn(kPngs), nameOf);
 
-// Whether a PNG is there decides, not what is in it.
+// The cache only checks whether a PNG exists, not its contents.
 class MisplacedFreshPngTest : public MisplacedTest
 {
 };
 
-TEST_P(MisplacedFreshPngTest, IsHandedOutAsNoPictureUntilItIsGone)
+TEST_P(MisplacedFreshPngTest, ReturnsNoPictureUntilItIsRemoved)
 {
     const QString path = source("a.vrx");
     expectRequestWorks(path);
@@ -193,7 +192,7 @@ TEST_P(MisplacedFreshPngTest, IsHandedOutAsNoPictureUntilItIsGone)
 
 const Misplaced kFreshPngs[] = {
     {"Garbage", [](const QString& path) { writeFile(path, "garbage"); }, true, {}},
-    {"Nothing", [](const QString& path) { writeFile(path, {}); }, true, {}},
+    {"EmptyFile", [](const QString& path) { writeFile(path, {}); }, true, {}},
     {"Folder", makeFolder, true, {}},
     {"Pipe", makePipe, true, {}},
     {"LinkToPipe", makeLinkToPipe, true, {}},
@@ -215,17 +214,17 @@ TEST_F(MisplacedFilesTest, LinkInPlaceOfAPngStaysALink)
     EXPECT_FALSE(QImage(elsewhere).isNull());
 }
 
-// A name that is as long as a name can be has no room for more characters.
-TEST_F(MisplacedFilesTest, LongestPngNameIsUsed)
+// A name of the max length has no room for the suffix of a temporary name.
+TEST_F(MisplacedFilesTest, PngNameOfMaxLengthIsUsed)
 {
-    constexpr int kMostCharacters = 255;
+    constexpr int kMaxNameBytes = 255;
     const QString suffixes = QStringLiteral(".vrxvrx.png");
-    const QString path = source(QString(kMostCharacters - suffixes.size(), 'n') + ".vrx");
+    const QString path = source(QString(kMaxNameBytes - suffixes.size(), 'n') + ".vrx");
     expectRequestWorks(path);
-    EXPECT_EQ(request(source(QString(kMostCharacters - suffixes.size() + 1, 'n') + ".vrx")).log, kNewEntry + kNotSaved);
+    EXPECT_EQ(request(source(QString(kMaxNameBytes - suffixes.size() + 1, 'n') + ".vrx")).log, kNewEntry + kNotSaved);
 }
 
-// The program reads the log back to say why a request failed.
+// The program reads the log to report why a request failed.
 TEST_F(MisplacedFilesTest, ProgramDoesNotWaitForALogThatIsAPipe)
 {
     remove(defaultLogPath());

@@ -1,4 +1,4 @@
-// Outputs that meet a full disk or something else than a file.
+// Outputs to a full disk or to something other than a file.
 
 #include "host/output_file.h"
 #include "tests/reliability/fault_hooks.h"
@@ -26,7 +26,7 @@ class OutputFaultsTest : public ::testing::Test
 protected:
     void SetUp() override { m_picture.fill(Qt::red); }
 
-    // What the folder has, hidden files too.
+    // All names in the folder, including hidden files.
     QStringList names() const
     {
         return QDir(m_folder.path()).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot);
@@ -52,14 +52,14 @@ TEST_F(OutputFaultsTest, FullDiskKeepsTheOlderFile)
     }
 }
 
-TEST_F(OutputFaultsTest, FullDiskLeavesNothingOfANewFile)
+TEST_F(OutputFaultsTest, FullDiskLeavesNoPartOfANewFile)
 {
     const InjectedFault fault({SystemCall::Write, QFile::encodeName(m_folder.path()), ENOSPC, 0, -1, 20});
     EXPECT_EQ(writeOutput(m_picture, m_path), "No space left on device");
     EXPECT_EQ(names(), QStringList());
 }
 
-TEST_F(OutputFaultsTest, FolderThatTakesNoNewFilesGetsItWrittenInPlace)
+TEST_F(OutputFaultsTest, FileInAWriteProtectedFolderIsWrittenInPlace)
 {
     const InjectedFault fault({SystemCall::OpenToWrite, "/.", EACCES});
     for (const int olderSize : {3000, 0, 3}) {
@@ -84,7 +84,7 @@ TEST_F(OutputFaultsTest, FullDiskKeepsTheOlderFileInPlace)
     for (const int olderSize : {3000, 0, 30}) {
         const QByteArray older(olderSize, 'x');
         writeFile(m_path, older);
-        // Some bytes, none, and none again when the reason is asked for.
+        // Some bytes, none, and none again when the error is determined.
         constexpr int kAttempts = 3;
         const InjectedFault noNewFiles({SystemCall::OpenToWrite, "/.", EACCES});
         const InjectedFault fault({SystemCall::Write, "/out.png", ENOSPC, 0, kAttempts, 20});
@@ -102,7 +102,7 @@ TEST_F(OutputFaultsTest, LinkStaysALink)
     EXPECT_TRUE(isWhole(target));
 }
 
-TEST_F(OutputFaultsTest, LinkToNothingMakesWhatItNames)
+TEST_F(OutputFaultsTest, DanglingLinkCreatesItsTarget)
 {
     const QString target = m_folder.filePath("target");
     ASSERT_TRUE(QFile::link(target, m_path));
@@ -111,7 +111,7 @@ TEST_F(OutputFaultsTest, LinkToNothingMakesWhatItNames)
     EXPECT_TRUE(isWhole(target));
 }
 
-TEST_F(OutputFaultsTest, PermissionsOfTheOlderFileStay)
+TEST_F(OutputFaultsTest, PermissionsOfTheOlderFileAreKept)
 {
     writeFile(m_path, "x");
     ASSERT_EQ(chmod(QFile::encodeName(m_path).constData(), 0600), 0);

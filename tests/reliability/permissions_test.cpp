@@ -1,4 +1,4 @@
-// Files and folders that the user may not write.
+// Files and folders without write or read permission.
 
 #include "core/data_location.h"
 #include "tests/reliability/request_test.h"
@@ -52,7 +52,7 @@ TEST_F(PermissionsTest, WriteProtectedPngIsKept)
     expectRequestWorks(path);
 }
 
-TEST_F(PermissionsTest, PngFolderWithoutWritePermissionStillTakesChangesOfItsFiles)
+TEST_F(PermissionsTest, PngsInAWriteProtectedFolderCanStillChange)
 {
     const QString path = source("a.vrx");
     expectRequestWorks(path);
@@ -87,7 +87,7 @@ TEST_P(WriteProtectionTest, AnswersFromTheCacheOnly)
     const QString other = source("b.vrx");
     const RequestOutcome outcome = request(other);
     EXPECT_FALSE(outcome.loaded);
-    // The log of the earlier requests cannot be removed from a folder that is write-protected.
+    // The log of the earlier requests cannot be removed from a write-protected folder.
     const QStringList lines = kNewEntry + kNotSaved;
     EXPECT_EQ(outcome.log.mid(outcome.log.size() - lines.size()), lines);
 
@@ -95,13 +95,13 @@ TEST_P(WriteProtectionTest, AnswersFromTheCacheOnly)
     expectRequestWorks(other);
 }
 
-// SQLite needs its journal beside the database.
+// SQLite needs its journal next to the database.
 INSTANTIATE_TEST_SUITE_P(Places, WriteProtectionTest,
                          ::testing::Values(WriteProtection{"DataFolder", dataFolder, 0555, 0755},
                                            WriteProtection{"Database", defaultDatabasePath, 0444, 0644}),
                          [](const auto& row) { return std::string(row.param.name); });
 
-TEST_F(PermissionsTest, UnreadableSourceIsTold)
+TEST_F(PermissionsTest, UnreadableSourceIsReported)
 {
     const QString path = source("a.vrx");
     setMode(path, 0);

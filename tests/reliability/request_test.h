@@ -10,14 +10,14 @@
 namespace zr::test
 {
 
-/// What one request of the file browser comes to.
+/// The result of one request of the file browser.
 struct RequestOutcome {
     bool loaded = false;
-    QImage picture;  ///< what extract hands out
-    QStringList log; ///< the job's lines, without those that every request begins with
+    QImage picture;  ///< what extract returns
+    QStringList log; ///< the job's lines, without the first ones of every request
 };
 
-/// The job's lines for a file that the cache does not know, that has changed, and whose picture cannot be kept.
+/// The job's lines for a file that is not in the cache, that has changed, and whose picture cannot be saved.
 inline const QStringList kNewEntry = {"84  throw "};
 inline const QStringList kStaleEntry = {"106  throw "};
 inline const QStringList kNotSaved = {"69  throw ", "73 getImage False"};
@@ -29,25 +29,25 @@ protected:
     void SetUp() override;
     void TearDown() override;
 
-    /// A slice file `name`, whose picture is told apart by its `word` (colour), with `extraBytes` behind it.
+    /// A slice file `name` with a picture of the colour `word`, followed by `extraBytes` bytes.
     QString source(const QString& name, quint16 word = 0xF800, int extraBytes = 0) const;
 
-    /// The file of `bytes` under that name.
+    /// A file `name` of these bytes.
     QString sourceOf(const QString& name, const QByteArray& bytes) const;
 
-    /// One request; its log lines are those since the log was deleted at its beginning.
+    /// One request. Deletes the log first, so that its log lines are those of this request.
     static RequestOutcome request(const QString& path);
 
-    /// Expects a request to hand out the picture that the file's reader makes.
+    /// Expects a request to return the picture that the file's reader makes.
     static void expectRequestWorks(const QString& path);
 
-    /// The picture that the file's reader makes, as a PNG gives it back.
+    /// The picture that the file's reader makes, in the format in which a PNG is read.
     static QImage pictureOf(const QString& path);
 
     /// The cached PNG of the source file of that name.
     static QString pngOf(const QString& path);
 
-    /// The files in the folder of the cached PNGs, those with a leading dot too.
+    /// The files in the folder of the cached PNGs, including those with a leading dot.
     static QStringList cachedFiles();
 
     /// The row of the source file, its values joined by "|".

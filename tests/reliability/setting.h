@@ -5,7 +5,7 @@
 namespace zr::test
 {
 
-/// The number that the environment variable sets, else the short run's. tools/reliability sets the long runs' numbers.
+/// The number in the environment variable, else that of the short run. tools/reliability sets those of long runs.
 inline int setting(const char* variable, int shortRun)
 {
     bool isSet = false;

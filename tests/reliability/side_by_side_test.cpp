@@ -29,17 +29,17 @@ protected:
         makeSources(setting("ZRTHUMB_SIDE_BY_SIDE_FILES", 40));
     }
 
-    // Every file's request by every process, while this process looks at the pictures all the time.
+    // Every process requests every file, while this process keeps reading the pictures.
     void runAll()
     {
         std::vector<std::unique_ptr<QProcess>> programs;
         for (int i = 0; i < m_processes; ++i) {
             programs.push_back(std::make_unique<QProcess>());
-            start(*programs.back(), i % 2 == 0 ? Order::AsMade : Order::Random);
+            start(*programs.back(), i % 2 == 0 ? Order::AsCreated : Order::Random);
         }
         const auto isRunning = [](const auto& program) { return program->state() != QProcess::NotRunning; };
         while (std::any_of(programs.begin(), programs.end(), isRunning)) {
-            lookAtPictures();
+            readPictures();
             for (const auto& program : programs)
                 program->waitForFinished(1);
         }
@@ -52,21 +52,21 @@ protected:
     }
 
     const int m_processes = setting("ZRTHUMB_SIDE_BY_SIDE_PROCESSES", 8);
-    int m_looks = 0; ///< at whole pictures
+    int m_picturesRead = 0; ///< number of complete pictures read
 
 private:
-    void lookAtPictures()
+    void readPictures()
     {
         const QDir folder(thumbnailImageFolder());
         const QStringList names = folder.entryList(QDir::Files);
         for (const QString& name : names) {
             EXPECT_FALSE(QImage(folder.filePath(name)).isNull()) << name.toStdString();
-            ++m_looks;
+            ++m_picturesRead;
         }
     }
 };
 
-// How often each of the requests' messages is in the log; a line that is not whole gives a message that no request has.
+// How often each message is in the log; a torn line counts as a message that no request has.
 std::map<QString, int> countMessages()
 {
     std::map<QString, int> counts;
@@ -84,7 +84,7 @@ TEST_F(SideBySideTest, EveryRequestSucceedsAndNothingIsLostOrTorn)
     runAll();
     expectCompleteCache();
     EXPECT_EQ(unfinishedPictures(), QStringList());
-    EXPECT_GT(m_looks, 0);
+    EXPECT_GT(m_picturesRead, 0);
 
     auto counts = countMessages();
     for (const QString& path : sources()) {
@@ -95,8 +95,8 @@ TEST_F(SideBySideTest, EveryRequestSucceedsAndNothingIsLostOrTorn)
     EXPECT_EQ(counts["63 app after"], m_processes * sources().size());
     EXPECT_GE(counts["106  throw "], sources().size());
     EXPECT_EQ(counts.size(), 3U);
-    std::printf("%d processes, %d files, twice: %d looks at whole pictures meanwhile, %d pictures made anew\n",
-                m_processes, sources().size(), m_looks, counts["106  throw "]);
+    std::printf("%d processes, %d files, twice: %d complete pictures read meanwhile, %d pictures made again\n",
+                m_processes, sources().size(), m_picturesRead, counts["106  throw "]);
 }
 
 } // namespace

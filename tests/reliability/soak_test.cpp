@@ -1,4 +1,4 @@
-// One process that works for a long time: what it holds at the end.
+// One process with many requests: the resources that it holds at the end.
 
 #include "core/data_location.h"
 #include "core/log_file.h"
@@ -35,15 +35,15 @@ namespace
 
 constexpr qint64 kKiB = 1024;
 
-// The mesh of a sample and its renderer, with what the OpenGL driver keeps for it.
-constexpr qint64 kMostKiBPerStl = 12 * kKiB;
+// The mesh of a sample and its renderer, including the OpenGL driver's memory.
+constexpr qint64 kMaxKiBPerStl = 12 * kKiB;
 
-// What a process holds of the machine.
+// The resources that a process holds.
 struct Footprint {
     int handles = 0;
     int threads = 0;
-    qint64 heapKiB = 0;     ///< what is allocated
-    qint64 residentKiB = 0; ///< what the process takes of the memory
+    qint64 heapKiB = 0;     ///< allocated
+    qint64 residentKiB = 0; ///< in physical memory
 };
 
 int entriesOf(const char* folder)
@@ -96,18 +96,18 @@ protected:
         return writeFile(m_folder.filePath(name), bytes);
     }
 
-    // One request as the COM object and zrthumb make it. True when there is a picture.
+    // One request as the COM object and zrthumb make it. True if there is a picture.
     static bool request(const QString& path)
     {
         ThumbnailExtractor extractor;
         try {
             extractor.load(path);
-        } catch (const std::exception&) { // a hostile file; the log is ended by extract(), as always
+        } catch (const std::exception&) { // a hostile file; extract() still ends the log
         }
         return !extractor.extract().isNull();
     }
 
-    // A damaged copy of the bytes: cut, overwritten in places or filled with other bytes.
+    // A damaged copy of the bytes: truncated, overwritten in places or filled with other bytes.
     QByteArray damaged(QByteArray bytes)
     {
         std::uniform_int_distribution<int> place(0, bytes.size() - 1);
@@ -143,7 +143,7 @@ QByteArray binaryStl(int triangles)
     return bytes;
 }
 
-// The growth by requests for one file that is made anew each time. The first requests fill caches and pools.
+// The growth caused by requests for one file whose picture is made each time. The first requests fill caches and pools.
 Footprint growthBy(const std::function<void()>& oneRequest, int requests)
 {
     constexpr int kFirst = 5;
@@ -157,7 +157,7 @@ Footprint growthBy(const std::function<void()>& oneRequest, int requests)
             after.residentKiB - before.residentKiB};
 }
 
-TEST_F(SoakTest, OnlyStlFilesLeaveAnythingBehind)
+TEST_F(SoakTest, OnlyStlFilesKeepResources)
 {
     const int requests = setting("ZRTHUMB_SOAK_REQUESTS_PER_FORMAT", 6);
     for (const samples::SampleFile& sample : samples::sampleFiles()) {
@@ -174,12 +174,12 @@ TEST_F(SoakTest, OnlyStlFilesLeaveAnythingBehind)
             EXPECT_EQ(growth.threads, 0) << sample.name;
             EXPECT_LT(growth.heapKiB, 100 + requests) << sample.name;
         } else {
-            EXPECT_LT(growth.heapKiB, requests * kMostKiBPerStl) << sample.name;
+            EXPECT_LT(growth.heapKiB, requests * kMaxKiBPerStl) << sample.name;
         }
     }
 }
 
-// What is kept on purpose, as an STL file's renderer is. Reachable, so that nobody takes it for lost.
+// Keeps an object on purpose, as the STL reader keeps its renderer. Reachable, so that leak checkers do not report it.
 template <typename Object>
 Object& keep(std::unique_ptr<Object> object)
 {
@@ -206,7 +206,7 @@ void keepRenderer(const StlMesh& mesh)
     EXPECT_FALSE(renderer.render(mesh.chunks(), min.data(), max.data()).isNull());
 }
 
-TEST_F(SoakTest, WhatAnStlFileLeavesBehindIsItsMeshAndItsRenderer)
+TEST_F(SoakTest, StlFilesKeepTheirMeshAndRenderer)
 {
     const int requests = setting("ZRTHUMB_SOAK_REQUESTS_PER_FORMAT", 6);
     const Footprint context = growthBy(keepContext, requests);
@@ -238,7 +238,7 @@ TEST_F(SoakTest, RequestsInRandomOrderWithHostileFiles)
 {
     const int requests = setting("ZRTHUMB_SOAK_REQUESTS", 120);
     constexpr int kHostilePercent = 10;
-    constexpr int kStlPerThousand = 4; // what an STL file leaves behind is meant to stay
+    constexpr int kStlPerThousand = 4; // few, since their resources stay on purpose
 
     std::vector<samples::SampleFile> stlFiles;
     std::vector<samples::SampleFile> otherFiles;
@@ -280,7 +280,7 @@ TEST_F(SoakTest, RequestsInRandomOrderWithHostileFiles)
     EXPECT_EQ(pictures, requests - hostile);
     EXPECT_EQ(after.handles, before.handles);
     EXPECT_EQ(after.threads, before.threads);
-    EXPECT_LT(after.heapKiB - before.heapKiB, 1024 + qint64{stl} * kMostKiBPerStl);
+    EXPECT_LT(after.heapKiB - before.heapKiB, 1024 + qint64{stl} * kMaxKiBPerStl);
 }
 
 } // namespace

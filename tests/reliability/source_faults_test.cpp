@@ -1,4 +1,4 @@
-// Source files that change, vanish or stop answering while they are read; names that are no files.
+// Source files that change, vanish or fail while they are read; names that are not files.
 
 #include "core/data_location.h"
 #include "tests/reliability/fault_hooks.h"
@@ -39,7 +39,7 @@ protected:
         ASSERT_FALSE(m_picture.isNull());
     }
 
-    // A fault of every single one of the first reads, in a request each; `check` sees what became of it.
+    // Injects a fault into each of the first reads, with one request per read; `check` gets the outcome.
     void atEachRead(const std::function<void(Fault&)>& describe,
                     const std::function<void(const RequestOutcome&)>& check)
     {
@@ -57,7 +57,7 @@ protected:
             check(outcome);
         }
         sourceOf(GetParam().name, GetParam().make());
-        // What was recorded meanwhile may look fresh, though not for ever.
+        // What was recorded meanwhile may look fresh until the file changes.
         moveTimeStamp(m_path, 1000);
         const RequestOutcome after = request(m_path);
         EXPECT_TRUE(after.loaded);
@@ -102,7 +102,7 @@ TEST_P(SourceFaultTest, ShrinkingFile)
     }
 }
 
-// The open file stays what it was.
+// The open file is still the old one.
 TEST_P(SourceFaultTest, ReplacedFile)
 {
     atEachRead(
@@ -141,13 +141,13 @@ TEST_P(SourceFaultTest, InterruptedRead)
                });
 }
 
-// As over a network: few bytes at a time, each after a while.
+// As over a network: few bytes at a time, with delays.
 TEST_P(SourceFaultTest, SlowFile)
 {
     static constexpr int kSlowReads = 20;
     static constexpr int kMilliseconds = 10;
     Fault fault{SystemCall::Read, m_path.toLocal8Bit()};
-    fault.most = 1000;
+    fault.maxBytes = 1000;
     int reads = 0;
     fault.before = [&reads] {
         if (reads++ < kSlowReads)
@@ -176,12 +176,12 @@ std::ostream& operator<<(std::ostream& out, const NoFile& row)
 }
 
 const NoFile kNoFiles[] = {
-    {"Nothing", [](const char*) {}},
+    {"Missing", [](const char*) {}},
     {"Folder", [](const char* path) { mkdir(path, 0755); }},
     {"Pipe", [](const char* path) { mkfifo(path, 0644); }},
     {"EndlessDevice", [](const char* path) { EXPECT_EQ(symlink("/dev/zero", path), 0); }},
     {"Loop", [](const char* path) { EXPECT_EQ(symlink(path, path), 0); }},
-    {"LooseLink", [](const char* path) { EXPECT_EQ(symlink("/nowhere/at/all", path), 0); }},
+    {"DanglingLink", [](const char* path) { EXPECT_EQ(symlink("/nowhere/at/all", path), 0); }},
 };
 
 class NoFileTest : public RequestTest, public ::testing::WithParamInterface<NoFile>
@@ -207,7 +207,7 @@ class SourceTest : public RequestTest
 {
 };
 
-TEST_F(SourceTest, ClockThatWasMovedBackMakesANewPictureOnce)
+TEST_F(SourceTest, ClockSetBackMakesANewPictureOnce)
 {
     const QString path = source("a.vrx");
     expectRequestWorks(path);
@@ -224,7 +224,7 @@ void setTimeStamp(const QString& path, time_t seconds)
     ASSERT_EQ(utime(QFile::encodeName(path).constData(), &times), 0);
 }
 
-TEST_F(SourceTest, TimeStampOfTheFutureIsLikeAnyOther)
+TEST_F(SourceTest, FutureTimeStampIsLikeAnyOther)
 {
     const QString path = source("a.vrx");
     setTimeStamp(path, time_t{4} << 30);
@@ -232,7 +232,7 @@ TEST_F(SourceTest, TimeStampOfTheFutureIsLikeAnyOther)
     EXPECT_EQ(request(path).log, QStringList());
 }
 
-// The database cannot hold such a number exactly.
+// The database cannot store such a number exactly.
 TEST_F(SourceTest, TimeStampBeforeTheEpochMakesANewPictureEachTime)
 {
     const QString path = source("a.vrx");
