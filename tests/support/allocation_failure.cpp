@@ -18,7 +18,7 @@
 #include <unwind.h>
 
 extern "C" {
-extern const char __executable_start; // NOLINT(bugprone-reserved-identifier): the linker's names
+extern const char __executable_start; // NOLINT(bugprone-reserved-identifier): the linker's name
 extern const char etext;
 }
 #endif
@@ -31,13 +31,13 @@ namespace
 std::size_t failingBytes = 0;
 Thrown failure = Thrown::BadAlloc;
 
-// The counting of one thread at a time. Plain variables: what allocates here would call itself. Volatile, since
-// compilers believe that malloc() looks at no variable of the program.
+// The state of the thread that counts, one at a time. Plain variables, since an allocation here would recurse.
+// Volatile, since compilers assume that malloc() does not use the program's variables.
 thread_local volatile bool isCounting = false;
 int failingNumber = 0;
 int madeNumber = 0;
 
-// The counted blocks that are alive, without memory of their own.
+// The counted blocks that are alive. Allocates no memory.
 constexpr std::size_t kSlots = 1U << 16U;
 std::array<const void*, kSlots> liveBlocks{};
 std::atomic<int> liveNumber{0};
@@ -56,7 +56,7 @@ public:
     LiveBlocksLock& operator=(const LiveBlocksLock&) = delete;
 };
 
-// Probing goes past freed slots, too, so nothing needs to move.
+// Probing continues past freed slots, so no entry has to move.
 std::size_t firstSlot(const void* block)
 {
     return (reinterpret_cast<std::uintptr_t>(block) >> 4U) * 2654435761U % kSlots;
@@ -64,12 +64,12 @@ std::size_t firstSlot(const void* block)
 
 #ifdef Q_OS_LINUX
 
-// What the program calls to get memory for its own strings, arrays, lists and pictures.
+// The functions that allocate the program's own strings, arrays, lists and pictures.
 constexpr const char* kAllocatingFunctions[] = {
     "_ZN7QString",   "_ZNK7QString",  "_ZN10QByteArray", "_ZN9QArrayData",
     "_ZN9QListData", "_ZN9QHashData", "_ZN6QImageC",     "_ZN9QtPrivate12argToQString",
 };
-constexpr int kMostFramesOfQt = 6;
+constexpr int kMaxQtFrames = 6;
 
 bool isOwnCode(std::uintptr_t address)
 {
@@ -89,7 +89,7 @@ bool isAllocatingFunction(std::uintptr_t address)
 
 struct Walk {
     std::uintptr_t caller;
-    std::uintptr_t calledByProgram = 0; ///< in the function of Qt through which the program came here
+    std::uintptr_t calledByProgram = 0; ///< an address in the function of Qt that the program called
     bool reachedCaller = false;
     int frames = 0;
     bool reachedProgram = false;
@@ -103,7 +103,7 @@ _Unwind_Reason_Code visitFrame(_Unwind_Context* context, void* data)
     if (!walk.reachedCaller)
         return _URC_NO_REASON;
     walk.reachedProgram = isOwnCode(address);
-    if (walk.reachedProgram || ++walk.frames > kMostFramesOfQt)
+    if (walk.reachedProgram || ++walk.frames > kMaxQtFrames)
         return _URC_END_OF_STACK;
     walk.calledByProgram = address;
     return _URC_NO_REASON;
@@ -199,7 +199,7 @@ void removeLiveBlock(const void* block)
     }
 }
 
-// What operator new does. Its memory comes from the library's own malloc().
+// The body of operator new. Its memory comes from the C library's malloc().
 void* allocate(std::size_t bytes, const void* caller)
 {
     if (bytes != 0 && bytes == failingBytes) {
@@ -210,7 +210,7 @@ void* allocate(std::size_t bytes, const void* caller)
     }
     const CountedAllocation counted = countAllocation(caller);
     const bool wasCounting = isCounting;
-    isCounting = false; // malloc() may be one that counts
+    isCounting = false; // malloc() may count, too
     void* const block = counted.fails ? nullptr : std::malloc(bytes != 0 ? bytes : 1);
     isCounting = wasCounting;
     if (!block)

@@ -2,13 +2,13 @@
 
 #include <cstddef>
 
-// Test programs that link zr_allocation_failure have an operator new of their own, and on Linux, unless a sanitizer
-// needs it itself, a malloc().
+// Test programs that link zr_allocation_failure have their own operator new, and on Linux, unless a sanitizer replaces
+// it, their own malloc().
 
 namespace zr::test
 {
 
-/// What an allocation of a certain size throws instead of giving memory.
+/// What a failing allocation throws.
 enum class Thrown { BadAlloc, ErrorKey };
 
 /// Lets the next allocation of exactly `bytes` bytes with operator new fail while the object lives.
@@ -24,13 +24,13 @@ public:
 /// Counts the allocations that the product's code makes on this thread while the object lives, and lets one of them
 /// fail.
 ///
-/// Those are allocations with operator new in the program itself, and what Qt allocates at once when the program calls
-/// it, which are the strings, byte arrays, vectors and pictures of the product. What Qt and other libraries allocate
-/// for themselves, deeper in their calls, does not count and never fails.
+/// Those are allocations with operator new in the program itself, and those that Qt makes directly when the program
+/// calls it: the product's strings, byte arrays, vectors and pictures. What Qt and other libraries allocate deeper in
+/// their calls does not count and never fails.
 class CountedAllocations
 {
 public:
-    /// `failing` is the number of the allocation that fails, counted from 1; 0 lets none fail.
+    /// `failing` is the number of the allocation that fails, counted from 1; with 0 none fails.
     explicit CountedAllocations(int failing);
     ~CountedAllocations();
     CountedAllocations(const CountedAllocations&) = delete;
@@ -38,7 +38,7 @@ public:
 
     int made() const;
 
-    /// How many of them were not freed yet.
+    /// How many of them have not been freed yet.
     int alive() const;
 };
 

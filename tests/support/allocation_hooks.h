@@ -2,12 +2,12 @@
 
 #include <cstddef>
 
-// What the replaced allocation functions ask and tell.
+// Called by the replaced allocation functions.
 
 namespace zr::test
 {
 
-/// Counts an allocation if it is one of the product's, and whether it has to fail. `caller` is the return address of
+/// Counts an allocation if it is one of the product's, and decides whether it fails. `caller` is the return address of
 /// the allocation function.
 struct CountedAllocation {
     bool counts;
@@ -15,7 +15,7 @@ struct CountedAllocation {
 };
 CountedAllocation countAllocation(const void* caller);
 
-/// Notes a block that counts, and forgets one that is freed.
+/// Records a counted block, and removes one that is freed.
 void addLiveBlock(const void* block);
 void removeLiveBlock(const void* block);
 

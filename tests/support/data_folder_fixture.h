@@ -8,8 +8,8 @@
 namespace zr::test
 {
 
-/// A test that starts without a data folder and sees what the code under test left there.
-/// The data folder is a temporary one of the test program (below Wine: the prefix's own).
+/// A test that starts without a data folder and can read what the code under test left there.
+/// The data folder is a temporary one of the test program (under Wine: the prefix's own).
 class DataFolderTest : public ::testing::Test
 {
 protected:
@@ -20,14 +20,14 @@ protected:
     static void createDataFolder();
 };
 
-/// The log's messages in order, without their time stamps; checks that each line has a stamp of the right form.
+/// The log's messages in order, without their time stamps; checks that each line has a valid stamp.
 /// A message that spans lines is one entry, its lines joined by "\n".
 QStringList logMessages();
 
 /// The two entries that a failure of a reader leaves: "number text" and "number+1  throw ".
 QStringList failureLines(int number, const QString& text);
 
-/// Ends this thread's log instance, makes the data folder if need be, deletes the log and starts a new instance,
+/// Ends this thread's log instance, makes the data folder if necessary, deletes the log and starts a new instance,
 /// so that logMessages() shows only what follows.
 void restartLog();
 

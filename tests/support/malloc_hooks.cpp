@@ -1,4 +1,4 @@
-// malloc() and its kin for programs that let allocations fail. They hand on to the C library's own.
+// malloc() and related functions for programs that let allocations fail. They call the C library's own.
 
 #include "tests/support/allocation_hooks.h"
 

@@ -11,7 +11,7 @@ namespace
 
 constexpr int kTimeoutMs = 120000;
 
-// Programs of ours write UTF-8 to pipes on Windows, and what the locale has elsewhere: UTF-8 in tests.
+// Our programs write UTF-8 to pipes on Windows, and the locale's encoding elsewhere: UTF-8 in tests.
 QStringList linesOf(const QByteArray& bytes)
 {
     return QString::fromUtf8(bytes).remove('\r').split('\n', Qt::SkipEmptyParts);

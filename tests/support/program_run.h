@@ -7,7 +7,7 @@
 namespace zr::test
 {
 
-/// What came of running a program.
+/// The result of running a program.
 struct ProgramRun {
     int status = -1;
     QStringList out; ///< lines of stdout, without empty ones

@@ -67,13 +67,13 @@ Vec3 turnedAboutZ(const Vec3& a, double degrees)
     return {c * a.x - s * a.y, s * a.x + c * a.y, a.z};
 }
 
-/// Turns a direction or position of the unit box so that the eye looks along -z.
+/// Rotates a direction or position of the unit box so that the eye looks along -z.
 Vec3 turnedToEye(const Vec3& a, Camera camera)
 {
     return camera == Camera::Perspective ? turnedAboutX(turnedAboutZ(a, 41.5), -60.0) : turnedAboutX(a, -90.0);
 }
 
-/// A corner on its way to the screen: pixels from the bottom left, depth, and 1/w for the perspective.
+/// A projected corner: pixels from the bottom left, depth, and 1/w for the perspective.
 struct ScreenVertex {
     double x, y, depth, inverseW;
     Vec3 model;
@@ -121,7 +121,7 @@ public:
     }
 
 private:
-    /// In steps of 1/256 pixel, as OpenGL drivers have them: they decide which pixel centres lie on an edge.
+    /// In steps of 1/256 pixel, as in OpenGL drivers: they decide which pixel centres are on an edge.
     static double toPixels(double device) { return std::round((device + 1.0) * kSidePx / 2.0 * 256.0) / 256.0; }
 
     Camera m_camera;
@@ -246,7 +246,7 @@ void rasteriseChunk(const QVector<float>& chunk, const Projector& projector, Ver
     }
 }
 
-/// How far two pixels are apart: the largest difference of a channel, 255 when only one shows the mesh.
+/// The difference of two pixels: the max difference of a channel, 255 if only one shows the mesh.
 int distance(QRgb a, QRgb b)
 {
     if (qAlpha(a) == 0 && qAlpha(b) == 0)
@@ -256,9 +256,9 @@ int distance(QRgb a, QRgb b)
     return std::max({std::abs(qRed(a) - qRed(b)), std::abs(qGreen(a) - qGreen(b)), std::abs(qBlue(a) - qBlue(b))});
 }
 
-/// Whether an edge of the expected picture within a pixel of this place explains the colour. At the silhouette any
-/// colour of the mesh may show, since the sliver of a face that is seen edge-on need not be among the neighbours;
-/// between faces it must be that of a neighbour.
+/// Whether an edge of the expected picture within a pixel of (x, y) explains the colour. At the silhouette any colour
+/// of the mesh is accepted, since the sliver of a face seen edge-on need not be among the neighbours; between faces it
+/// must be that of a neighbour.
 bool isEdgePixel(QRgb colour, const QImage& expected, int x, int y)
 {
     constexpr int kTolerance = 2;

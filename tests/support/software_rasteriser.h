@@ -7,23 +7,23 @@
 namespace zr::test
 {
 
-/// How a mesh is looked at: STL and OBJ files in perspective, SLC files orthographically.
+/// The projection: STL and OBJ files in perspective, SLC files orthographically.
 enum class Camera { Perspective, Orthographic };
 
-/// What a vertex record of the chunks holds; without a normal the triangle's own is computed.
+/// The content of a vertex record of the chunks; without normals the triangle's own is computed.
 enum class VertexRecord { PositionAndNormal, PositionOnly };
 
-/// The picture that the product's renderer should give for these chunks and this bounding box (three floats each for
+/// The picture that the product's renderer should make of these chunks and this bounding box (three floats each for
 /// `min` and `max`), computed in double precision without OpenGL: 400 x 400 pixels, ARGB32_Premultiplied, background
 /// white with alpha 0. The box must enclose the vertices. A triangle with a corner that is not finite is left out.
 ///
-/// It is an independent witness: it takes no number and no matrix from the product, so that an error there shows.
+/// It is independent: it uses no number and no matrix of the product, so that an error there shows.
 QImage rasterise(const TriangleChunks& chunks, const float* min, const float* max, Camera camera,
                  VertexRecord record = VertexRecord::PositionAndNormal);
 
 /// Expects the picture to show the same mesh as the expected one: silhouettes differ at edge pixels only, colours by at
 /// most 2 of 255, except that a few pixels at the edges between faces may show the neighbouring face. Where a picture
-/// has alpha 0 its colour does not matter, so that pictures which went through a PNG file can be compared.
+/// has alpha 0 its colour does not matter, so that pictures read from a PNG file can be compared.
 void expectSamePicture(const QImage& actual, const QImage& expected);
 
 /// The number of pixels that show the mesh.

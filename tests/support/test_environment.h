@@ -3,8 +3,8 @@
 namespace zr::test
 {
 
-/// Points the data folder at a temporary one that disappears with the process (not below Wine, where the profile's
-/// own folder cannot be moved), and lets Qt run without a display.
+/// Sets the data folder to a temporary one that is removed with the process (not under Wine, where the profile's own
+/// folder cannot be moved), and lets Qt run without a display.
 void prepareTestEnvironment();
 
 } // namespace zr::test

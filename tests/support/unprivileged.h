@@ -7,11 +7,11 @@
 namespace zr::test
 {
 
-/// Nothing is protected from root, so root is somebody else while the object lives; anybody else stays who they are.
+/// Root may access everything, so root becomes another user while the object lives; other users stay themselves.
 class Unprivileged
 {
 public:
-    /// The folders and all that is in them become the new user's.
+    /// The folders and their contents become the new user's.
     explicit Unprivileged(const QStringList& folders);
     ~Unprivileged();
     Unprivileged(const Unprivileged&) = delete;
