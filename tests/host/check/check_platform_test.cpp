@@ -35,7 +35,7 @@ std::ostream& operator<<(std::ostream& out, const PlatformRow& row)
 
 const PlatformRow kPlatforms[] = {
     {"Typo", {{"QT_QPA_PLATFORM", "xbc"}}, true, "QT_QPA_PLATFORM=xbc", "QT_QPA_PLATFORM"},
-    {"WaylandWithoutOne", {{"QT_QPA_PLATFORM", "wayland"}}, true, "QT_QPA_PLATFORM=wayland", "QT_QPA_PLATFORM"},
+    {"WaylandWithoutServer", {{"QT_QPA_PLATFORM", "wayland"}}, true, "QT_QPA_PLATFORM=wayland", "QT_QPA_PLATFORM"},
     {"WaylandThatIsGone",
      {{"QT_QPA_PLATFORM", "wayland"}, {"WAYLAND_DISPLAY", "wayland-97531"}},
      true,
@@ -63,7 +63,7 @@ const PlatformRow kPlatforms[] = {
      false,
      "QT_QPA_PLATFORM=eglfs QT_PLUGIN_PATH=/nowhere",
      "QT_QPA_PLATFORM QT_PLUGIN_PATH"},
-    {"Nothing", {{"QT_QPA_PLATFORM", ";"}}, true, "QT_QPA_PLATFORM=;", "QT_QPA_PLATFORM"},
+    {"EmptyList", {{"QT_QPA_PLATFORM", ";"}}, true, "QT_QPA_PLATFORM=;", "QT_QPA_PLATFORM"},
     {"ListWithOneThatWorks", {{"QT_QPA_PLATFORM", "wayland;XCB"}}, true, "", ""},
     {"PlatformWithArguments", {{"QT_QPA_PLATFORM", "xcb:anything"}}, true, "", ""},
     {"PathToNowhere", {{"QT_PLUGIN_PATH", "/nowhere"}, {"QT_QPA_PLATFORM_PLUGIN_PATH", "/nowhere"}}, true, "", ""},
