@@ -103,7 +103,7 @@ protected:
         return sorted(QString::fromUtf8(process.readAllStandardOutput()).remove('\r').split('\n', Qt::SkipEmptyParts));
     }
 
-    void expectGoodGuest(const QStringList& options, const Variables& variables = {})
+    void expectPicturesAndNoChange(const QStringList& options, const Variables& variables = {})
     {
         const HostOutput output = runHost(options, variables);
         EXPECT_EQ(output.pictures, m_expected);
@@ -135,7 +135,7 @@ protected:
 
 TEST_F(HostsTest, UsualHost)
 {
-    expectGoodGuest({});
+    expectPicturesAndNoChange({});
 }
 
 TEST_F(HostsTest, LibrariesOfOurNamesLoadedBefore)
@@ -148,9 +148,9 @@ TEST_F(HostsTest, LibrariesOfOurNamesLoadedBefore)
             ASSERT_TRUE(folder.mkpath("."));
             ASSERT_TRUE(QFile::copy(windowsPath("ZRTHUMB_DECOY"), folder.filePath(name)));
         }
-        expectGoodGuest({"--load", QDir::toNativeSeparators(one.path())});
+        expectPicturesAndNoChange({"--load", QDir::toNativeSeparators(one.path())});
     }
-    expectGoodGuest({"--load", QDir::toNativeSeparators(all.path())});
+    expectPicturesAndNoChange({"--load", QDir::toNativeSeparators(all.path())});
 }
 
 TEST_F(HostsTest, VariablesThatEndQtPrograms)
@@ -162,35 +162,35 @@ TEST_F(HostsTest, VariablesThatEndQtPrograms)
     };
     for (const auto& row : rows) {
         SCOPED_TRACE((row.first + '=' + row.second).toStdString());
-        expectGoodGuest({}, {row});
+        expectPicturesAndNoChange({}, {row});
     }
 }
 
 TEST_F(HostsTest, VariablesThatChangeQtPrograms)
 {
-    expectGoodGuest({}, {
-                            {"QT_QPA_PLATFORM_PLUGIN_PATH", "C:\\nowhere"},
-                            {"QT_PLUGIN_PATH", "C:\\nowhere"},
-                            {"QT_QPA_GENERIC_PLUGINS", "evdevmouse"},
-                            {"QT_LOGGING_RULES", "*=true"},
-                            {"QT_LOGGING_TO_CONSOLE", "1"},
-                            {"QT_FORCE_STDERR_LOGGING", "1"},
-                            {"QT_ASSUME_STDERR_HAS_CONSOLE", "1"},
-                            {"QT_MESSAGE_PATTERN", "%{message} of Qt"},
-                            {"QT_DEBUG_PLUGINS", "1"},
-                            {"QT_QPA_VERBOSE", "qt.qpa.*=true"},
-                            {"QT_OPENGL", "software"},
-                            {"QT_OPENGL_DLL", "nothing.dll"},
-                            {"QT_OPENGL_BUGLIST", "C:\\nowhere.json"},
-                            {"QT_SCALE_FACTOR", "3"},
-                            {"QT_SCREEN_SCALE_FACTORS", "2;2"},
-                            {"QT_AUTO_SCREEN_SCALE_FACTOR", "1"},
-                            {"QT_FONT_DPI", "300"},
-                            {"QT_STYLE_OVERRIDE", "kvantum"},
-                            {"QT_IM_MODULE", "ibus"},
-                            {"QT_HASH_SEED", "7"},
-                            {"QT_DEFAULT_THREAD_STACK_SIZE", "1"},
-                        });
+    expectPicturesAndNoChange({}, {
+                                      {"QT_QPA_PLATFORM_PLUGIN_PATH", "C:\\nowhere"},
+                                      {"QT_PLUGIN_PATH", "C:\\nowhere"},
+                                      {"QT_QPA_GENERIC_PLUGINS", "evdevmouse"},
+                                      {"QT_LOGGING_RULES", "*=true"},
+                                      {"QT_LOGGING_TO_CONSOLE", "1"},
+                                      {"QT_FORCE_STDERR_LOGGING", "1"},
+                                      {"QT_ASSUME_STDERR_HAS_CONSOLE", "1"},
+                                      {"QT_MESSAGE_PATTERN", "%{message} of Qt"},
+                                      {"QT_DEBUG_PLUGINS", "1"},
+                                      {"QT_QPA_VERBOSE", "qt.qpa.*=true"},
+                                      {"QT_OPENGL", "software"},
+                                      {"QT_OPENGL_DLL", "nothing.dll"},
+                                      {"QT_OPENGL_BUGLIST", "C:\\nowhere.json"},
+                                      {"QT_SCALE_FACTOR", "3"},
+                                      {"QT_SCREEN_SCALE_FACTORS", "2;2"},
+                                      {"QT_AUTO_SCREEN_SCALE_FACTOR", "1"},
+                                      {"QT_FONT_DPI", "300"},
+                                      {"QT_STYLE_OVERRIDE", "kvantum"},
+                                      {"QT_IM_MODULE", "ibus"},
+                                      {"QT_HASH_SEED", "7"},
+                                      {"QT_DEFAULT_THREAD_STACK_SIZE", "1"},
+                                  });
 }
 
 // As when the zip is unpacked into the folder of an older version, which consisted of many files.
@@ -229,10 +229,10 @@ TEST_F(HostsTest, AnyWindowScaling)
     const DesktopSetting scaling(kScaling, kScalingOn);
     for (const DWORD dpi : {96, 144}) {
         const DesktopSetting resolution(L"LogPixels", dpi);
-        expectGoodGuest({}); // the host does not set its awareness, so the server could
+        expectPicturesAndNoChange({}); // the host does not set its awareness, so the server could
         for (const char* const awareness : {"unaware", "system", "monitor"}) {
             SCOPED_TRACE(awareness);
-            expectGoodGuest({"--dpi", awareness});
+            expectPicturesAndNoChange({"--dpi", awareness});
         }
     }
 }
@@ -241,7 +241,7 @@ TEST_F(HostsTest, AnyApartment)
 {
     for (const char* const kind : {"sta", "mta", "none"}) {
         SCOPED_TRACE(kind);
-        expectGoodGuest({"--apartment", kind});
+        expectPicturesAndNoChange({"--apartment", kind});
     }
 }
 
@@ -249,27 +249,27 @@ TEST_F(HostsTest, SmallStacks)
 {
     for (const char* const bytes : {"1048576", "262144"}) {
         SCOPED_TRACE(bytes);
-        expectGoodGuest({"--stack", bytes});
+        expectPicturesAndNoChange({"--stack", bytes});
     }
 }
 
 TEST_F(HostsTest, ThreadsThatEndWithTheirRequest)
 {
-    expectGoodGuest({"--thread-each"});
-    expectGoodGuest({"--thread-each", "--apartment", "mta"});
-    expectGoodGuest({"--thread-each", "--stack", "262144"});
+    expectPicturesAndNoChange({"--thread-each"});
+    expectPicturesAndNoChange({"--thread-each", "--apartment", "mta"});
+    expectPicturesAndNoChange({"--thread-each", "--stack", "262144"});
 }
 
 // Windows stops them wherever they are, with the locks that they hold.
 TEST_F(HostsTest, ThreadsThatEndWithTheProcess)
 {
     for (int i = 0; i < 10; ++i)
-        expectGoodGuest({"--thread-each", "--threads-at-end", "50"});
+        expectPicturesAndNoChange({"--thread-each", "--threads-at-end", "50"});
 }
 
 TEST_F(HostsTest, DeletedCurrentFolder)
 {
-    expectGoodGuest({"--folder-gone"});
+    expectPicturesAndNoChange({"--folder-gone"});
 }
 
 TEST_F(HostsTest, OwnOpenGlContext)
@@ -282,19 +282,19 @@ TEST_F(HostsTest, OwnOpenGlContext)
 
 TEST_F(HostsTest, FloatingPointTraps)
 {
-    expectGoodGuest({"--traps"});
+    expectPicturesAndNoChange({"--traps"});
 }
 
 TEST_F(HostsTest, RestrictedToken)
 {
-    expectGoodGuest({"--restricted"});
+    expectPicturesAndNoChange({"--restricted"});
 }
 
 TEST_F(HostsTest, ProgramWithWindows)
 {
-    expectGoodGuest({"--application"});
+    expectPicturesAndNoChange({"--application"});
     const DesktopSetting scaling(kScaling, kScalingOn);
-    expectGoodGuest({"--application", "--dpi", "monitor", "--opengl"});
+    expectPicturesAndNoChange({"--application", "--dpi", "monitor", "--opengl"});
 }
 
 // The windows that stay in a host get no broadcasts: the one of Qt's event dispatcher, and one for each STL file, whose
@@ -317,7 +317,7 @@ TEST_F(HostsTest, BroadcastsDoNotHang)
 
 TEST_F(HostsTest, UnloadsAndLoadsAgain)
 {
-    expectGoodGuest({"--reload", "200"});
+    expectPicturesAndNoChange({"--reload", "200"});
 }
 
 TEST_F(HostsTest, LoadsForEachRequest)

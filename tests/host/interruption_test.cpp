@@ -53,7 +53,7 @@ protected:
     void send(int signal) { ASSERT_EQ(::kill(static_cast<pid_t>(m_process.processId()), signal), 0); }
 
     // Waits until the program has handled the signal, so that another one would end it.
-    void awaitNoted(int signal)
+    void awaitHandled(int signal)
     {
         const QString status = QStringLiteral("/proc/%1/status").arg(m_process.processId());
         QElapsedTimer timer;
@@ -122,7 +122,7 @@ TEST_F(InterruptionTest, SecondSignalEndsTheRunAtOnce)
         SCOPED_TRACE(std::to_string(first) + " and " + std::to_string(second));
         start({});
         send(first);
-        awaitNoted(first);
+        awaitHandled(first);
         EXPECT_FALSE(m_process.waitForFinished(100)) << "the first signal must not end it";
         send(second);
         EXPECT_TRUE(m_process.waitForFinished(kTimeoutMs));

@@ -27,7 +27,7 @@ const QStringList kNotOpen = {"110 database no open"};
 const QStringList kWithoutTable = kNoTable + kNewNotSaved + kNoTable;
 const QStringList kWithoutDatabase = kNotOpen + kNewNotSaved + kNotOpen;
 
-void cutTo(qint64 bytes)
+void truncateTo(qint64 bytes)
 {
     ASSERT_GT(QFileInfo(defaultDatabasePath()).size(), bytes);
     ASSERT_TRUE(QFile::resize(defaultDatabasePath(), bytes));
@@ -51,10 +51,10 @@ const Damage kDamages[] = {
     {"SchemaPage", [] { overwriteDatabase(100, kPageBytes - 100); }, false, false, kWithoutTable},
     {"TablePage", [] { overwriteDatabase(kPageBytes, kPageBytes); }, false, false, kNewNotSaved},
     {"IndexPage", [] { overwriteDatabase(2 * kPageBytes, kPageBytes); }, false, false, kNewNotSaved},
-    {"CutToNothing", [] { cutTo(0); }, true, true, kNewEntry},
-    {"CutInTheHeader", [] { cutTo(50); }, false, false, kWithoutTable},
-    {"CutInTheFirstPage", [] { cutTo(1000); }, false, false, kWithoutTable},
-    {"CutAfterTheFirstPage", [] { cutTo(kPageBytes); }, false, false, kWithoutTable},
+    {"CutToNothing", [] { truncateTo(0); }, true, true, kNewEntry},
+    {"CutInTheHeader", [] { truncateTo(50); }, false, false, kWithoutTable},
+    {"CutInTheFirstPage", [] { truncateTo(1000); }, false, false, kWithoutTable},
+    {"CutAfterTheFirstPage", [] { truncateTo(kPageBytes); }, false, false, kWithoutTable},
     {"Garbage", [] { writeFile(defaultDatabasePath(), QByteArray(100000, 'x')); }, false, false, kWithoutTable},
     {"NoTable", [] { makeForeignDatabase({"create table other (a int)"}); }, true, true, kNewEntry},
     {"OlderTable",

@@ -139,7 +139,7 @@ std::optional<std::size_t> writable(const FaultList::Entry& entry, std::size_t b
 }
 
 template <typename Function>
-Function* systemsOwn(const char* name)
+Function* realFunction(const char* name)
 {
     return reinterpret_cast<Function*>(dlsym(RTLD_NEXT, name));
 }
@@ -149,7 +149,7 @@ int openFile(const char* name, const char* path, int flags, mode_t mode)
     const bool toRead = (flags & O_ACCMODE) == O_RDONLY;
     if (fails(touch(toRead ? SystemCall::OpenToRead : SystemCall::OpenToWrite, path)))
         return -1;
-    return systemsOwn<int(const char*, int, ...)>(name)(path, flags, mode);
+    return realFunction<int(const char*, int, ...)>(name)(path, flags, mode);
 }
 
 } // namespace
@@ -200,7 +200,7 @@ int mkdir(const char* path, mode_t mode) noexcept
 {
     if (zr::test::fails(zr::test::touch(SystemCall::MakeFolder, path)))
         return -1;
-    return zr::test::systemsOwn<int(const char*, mode_t)>("mkdir")(path, mode);
+    return zr::test::realFunction<int(const char*, mode_t)>("mkdir")(path, mode);
 }
 
 ssize_t read(int file, void* buffer, size_t bytes)
@@ -208,27 +208,27 @@ ssize_t read(int file, void* buffer, size_t bytes)
     const auto fault = zr::test::touch(SystemCall::Read, file);
     if (zr::test::fails(fault))
         return -1;
-    return zr::test::systemsOwn<ssize_t(int, void*, size_t)>("read")(file, buffer, zr::test::readable(fault, bytes));
+    return zr::test::realFunction<ssize_t(int, void*, size_t)>("read")(file, buffer, zr::test::readable(fault, bytes));
 }
 
 ssize_t pread64(int file, void* buffer, size_t bytes, off64_t offset)
 {
     if (zr::test::fails(zr::test::touch(SystemCall::Read, file)))
         return -1;
-    return zr::test::systemsOwn<ssize_t(int, void*, size_t, off64_t)>("pread64")(file, buffer, bytes, offset);
+    return zr::test::realFunction<ssize_t(int, void*, size_t, off64_t)>("pread64")(file, buffer, bytes, offset);
 }
 
 ssize_t write(int file, const void* buffer, size_t bytes)
 {
     const auto room = zr::test::writable(zr::test::touch(SystemCall::Write, file), bytes);
-    return room ? zr::test::systemsOwn<ssize_t(int, const void*, size_t)>("write")(file, buffer, *room) : -1;
+    return room ? zr::test::realFunction<ssize_t(int, const void*, size_t)>("write")(file, buffer, *room) : -1;
 }
 
 ssize_t pwrite64(int file, const void* buffer, size_t bytes, off64_t offset)
 {
     const auto room = zr::test::writable(zr::test::touch(SystemCall::Write, file), bytes);
-    return room ? zr::test::systemsOwn<ssize_t(int, const void*, size_t, off64_t)>("pwrite64")(file, buffer, *room,
-                                                                                               offset)
+    return room ? zr::test::realFunction<ssize_t(int, const void*, size_t, off64_t)>("pwrite64")(file, buffer, *room,
+                                                                                                 offset)
                 : -1;
 }
 
@@ -236,12 +236,12 @@ int fdatasync(int file)
 {
     if (zr::test::fails(zr::test::touch(SystemCall::Sync, file)))
         return -1;
-    return zr::test::systemsOwn<int(int)>("fdatasync")(file);
+    return zr::test::realFunction<int(int)>("fdatasync")(file);
 }
 
 int statvfs64(const char* path, struct statvfs64* disk) noexcept
 {
-    const int result = zr::test::systemsOwn<int(const char*, struct statvfs64*)>("statvfs64")(path, disk);
+    const int result = zr::test::realFunction<int(const char*, struct statvfs64*)>("statvfs64")(path, disk);
     if (result == 0 && zr::test::touch(SystemCall::AskForRoom, path))
         disk->f_bavail = 0;
     return result;
@@ -251,7 +251,7 @@ int rename(const char* from, const char* to) noexcept
 {
     if (zr::test::fails(zr::test::touch(SystemCall::Rename, to)))
         return -1;
-    return zr::test::systemsOwn<int(const char*, const char*)>("rename")(from, to);
+    return zr::test::realFunction<int(const char*, const char*)>("rename")(from, to);
 }
 }
 // NOLINTEND(readability-inconsistent-declaration-parameter-name)

@@ -57,7 +57,7 @@ TEST_F(KillTest, CacheIsSoundAfterEachKillAndCompleteAfterTheNextRun)
     const int kills = setting("ZRTHUMB_KILLS", 12);
     makeSources(kFiles);
     int killed = 0;
-    int transactionsCut = 0;
+    int interruptedTransactions = 0;
     for (int run = 0; killed < kills; ++run) {
         ASSERT_LT(run, 20 * kills);
         touchSources();
@@ -65,7 +65,7 @@ TEST_F(KillTest, CacheIsSoundAfterEachKillAndCompleteAfterTheNextRun)
         if (run % 4 == 0)
             SetUp();
         killed += killOnce() ? 1 : 0;
-        transactionsCut += QFileInfo(defaultDatabasePath() + "-journal").size() > 0 ? 1 : 0;
+        interruptedTransactions += QFileInfo(defaultDatabasePath() + "-journal").size() > 0 ? 1 : 0;
         expectSoundCache();
     }
     const int unfinished = unfinishedPictures().size();
@@ -73,7 +73,7 @@ TEST_F(KillTest, CacheIsSoundAfterEachKillAndCompleteAfterTheNextRun)
     runToTheEnd();
     expectCompleteCache();
     std::printf("%d kills: %d in a transaction of the database, %d in the last profile while a picture was saved\n",
-                killed, transactionsCut, unfinished);
+                killed, interruptedTransactions, unfinished);
 }
 
 } // namespace

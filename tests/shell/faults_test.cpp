@@ -47,7 +47,7 @@ private:
     HANDLE m_handle;
 };
 
-constexpr DWORD kNobodyElse = 0;
+constexpr DWORD kExclusive = 0;
 constexpr DWORD kReadersAndWriters = FILE_SHARE_READ | FILE_SHARE_WRITE;
 
 class FaultsTest : public ServerTest
@@ -92,7 +92,7 @@ TEST_F(FaultsTest, LockedSourceIsReported)
     for (const char* sample : {"rook.vrx", "bottle.photons", "gear.stl", "duck.obj", "tower.slc"}) {
         const QString path = writeSource(QString("locked-") + sample, sampleBytes(sample));
         {
-            const OpenFile locked(path, kNobodyElse);
+            const OpenFile locked(path, kExclusive);
             expectNoThumbnail(path);
         }
         EXPECT_FALSE(request(path).isNull()) << sample;
@@ -116,7 +116,7 @@ TEST_F(FaultsTest, ExclusivelyOpenPngIsKeptAndTheFailureReported)
     changeSource();
     const QByteArray before = readFile(png());
     {
-        const OpenFile locked(png(), kNobodyElse);
+        const OpenFile locked(png(), kExclusive);
         expectNoThumbnail(m_source);
     }
     EXPECT_EQ(readFile(png()), before);

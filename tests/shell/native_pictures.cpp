@@ -24,7 +24,7 @@ int toleranceOf(const QString& name)
 }
 
 // The max difference of any channel of any pixel of two pictures of one size.
-int largestDifference(const QImage& left, const QImage& right)
+int maxDifference(const QImage& left, const QImage& right)
 {
     int largest = 0;
     for (int y = 0; y < left.height(); ++y) {
@@ -45,7 +45,7 @@ void expectNativePicture(const QString& name, const QImage& picture)
     ASSERT_FALSE(native.isNull()) << path.toStdString();
     ASSERT_EQ(picture.size(), native.size());
     ASSERT_EQ(picture.format(), native.format());
-    EXPECT_LE(largestDifference(picture, native), toleranceOf(name));
+    EXPECT_LE(maxDifference(picture, native), toleranceOf(name));
 }
 
 } // namespace zr::test
