@@ -14,6 +14,9 @@ class CheckTest : public DataFolderTest
 protected:
     ProgramRun check() const;
 
+    /// Lets the checks that follow live by a FasterClock.
+    void useFasterClock();
+
     /// Makes the thumbnail of a sample, as a file of the user.
     void makeThumbnail() const;
 

@@ -48,6 +48,13 @@ ProgramRun CheckTest::check() const
     return runProgram(QStringLiteral(ZRTHUMB_PROGRAM), {"--check"}, m_folder.path(), m_environment);
 }
 
+void CheckTest::useFasterClock()
+{
+    m_environment.insert("LD_PRELOAD", ZRTHUMB_FASTER_CLOCK);
+    // A sanitizer's library would have to be the first one.
+    m_environment.insert("ASAN_OPTIONS", "verify_asan_link_order=0");
+}
+
 void CheckTest::makeThumbnail() const
 {
     const samples::SampleFile& sample = samples::sampleFiles().front();
