@@ -15,6 +15,7 @@
 
 #ifdef Q_OS_LINUX
 #include <dlfcn.h>
+#include <link.h>
 #include <unwind.h>
 
 extern "C" {
@@ -37,7 +38,10 @@ thread_local volatile bool isCounting = false;
 int failingNumber = 0;
 int madeNumber = 0;
 
-// The counted blocks that are alive. Allocates no memory.
+// Of each counted allocation, while none is to fail.
+std::vector<std::size_t> madeSites;
+
+// The counted blocks that are alive, without memory of their own.
 constexpr std::size_t kSlots = 1U << 16U;
 std::array<const void*, kSlots> liveBlocks{};
 std::atomic<int> liveNumber{0};
@@ -109,13 +113,47 @@ _Unwind_Reason_Code visitFrame(_Unwind_Context* context, void* data)
     return _URC_NO_REASON;
 }
 
+// Drivers and compilers allocate far more than the rest, and unwinding takes its time.
+bool isCodeOfQt(const void* address)
+{
+    dl_find_object object{};
+    return _dl_find_object(const_cast<void*>(address), &object) == 0 &&
+           std::strstr(object.dlfo_link_map->l_name, "/libQt5");
+}
+
 bool isOwnAllocation(const void* caller)
 {
     Walk walk{reinterpret_cast<std::uintptr_t>(caller)};
     if (isOwnCode(walk.caller))
         return true;
+    if (!isCodeOfQt(caller))
+        return false;
     _Unwind_Backtrace(visitFrame, &walk);
     return walk.reachedProgram && isAllocatingFunction(walk.calledByProgram);
+}
+
+// Of the innermost calls only: what is common to all formats has the same sites in each.
+struct SiteHash {
+    std::size_t value = 0;
+    int frames = 0;
+};
+constexpr int kFramesOfSite = 4;
+
+_Unwind_Reason_Code hashFrame(_Unwind_Context* context, void* data)
+{
+    auto& hash = *static_cast<SiteHash*>(data);
+    const auto address = static_cast<std::uintptr_t>(_Unwind_GetIP(context));
+    if (!isOwnCode(address))
+        return _URC_NO_REASON;
+    hash.value = (hash.value ^ address) * 1099511628211U;
+    return ++hash.frames < kFramesOfSite ? _URC_NO_REASON : _URC_END_OF_STACK;
+}
+
+std::size_t site(const void*)
+{
+    SiteHash hash;
+    _Unwind_Backtrace(hashFrame, &hash);
+    return hash.value;
 }
 
 #else
@@ -123,6 +161,11 @@ bool isOwnAllocation(const void* caller)
 bool isOwnAllocation(const void*)
 {
     return true;
+}
+
+std::size_t site(const void* caller)
+{
+    return reinterpret_cast<std::size_t>(caller);
 }
 
 #endif
@@ -146,6 +189,7 @@ CountedAllocations::CountedAllocations(int failing)
     madeNumber = 0;
     liveBlocks.fill(nullptr);
     liveNumber = 0;
+    madeSites.clear();
     isCounting = true;
 }
 
@@ -159,6 +203,14 @@ int CountedAllocations::made() const
     return madeNumber;
 }
 
+std::vector<std::size_t> CountedAllocations::sites() const
+{
+    isCounting = false; // the copy is not the product's
+    std::vector<std::size_t> sites = madeSites;
+    isCounting = true;
+    return sites;
+}
+
 int CountedAllocations::alive() const
 {
     return liveNumber;
@@ -170,6 +222,8 @@ CountedAllocation countAllocation(const void* caller)
         return {false, false};
     isCounting = false;
     const bool counts = isOwnAllocation(caller);
+    if (counts && failingNumber == 0)
+        madeSites.push_back(site(caller));
     isCounting = true;
     return {counts, counts && ++madeNumber == failingNumber};
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <vector>
 
 // Test programs that link zr_allocation_failure have their own operator new, and on Linux, unless a sanitizer replaces
 // it, their own malloc().
@@ -38,7 +39,10 @@ public:
 
     int made() const;
 
-    /// How many of them have not been freed yet.
+    /// Where each of them was made, when none was to fail: equal values mean the same innermost calls of the program.
+    std::vector<std::size_t> sites() const;
+
+    /// How many of them were not freed yet.
     int alive() const;
 };
 
