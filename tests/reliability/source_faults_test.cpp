@@ -10,6 +10,7 @@
 #include <QDir>
 #include <QElapsedTimer>
 #include <QFileInfo>
+#include <QHash>
 #include <QRegularExpression>
 
 #include <cerrno>
@@ -35,11 +36,21 @@ protected:
     {
         RequestTest::SetUp();
         m_path = sourceOf(GetParam().name, GetParam().make());
-        m_picture = pictureOf(m_path);
+        m_picture = knownPicture();
         ASSERT_FALSE(m_picture.isNull());
     }
 
-    // Injects a fault into each of the first reads, with one request per read; `check` gets the outcome.
+    // Drawn once for all tests.
+    QImage knownPicture() const
+    {
+        static QHash<QString, QImage> pictures;
+        QImage& picture = pictures[GetParam().name];
+        if (picture.isNull())
+            picture = pictureOf(m_path);
+        return picture;
+    }
+
+    // A fault of every single one of the first reads, in a request each; `check` sees what became of it.
     void atEachRead(const std::function<void(Fault&)>& describe,
                     const std::function<void(const RequestOutcome&)>& check)
     {
