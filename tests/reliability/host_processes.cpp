@@ -95,12 +95,14 @@ void HostProcessesTest::start(QProcess& program, Order order) const
     ASSERT_TRUE(program.waitForStarted());
 }
 
-void HostProcessesTest::expectSoundCache()
+int HostProcessesTest::expectSoundCache()
 {
     if (!QFileInfo::exists(defaultDatabasePath()))
-        return;
-    for (const auto& [path, png] : readRows())
+        return 0;
+    const Rows rows = readRows();
+    for (const auto& [path, png] : rows)
         EXPECT_FALSE(QImage(png).isNull()) << png.toStdString();
+    return static_cast<int>(rows.size());
 }
 
 void HostProcessesTest::expectCompleteCache() const

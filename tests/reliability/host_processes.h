@@ -23,8 +23,8 @@ protected:
     enum class Order { AsCreated, Random };
     void start(QProcess& program, Order order) const;
 
-    /// Expects a sound database in which every row names a PNG that loads.
-    static void expectSoundCache();
+    /// Expects a sound database in which every row names a PNG that loads, and returns the number of rows.
+    static int expectSoundCache();
 
     /// Expects one row for each file, with the file's picture as its PNG.
     void expectCompleteCache() const;

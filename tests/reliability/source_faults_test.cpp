@@ -63,8 +63,10 @@ protected:
             describe(fault);
             const InjectedFault injected(fault);
             const RequestOutcome outcome = request(m_path);
-            if (injected.hits() == 0)
+            if (injected.hits() == 0) {
+                EXPECT_GT(read, 0) << "no read at all";
                 break; // the file needs no more reads
+            }
             check(outcome);
         }
         sourceOf(GetParam().name, GetParam().make());
@@ -187,9 +189,9 @@ std::ostream& operator<<(std::ostream& out, const NoFile& row)
 }
 
 const NoFile kNoFiles[] = {
-    {"Missing", [](const char*) {}},
-    {"Folder", [](const char* path) { mkdir(path, 0755); }},
-    {"Pipe", [](const char* path) { mkfifo(path, 0644); }},
+    {"Nothing", [](const char*) {}},
+    {"Folder", [](const char* path) { EXPECT_EQ(mkdir(path, 0755), 0); }},
+    {"Pipe", [](const char* path) { EXPECT_EQ(mkfifo(path, 0644), 0); }},
     {"EndlessDevice", [](const char* path) { EXPECT_EQ(symlink("/dev/zero", path), 0); }},
     {"Loop", [](const char* path) { EXPECT_EQ(symlink(path, path), 0); }},
     {"DanglingLink", [](const char* path) { EXPECT_EQ(symlink("/nowhere/at/all", path), 0); }},

@@ -10,6 +10,7 @@
 #include <QFileInfo>
 #include <QProcess>
 
+#include <atomic>
 #include <chrono>
 #include <map>
 #include <memory>
@@ -81,6 +82,14 @@ protected:
         writeFile(png(), "an older picture");
     }
 
+    static quint64 fileOf(const QString& path) { return OpenFile(path, kReadersAndWriters).identity(); }
+
+    // Pictures that are not in their place yet.
+    static QStringList temporaryFiles()
+    {
+        return QDir(thumbnailImageFolder()).entryList({".*"}, QDir::Files | QDir::Hidden);
+    }
+
     static QString png() { return thumbnailImageFolder() + "a.vrxvrx.png"; }
 
     QString m_source;
@@ -129,35 +138,42 @@ TEST_F(FaultsTest, PngThatIsReadForLongIsOverwritten)
     changeSourceAndPicture();
     const OpenFile reader(png(), kReadersAndWriters);
     EXPECT_EQ(request(m_source), m_picture);
-    EXPECT_EQ(QDir(thumbnailImageFolder()).entryList({".*"}, QDir::Files | QDir::Hidden), QStringList());
+    EXPECT_EQ(fileOf(png()), reader.identity());
+    EXPECT_EQ(temporaryFiles(), QStringList());
 }
 
 TEST_F(FaultsTest, PngThatIsReadForAMomentIsReplaced)
 {
     changeSourceAndPicture();
     auto reader = std::make_unique<OpenFile>(png(), kReadersAndWriters);
-    std::thread leaving([&reader] {
+    const quint64 before = reader->identity();
+    std::atomic<bool> isDone{false};
+    bool wasInTheWay = false;
+    // The new picture has been written when the reader leaves.
+    std::thread leaving([&] {
+        while (!isDone && !wasInTheWay)
+            wasInTheWay = !temporaryFiles().isEmpty();
         std::this_thread::sleep_for(std::chrono::milliseconds(60));
         reader.reset();
     });
     EXPECT_EQ(request(m_source), m_picture);
+    isDone = true;
     leaving.join();
+    EXPECT_TRUE(wasInTheWay);
+    EXPECT_NE(fileOf(png()), before);
+    EXPECT_EQ(temporaryFiles(), QStringList());
 }
 
 // Another process may be about to return it.
 TEST_F(FaultsTest, PngOfTheSameContentsIsNotReplaced)
 {
     changeSource();
-    const auto fileOf = [](const QString& path) {
-        const OpenFile file(path, kReadersAndWriters);
-        return file.identity();
-    };
     const auto before = fileOf(png());
     moveTimeStamp(png(), -1000);
     EXPECT_EQ(request(m_source), m_picture);
     EXPECT_EQ(fileOf(png()), before);
     EXPECT_LT(QFileInfo(png()).lastModified().secsTo(QDateTime::currentDateTime()), 500);
-    EXPECT_EQ(QDir(thumbnailImageFolder()).entryList({".*"}, QDir::Files | QDir::Hidden), QStringList());
+    EXPECT_EQ(temporaryFiles(), QStringList());
 }
 
 TEST_F(FaultsTest, ProcessesSideBySideLeaveWholeLinesAndEveryRow)
