@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // make-bench-models DIR: writes the models that compare-f3d uses, named FORMAT-TRIANGLES.SUFFIX.
 
 #include "bench/mesh_models.h"

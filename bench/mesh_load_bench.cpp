@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // How long the model loaders take from a file in the page cache to finished chunks, as multiples of reading the same
 // file with read(2) into one reused buffer, and how much memory they need beyond their chunks. For OBJ files the
 // reference is tinyobjloader, since how fast a processor copies a file says little about how fast it reads numbers. The

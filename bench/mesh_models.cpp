@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "bench/mesh_models.h"
 
 #include <QFile>

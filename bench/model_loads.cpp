@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "bench/model_loads.h"
 
 #include "bench/mesh_models.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // How long the decoding of a preview of max size takes, relative to the cost of its canvas alone: filling it with the
 // background and scaling it down. The last line is the ratio of the two; the exit status says whether it is below
 // kAllowedRatio.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "cache/cached_pictures.h"
 
 #include "cache/picture_file.h"

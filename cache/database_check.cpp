@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "cache/database_check.h"
 
 #include "cache/thumbnail_database.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "cache/picture_file.h"
 
 #include "cache/whole_file.h"

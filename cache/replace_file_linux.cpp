@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "cache/replace_file.h"
 
 #include <QFile>

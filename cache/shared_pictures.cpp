@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "cache/shared_pictures.h"
 
 #include "core/data_location.h"

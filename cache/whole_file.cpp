@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "cache/whole_file.h"
 
 #include "cache/replace_file.h"

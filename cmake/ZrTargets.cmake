@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 # How each target of the project is built.
 
 if(NOT CMAKE_BUILD_TYPE AND NOT CMAKE_CONFIGURATION_TYPES)

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 # The table of formats, the only one: which reader a suffix gets, what is registered with Windows and what the installer
 # gives back follow from it; tools/check-docs holds the README against it.
 #

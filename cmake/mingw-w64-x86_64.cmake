@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 # Builds for 64-bit Windows on a Debian host with MinGW-w64.
 #
 # ZRTHUMB_QT_WINDOWS, a cache or environment variable, names the prefix of a static MinGW-w64 build of Qt 5.15;

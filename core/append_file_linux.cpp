@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "core/append_file.h"
 
 #include <QFile>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "core/failure_line.h"
 
 namespace zr

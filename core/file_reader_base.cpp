@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "core/file_reader_base.h"
 
 #include "core/log_contract.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #pragma once
 
 /// The words and numbers that logs and error handling share: error keys, which are thrown as QString by value, and the

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #pragma once
 
 /// What failures mean to a user, shown after "no thumbnail: ". Each fault has one sentence, whatever the format.

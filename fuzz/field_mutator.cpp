@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Sets the numbers in an input's header to values at which readers decide, which random changes to bytes rarely hit.
 // Linked into targets whose format has such a header.
 

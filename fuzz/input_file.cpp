@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "fuzz/input_file.h"
 
 #include <QTemporaryFile>

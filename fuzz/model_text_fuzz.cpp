@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Reads the input as a text STL file and as an OBJ file, and a second time with Qt alone: the same bits must come out.
 // Each of its lines must have the same tokens when it comes in pieces, as lines that are longer than the loaders'
 // buffer do.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "readers/slice/run_length_preview.h"
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "fuzz/preview_limits.h"
 
 #include <QHash>

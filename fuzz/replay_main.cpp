@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Runs a fuzz target over the files of the folders that are named on the command line and over all sample files, so
 // that inputs that once found something are tried again without a fuzzing engine. A finding ends the process.
 

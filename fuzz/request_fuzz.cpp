@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A whole request: the input becomes a file whose suffix its last byte chooses, and the extractor makes and hands out
 // its thumbnail, with database, cached picture and log in a data folder of this process. Models are read but not
 // drawn, unless QT_QPA_PLATFORM names a platform with OpenGL.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Reads the input as an SLC file, and a second time step by step: the same triples must come out.
 
 #include "fuzz/mesh_fuzz.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The reader of the suffix ZR_SUFFIX. An empty input means a missing file. The result is a square picture or none; it
 // may only throw because a file claims more memory than there is.
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "fuzz/mesh_fuzz.h"
 #include "readers/mesh/stl_mesh.h"
 

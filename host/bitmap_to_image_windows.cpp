@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "host/bitmap_to_image.h"
 
 #include <windows.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "host/cell_labels.h"
 
 #include "host/console.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "host/console.h"
 
 #include "host/platform.h"

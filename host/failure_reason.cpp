@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "host/failure_reason.h"
 
 #include "core/data_location.h"

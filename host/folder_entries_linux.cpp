@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "host/folder_entries.h"
 
 #include <QFile>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "host/interruption.h"
 
 #include <atomic>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "host/log_tail.h"
 
 #include "core/data_location.h"

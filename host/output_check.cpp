@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "host/output_check.h"
 
 #include "core/job/reader_table.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "host/platform.h"
 
 #include <QFile>

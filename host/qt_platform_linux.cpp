@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "host/qt_platform.h"
 
 #include "host/console.h"

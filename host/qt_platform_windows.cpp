@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "host/qt_platform.h"
 
 namespace zr

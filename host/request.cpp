@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "host/request.h"
 
 #include "cache/cached_pictures.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "host/run.h"
 
 #include "cache/shared_pictures.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "host/sheet_text.h"
 
 #include <QGuiApplication>

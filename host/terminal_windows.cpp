@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "host/terminal.h"
 
 #include <windows.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "host/thumbnail_client.h"
 
 #include "request/thumbnail_extractor.h"

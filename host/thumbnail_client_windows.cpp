@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "host/thumbnail_client.h"
 
 #include "host/bitmap_to_image.h"

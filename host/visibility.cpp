@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "host/visibility.h"
 
 #include <QFileInfo>

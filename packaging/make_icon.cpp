@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // make-icon FILE: draws the product's icon, a cube that is printed layer by layer, and writes it as FILE, an .ico with
 // all sizes that Windows shows. The result is committed as zrthumbnail.ico, so that a build for Windows needs no second
 // Qt.

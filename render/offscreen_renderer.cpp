@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "render/offscreen_renderer.h"
 
 #include "core/log_contract.h"

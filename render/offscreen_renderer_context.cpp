@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // OffscreenRenderer's first step: the OpenGL context, its surface, and what their OpenGL can do.
 
 #include "render/offscreen_renderer.h"

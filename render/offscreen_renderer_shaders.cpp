@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // OffscreenRenderer's second step: the shader program, its uniforms and the layout of a vertex.
 
 #include "render/offscreen_renderer.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "render/shader_source.h"
 
 namespace zr

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The system functions that Qt must not call inside somebody else's process, and their replacements.
 //
 // Qt is linked statically, and the linker redirects its calls of the functions that ZR_REPLACE and ZR_REPLACE_IMPORT

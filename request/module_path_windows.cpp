@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "request/module_path.h"
 #include "request/this_module.h"
 

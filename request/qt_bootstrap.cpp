@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "request/qt_bootstrap.h"
 
 #include "core/log_contract.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "request/thumbnail_extractor.h"
 
 #include "cache/cached_pictures.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "shell/class_factory.h"
 
 #include "shell/module.h"

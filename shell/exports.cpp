@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The DLL's exports; zrthumbnail.def lists their names.
 
 #include "shell/class_factory.h"

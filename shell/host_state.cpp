@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "shell/host_state.h"
 
 #include <xmmintrin.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "shell/module.h"
 
 #include <atomic>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "shell/registrar.h"
 
 namespace zr

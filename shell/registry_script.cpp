@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "shell/registry_script.h"
 
 #include <algorithm>

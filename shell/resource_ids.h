@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Shared with the resource compiler, so these are macros.
 #pragma once
 

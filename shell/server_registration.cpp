@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "shell/server_registration.h"
 
 #include "request/module_path.h"

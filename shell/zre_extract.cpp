@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "shell/zre_extract.h"
 
 #include "core/log_file.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // make-samples DIR: writes a valid file of every supported format into DIR and prints the paths, one per line.
 
 #include "tools/samples/sample_files.h"

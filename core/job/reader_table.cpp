@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "core/job/reader_table.h"
 
 #include "core/job/reader_headers.inc"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "host/check/check.h"
 
 #include "host/check/data.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "host/check/connection.h"
 
 #include "core/data_location.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "host/check/database.h"
 
 #include "cache/database_check.h"

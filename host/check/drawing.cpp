@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "host/check/drawing.h"
 
 #include "host/failure_reason.h"

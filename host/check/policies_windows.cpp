@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "host/check/handlers.h"
 
 #include "request/server_class.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "host/check/report.h"
 
 #include "host/console.h"

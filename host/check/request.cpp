@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "host/check/request.h"
 
 #include "host/check/sample.h"

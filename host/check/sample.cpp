@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "host/check/sample.h"
 
 #include "core/data_location.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "host/check/traces.h"
 
 #include "cache/cached_pictures.h"

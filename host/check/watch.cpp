@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "host/check/watch.h"
 
 #include "host/check/report.h"

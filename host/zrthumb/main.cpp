@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // zrthumb: makes thumbnails from the command line, by the same requests as the file browser.
 
 #include "host/check/check.h"

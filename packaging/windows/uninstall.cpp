@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // uninstall.exe OPTIONS...: runs the uninstaller beside it, uninstaller.exe, waits for it and ends with its status, so
 // that a script knows when everything is gone and whether it is. Uninstallers of NSIS do not: they go on in a copy of
 // themselves, and the started process ends at once. Here the uninstaller runs in place. What it cannot do, removing its

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 # The installer. packaging/make-setup defines VERSION, SIZE_KB, PAYLOAD (a folder with the files to install), PAYLOAD_LIST
 # (a list of all that is installed), PAYLOAD_COMMANDS (a script that extracts it to INCOMING) and OUTPUT.
 #

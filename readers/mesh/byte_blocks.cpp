@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "readers/mesh/byte_blocks.h"
 
 #include <algorithm>

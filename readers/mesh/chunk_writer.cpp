@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "readers/mesh/chunk_writer.h"
 
 #include "readers/mesh/fill_estimate.h"

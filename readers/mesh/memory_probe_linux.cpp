@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "readers/mesh/memory_probe.h"
 
 #include <array>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "readers/mesh/position_list.h"
 
 #include "readers/mesh/memory_probe.h"

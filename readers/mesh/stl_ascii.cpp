@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The text form of STL: only its "vertex" lines matter, every third one completes a triangle.
 
 #include "core/log_contract.h"

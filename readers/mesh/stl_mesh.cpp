@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "readers/mesh/stl_mesh.h"
 
 #include "core/log_contract.h"

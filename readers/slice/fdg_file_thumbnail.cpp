@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "readers/slice/fdg_file_thumbnail.h"
 
 #include "readers/slice/run_length_preview.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "readers/slice/gf_file_thumbnail.h"
 
 #include "readers/slice/preview_shading.h"

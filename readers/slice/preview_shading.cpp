@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "readers/slice/preview_shading.h"
 
 namespace zr

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "readers/slice/slice_file_thumbnail.h"
 
 #include "readers/slice/slice_failures.h"

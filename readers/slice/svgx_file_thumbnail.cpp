@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "readers/slice/svgx_file_thumbnail.h"
 
 #include "readers/slice/embedded_bmp.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "readers/slice/thumbnail_canvas.h"
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // File names that try to become part of a statement: no name reads, changes or removes another file's row or the table.
 // The comments say what a name would do if the database did not refuse it.
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "cache/shared_pictures.h"
 
 #include "cache/thumbnail_database.h"

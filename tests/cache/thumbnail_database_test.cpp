@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "cache/thumbnail_database.h"
 
 #include "core/data_location.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "tests/clients/bare_client.h"
 
 namespace zr::test

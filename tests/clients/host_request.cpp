@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "tests/clients/host_request.h"
 
 #include "tests/clients/bare_client.h"

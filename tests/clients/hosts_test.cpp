@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The server in other programs' processes: whatever they have loaded or set, they get their pictures, and the server
 // leaves their process unchanged.
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A host that is a Qt program: its copy of Qt and the server's are independent.
 
 #include "tests/shell/server_test.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // test-host [OPTION...] DLL FILE...: plays a host that asks the thumbnail server for pictures. It does not use Qt. For
 // each file it prints "picture WIDTHxHEIGHT HASH" or "no picture", then what the requests have changed in its process,
 // "changed FACT", and each top-level window that is not its own, "window CLASS".

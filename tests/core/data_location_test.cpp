@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "core/data_location.h"
 
 #include "tests/support/qt_printers.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "core/log_file.h"
 
 #include "core/data_location.h"

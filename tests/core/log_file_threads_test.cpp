@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "core/log_file.h"
 
 #include "tests/support/data_folder_fixture.h"

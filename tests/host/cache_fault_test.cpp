@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The reasons that a user sees when the cache cannot keep a picture.
 
 #include "host/cache_fault.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What zrthumb prints to a Windows console and to pipes, and what it passes to the server.
 
 #include "cache/thumbnail_database.h"

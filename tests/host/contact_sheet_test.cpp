@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "host/contact_sheet.h"
 
 #include "host/sheet_text.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The reasons that a user sees for files that are truncated, damaged or of another format than their names say.
 
 #include "core/job/reader_table.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "host/failure_reason.h"
 
 #include "cache/thumbnail_database.h"

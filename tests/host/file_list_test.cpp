@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "host/file_list.h"
 
 #include "tests/support/files.h"

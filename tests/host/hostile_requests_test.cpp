@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Requests for files with malicious names. hostile_names_test has the tests of the database alone.
 
 #include "core/data_location.h"

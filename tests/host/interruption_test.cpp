@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A run that is interrupted by a signal.
 
 #include "tests/support/data_folder_fixture.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "host/options.h"
 
 #include "core/job/reader_table.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What zrthumb writes besides the cache: the files of --output and --sheet, and stdout.
 
 #include "tests/host/zrthumb_fixture.h"

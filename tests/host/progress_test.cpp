@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The progress line of a run, on pseudo terminals.
 
 #include "host/progress.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // zrthumb with unusual streams and environment variables.
 
 #include "host/platform.h"

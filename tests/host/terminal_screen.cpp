@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "tests/host/terminal_screen.h"
 
 #include <QVector>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The program as a user runs it.
 
 #include "core/data_location.h"

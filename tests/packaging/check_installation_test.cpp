@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // zrthumb.exe --check: what it finds in a sound installation, and each fault that it must report.
 
 #include "core/data_location.h"

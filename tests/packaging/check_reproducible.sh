@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: MIT
 # check_reproducible.sh BUILD PACKAGES: builds the DLL and zrthumb.exe once more, from a copy of the sources in another
 # folder, and expects the very same packages.
 set -euo pipefail

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "tests/packaging/installer_fixture.h"
 
 #include "tests/support/files.h"

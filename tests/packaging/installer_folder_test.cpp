@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The folder that the installer uses as its own, and the user's files in and around it.
 
 #include "tests/packaging/installer_fixture.h"

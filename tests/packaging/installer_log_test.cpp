@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What /LOG= makes the installer and the uninstaller write.
 
 #include "tests/packaging/installer_fixture.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What the installer and the uninstaller refuse, with a status and a line that says why, and without changing anything.
 
 #include "tests/packaging/installer_fixture.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The entry in the start menu that runs the check.
 
 #include "tests/packaging/installer_fixture.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The installer and its uninstaller, run silently; the state of the machine is compared before and after.
 
 #include "core/data_location.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The installer's pages, clicked through as by a user.
 
 #include "tests/packaging/installer_fixture.h"

@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: MIT
 # make_tested_packages.sh BUILD QT VERSION DECOY OUTPUT: makes the packages of BUILD in the folder OUTPUT, unpacks the zip
 # there and makes the installer of an older version, whose files all differ and whose server still works. As in older
 # versions, there are libraries and plug-ins next to the server, here copies of DECOY.

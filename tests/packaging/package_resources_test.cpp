@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The version and the icon that each program shows in the file browser.
 
 #include "tests/packaging/installer_fixture.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "tests/packaging/package_test.h"
 #include "tests/support/registered_suffixes.h"
 

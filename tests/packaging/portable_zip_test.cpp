@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The zip, unpacked and registered with its own scripts.
 
 #include "core/data_location.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // shell-client FOLDER: plays the file browser. For each path on stdin, one per line in UTF-8, it asks the path's folder
 // for the thumbnail, writes it to FOLDER\NAME.bgra (width and height as 32-bit numbers, then the pixels) and prints
 // "NAME WIDTHxHEIGHT SERVER", or "NAME none SERVER", SERVER being the path of the server's DLL in this process. It ends

@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: MIT
 # without_opengl.sh PROGRAM ARGS...: runs PROGRAM on its own display without OpenGL.
 set -euo pipefail
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A cache database that is damaged, foreign or locked.
 
 #include "core/data_location.h"

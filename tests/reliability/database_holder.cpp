@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // database_holder DATABASE MILLISECONDS STATEMENT...: another program that works with the cache database. It runs the
 // statements, the first of which begins a transaction, prints "ready", and commits when the time is over or its
 // standard input ends.

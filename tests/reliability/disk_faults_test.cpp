@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A disk that is full, read-only or broken, and folders that come and go.
 
 #include "core/data_location.h"

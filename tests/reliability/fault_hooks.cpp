@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The functions at the end replace those of the C library, also for Qt and SQLite, and forward calls that no fault
 // affects.
 

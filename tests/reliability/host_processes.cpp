@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "tests/reliability/host_processes.h"
 
 #include "core/data_location.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A process that is killed in the middle of its work.
 
 #include "core/data_location.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Something else in place of one of the cache's files: folders, pipes, links, devices, garbage.
 
 #include "core/data_location.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Outputs to a full disk or to something other than a file.
 
 #include "host/output_file.h"

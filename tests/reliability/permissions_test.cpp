@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Files and folders without write or read permission.
 
 #include "core/data_location.h"

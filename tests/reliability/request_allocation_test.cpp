@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Whole requests in which one allocation of the product's code fails: whatever comes out, the process lives, memory is
 // not lost, and the next request for the file succeeds.
 

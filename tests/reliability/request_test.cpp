@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "tests/reliability/request_test.h"
 
 #include "cache/thumbnail_database.h"

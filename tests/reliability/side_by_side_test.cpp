@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Several processes that make the thumbnails of the same files at the same time.
 
 #include "core/data_location.h"

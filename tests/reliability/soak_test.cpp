@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // One process with many requests: the resources that it holds at the end.
 
 #include "core/data_location.h"

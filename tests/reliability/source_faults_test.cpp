@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Source files that change, vanish or fail while they are read; names that are not files.
 
 #include "core/data_location.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Where the points of a model are in its picture, and the matrices that take them there.
 
 #include "render/camera.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "tests/render/child_process.h"
 
 #include <QCoreApplication>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The renderer on each version of OpenGL. Mesa reports the versions that its environment names, and its compiler
 // accepts no others.
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "tests/render/qt_object_hooks.h"
 
 #include <QCoreApplication>

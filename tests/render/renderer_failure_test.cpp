@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Every way in which a renderer fails: what it logs, and that it stays harmless afterwards.
 
 #include "tests/render/child_process.h"

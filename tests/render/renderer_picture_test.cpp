@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What render() draws: framing, shading, chunks; compared with pictures that were computed without OpenGL.
 
 #include "render/camera.h"

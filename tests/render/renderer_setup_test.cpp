@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The state after a construction that succeeded: context, program, vertex layout, camera.
 
 #include "render/camera.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "tests/render/sample_meshes.h"
 
 #include <algorithm>

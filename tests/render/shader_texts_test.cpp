@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "render/shader_texts.h"
 
 #include "tests/support/qt_printers.h"

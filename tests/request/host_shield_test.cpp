@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What Qt sees of a host, in a program that has the same shield as the server.
 
 #include "tests/support/files.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A host's Qt application object may be one without windows, as in a service or a command line program. There is one
 // application object per process, so this program has one test.
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A host without Qt starts Qt once per process, so this program has one test.
 
 #include "core/log_file.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "request/thumbnail_extractor.h"
 
 #include "core/data_location.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Several threads of one host make requests at once, each in an apartment with objects of its own.
 
 #include "tests/shell/server_test.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The thread on which Qt was started is busy while another one makes requests. A file browser's threads are
 // independent: no request may wait until another thread handles messages.
 

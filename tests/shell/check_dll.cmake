@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 # cmake -D DLL=... -D PROGRAM=... -D LIBRARIES=... -D OBJDUMP=... -D NM=... -P check_dll.cmake
 # Checks what the DLL exports, that it and the program import only DLLs of Windows, and that loading the DLL runs no code of
 # ours, which is in LIBRARIES.

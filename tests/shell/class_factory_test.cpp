@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What COM itself calls. No request is made here, so the DLL is unloaded after each test.
 
 #include "tests/shell/server_dll.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // No exception leaves the object, which is the server's own. The extractor is replaced by one that throws: errors such
 // as lack of memory cannot be provoked by a file.
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The object's interfaces; its requests are in extractor_requests_test.
 
 #include "tests/shell/server_dll.h"

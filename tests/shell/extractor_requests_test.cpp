@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Requests as the file browser makes them: Load, then Extract.
 
 #include "core/data_location.h"

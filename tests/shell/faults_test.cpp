@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Faults that only Windows has: files that are open exclusively, and pictures that cannot be replaced while being read.
 
 #include "core/data_location.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Qt starts once per process, so this program has one test.
 
 #include "tests/shell/server_test.h"

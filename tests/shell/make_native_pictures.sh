@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: MIT
 # make_native_pictures.sh BUILD FOLDER: fills FOLDER with the picture NAME.png that the Linux host in the build folder
 # BUILD makes of each sample file NAME.
 set -euo pipefail

@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: MIT
 # Makes a new Wine prefix WINEPREFIX, with an empty registry and an empty profile.
 set -euo pipefail
 : "${WINEPREFIX:?names the prefix to make}"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "tests/shell/native_pictures.h"
 
 #include "tests/support/qt_printers.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The DLL makes the same pictures as the Linux host.
 
 #include "tests/shell/native_pictures.h"

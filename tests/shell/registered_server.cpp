@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Linked into test programs that need the server registered.
 
 #include "tests/shell/server_dll.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What regsvr32 and the two exports that it calls do to the registry.
 
 #include "core/data_location.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "tests/shell/registry_dump.h"
 
 #include <algorithm>

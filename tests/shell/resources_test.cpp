@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The DLL's resources.
 
 #include "tests/shell/server_dll.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "tests/shell/server_dll.h"
 
 #include <gtest/gtest.h>

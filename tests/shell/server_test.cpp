@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "tests/shell/server_test.h"
 
 #include "host/bitmap_to_image.h"

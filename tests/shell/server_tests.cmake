@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 # For tests that use the DLL. Registering it changes the registry, so they have their own Wine prefix, which every run
 # creates from scratch, and take turns in it.
 

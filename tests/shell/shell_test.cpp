@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The path that the file browser takes: the folder's IExtractImage for a file, which the registry leads to.
 
 #include "host/bitmap_to_image.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // How zrthumb.exe finds its server. Nothing is registered here.
 
 #include "core/data_location.h"

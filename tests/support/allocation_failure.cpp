@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "tests/support/allocation_failure.h"
 
 #include "tests/support/allocation_hooks.h"

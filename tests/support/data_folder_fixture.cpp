@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "tests/support/data_folder_fixture.h"
 
 #include "core/data_location.h"

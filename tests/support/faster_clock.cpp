@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The functions at the end have the names of the system's library. This program's own are found first, also by Qt,
 // SQLite and the C++ library.
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // For programs that are started by a test.
 
 #include "tests/support/faster_clock.h"

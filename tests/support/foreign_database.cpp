@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "tests/support/foreign_database.h"
 
 #include "core/data_location.h"

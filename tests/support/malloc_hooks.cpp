@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // malloc() and related functions for programs that let allocations fail. They call the C library's own.
 
 #include "tests/support/allocation_hooks.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "tests/support/software_rasteriser.h"
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // main() of the test programs. The code under test expects a running Qt application, as in a request, unless
 // --without-application is given, for tests that start it themselves or need none.
 

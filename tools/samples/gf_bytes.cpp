@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "tools/samples/gf_bytes.h"
 
 #include "tools/samples/drawn_solids.h"

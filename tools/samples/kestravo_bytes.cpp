@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "tools/samples/kestravo_bytes.h"
 
 #include "tools/samples/drawn_solids.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "tools/samples/model_shapes.h"
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "tools/samples/obj_bytes.h"
 
 #include "tools/samples/model_shapes.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "tools/samples/preview_bytes.h"
 
 #include "tools/samples/put_bytes.h"

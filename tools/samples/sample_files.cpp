@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "tools/samples/sample_files.h"
 
 #include "tools/samples/sample_headers.inc"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "tools/samples/slc_bytes.h"
 
 #include "tools/samples/model_shapes.h"

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 # The files of an installation, and their lists. Each of our folders has such a list, files.txt: the installation
 # itself, and the two temporary folders in it. Files are only removed one by one, by a list; folders only when they are
 # empty then.

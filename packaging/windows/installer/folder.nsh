@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 # Where to install: a folder that is ours alone. Inside one that has other files, we make our own.
 
 Var Folder      # as it is written; NSIS drops characters that it does not like from $INSTDIR

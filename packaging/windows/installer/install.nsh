@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 # The steps of an installation. Until RetireOldVersion, nothing that was there before is touched, and everything can be
 # undone.
 

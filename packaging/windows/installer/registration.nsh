@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 # The registry entries of an installation.
 
 # The class that the server registers.

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 # Options, the log, and how faults are reported. For the installer and the uninstaller, whose functions NSIS
 # distinguishes by the prefix "un.".
 

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 # The steps of an uninstallation.
 
 # Jumps to the label when the folder is a link or does not exist. Data folders belong to users without the uninstaller's

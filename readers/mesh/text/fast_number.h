@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #pragma once
 
 // Three numbers of at most 15 digits each in the 48 bytes after a keyword, or three indices of at most eight digits in

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "readers/mesh/text/reference_number.h"
 
 #include "readers/mesh/text/line_tokenizer.h"

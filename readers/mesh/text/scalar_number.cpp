@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "readers/mesh/text/scalar_number.h"
 
 #include <charconv>

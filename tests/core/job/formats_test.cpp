@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Users' registries and caches depend on the table of formats.
 
 #include "core/job/reader_table.h"

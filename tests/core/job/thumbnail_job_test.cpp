@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "core/job/thumbnail_job.h"
 
 #include "core/data_location.h"

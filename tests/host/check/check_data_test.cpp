@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // zrthumb --check: the states of the data folder and its files that keep thumbnails from being made.
 
 #include "tests/host/check/check_test.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // zrthumb and its --check on a full disk. They run in the test program, which can make system calls fail.
 
 #include "core/data_location.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The user's settings for Qt's platform: zrthumb ignores what does not work, and --check reports it.
 
 #include "tests/host/check/check_test.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // zrthumb --check: what it finds on a machine where all is well, and that it leaves nothing behind.
 
 #include "tests/host/check/check_test.h"

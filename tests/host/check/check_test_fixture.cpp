@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "tests/host/check/check_test.h"
 
 #include "core/data_location.h"

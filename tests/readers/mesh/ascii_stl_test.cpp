@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The lines of text STL files: which of them are vertices, and what their numbers are.
 
 #include "readers/mesh/stl_mesh.h"

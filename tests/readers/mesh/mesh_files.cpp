@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "tests/readers/mesh/mesh_files.h"
 
 #include <gtest/gtest.h>

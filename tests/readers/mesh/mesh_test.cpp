@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "readers/mesh/mesh.h"
 
 #include "readers/mesh/triangle.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "tests/readers/mesh/model_reader_test.h"
 
 namespace zr::test

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "readers/mesh/obj_mesh.h"
 
 #include "readers/mesh/text/text_blocks.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What the readers make of errors that come out of the renderer's or the mesh's making. The readers differ here.
 
 #include "core/job/thumbnail_job.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What the readers make of a renderer that runs out of memory while it draws, and whether it outlives them. The readers
 // differ here.
 

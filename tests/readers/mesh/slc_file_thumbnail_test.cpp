@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "readers/mesh/slc_file_thumbnail.h"
 
 #include "tests/readers/mesh/model_reader_test.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "readers/mesh/slc_mesh.h"
 
 #include "tests/readers/mesh/logged_test.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "readers/mesh/triangle.h"
 
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "readers/slice/kestravo_file_thumbnail.h"
 
 #include "tests/readers/slice/slice_formats.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "readers/slice/photons_file_thumbnail.h"
 
 #include "tests/readers/slice/preview_oracle.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What the readers of the formats with a preview block share: where the block may lie, what it may hold, and what is
 // wrong with one.
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A size field alone must not cost memory. Linux counts how much a process has had.
 
 #include "readers/slice/photons_file_thumbnail.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "tests/readers/slice/preview_oracle.h"
 
 #include <QColor>

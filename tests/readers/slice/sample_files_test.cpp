@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Every sample of a slice format is a valid file: its reader makes a picture of it.
 
 #include "readers/slice/fdg_file_thumbnail.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What the reader of each slice format has to do with any file.
 
 #include "tests/readers/slice/slice_formats.h"

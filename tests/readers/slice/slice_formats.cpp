@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "tests/readers/slice/slice_formats.h"
 
 #include "readers/slice/fdg_file_thumbnail.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "tests/readers/mesh/reference/reference_text_model.h"
 
 #include <QBuffer>

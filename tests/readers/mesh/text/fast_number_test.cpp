@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Each step of fast_number.h against a loop over the bytes, which says what the step does.
 
 #include "readers/mesh/text/fast_number.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "readers/mesh/text/line_tokenizer.h"
 
 #include "tests/readers/mesh/reference/reference_text_model.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "tests/readers/mesh/text/odd_lines.h"
 
 namespace zr::test

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "readers/mesh/text/text_blocks.h"
 
 #include "readers/mesh/text/line_tokenizer.h"
