@@ -58,7 +58,7 @@ TEST_F(KillTest, CacheIsSoundAfterEachKillAndCompleteAfterTheNextRun)
     const int kills = setting("ZRTHUMB_KILLS", 12);
     makeSources(kFiles);
     int killed = 0;
-    int transactionsCut = 0;
+    int interruptedTransactions = 0;
     int rowsSeen = 0;
     for (int run = 0; killed < kills; ++run) {
         ASSERT_LT(run, 20 * kills);
@@ -67,7 +67,7 @@ TEST_F(KillTest, CacheIsSoundAfterEachKillAndCompleteAfterTheNextRun)
         if (run % 4 == 0)
             SetUp();
         killed += killOnce() ? 1 : 0;
-        transactionsCut += QFileInfo(defaultDatabasePath() + "-journal").size() > 0 ? 1 : 0;
+        interruptedTransactions += QFileInfo(defaultDatabasePath() + "-journal").size() > 0 ? 1 : 0;
         rowsSeen += expectSoundCache();
     }
     EXPECT_GT(rowsSeen, 0);
