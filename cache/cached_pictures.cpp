@@ -14,14 +14,18 @@ namespace zr
 namespace
 {
 
-const QString kPathColumn = QStringLiteral("thumPath");
-
 // Copying, unpacking and syncing tools move a file's time stamp a little without changing the file.
 constexpr quint64 kToleranceSeconds = 120;
 
 quint64 modificationSeconds(const QFileInfo& file)
 {
     return static_cast<quint64>(file.lastModified().toSecsSinceEpoch());
+}
+
+// Null when no picture is recorded.
+QVariant recordedPicture(const ThumbnailDatabase& database, const QString& sourcePath)
+{
+    return database.queryValue(sourcePath, QStringLiteral("thumPath"));
 }
 
 bool matchesRow(const ThumbnailDatabase& database, const QString& sourcePath)
@@ -45,7 +49,7 @@ QString picturePath(const QString& sourcePath)
 
 bool freshPicture(const ThumbnailDatabase& database, const QString& sourcePath)
 {
-    const QVariant pngPath = database.queryValue(sourcePath, kPathColumn);
+    const QVariant pngPath = recordedPicture(database, sourcePath);
     const bool isFresh = !pngPath.isNull() && matchesRow(database, sourcePath) && QFileInfo::exists(pngPath.toString());
     if (!isFresh)
         logLine(pngPath.isNull() ? line::kNoEntry : line::kStaleEntry, QLatin1String(kThrowText));
@@ -67,7 +71,7 @@ bool store(ThumbnailDatabase& database, const QString& sourcePath, const QImage&
 QString findPicture(const QString& sourcePath)
 {
     const ThumbnailDatabase database{QString()};
-    return database.queryValue(sourcePath, kPathColumn).toString();
+    return recordedPicture(database, sourcePath).toString();
 }
 
 } // namespace zr
