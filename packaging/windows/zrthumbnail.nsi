@@ -48,7 +48,7 @@ VIAddVersionKey "FileDescription" "${PRODUCT} installer"
 VIAddVersionKey "CompanyName" "${PUBLISHER}"
 VIAddVersionKey "LegalCopyright" "${PUBLISHER}"
 
-!define MUI_ICON "${__FILEDIR__}/zrthumbnail.ico"
+!define MUI_ICON "${__FILEDIR__}/../zrthumbnail.ico"
 !define MUI_UNICON "${MUI_ICON}"
 !define MUI_ABORTWARNING
 !define MUI_FINISHPAGE_TITLE "${PRODUCT} is installed"
