@@ -1,0 +1,2 @@
+// SPDX-License-Identifier: MIT
+// For the precompiled headers of the tests.
