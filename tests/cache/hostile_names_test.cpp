@@ -5,11 +5,9 @@
 #include "cache/thumbnail_database.h"
 
 #include "core/data_location.h"
+#include "tests/cache/database_rows.h"
 #include "tests/support/data_folder_fixture.h"
 #include "tests/support/qt_printers.h"
-
-#include <QSqlQuery>
-#include <QSqlRecord>
 
 namespace zr::test
 {
@@ -18,30 +16,6 @@ namespace
 
 constexpr char kTable[] =
     "CREATE TABLE thumbnail (thumPath text, thumTime int, filePath text unique, fileTime int, fileSize int)";
-
-ThumbnailRecord recordOf(const QString& source)
-{
-    ThumbnailRecord record;
-    record.thumPath = "/cache/" + source + ".png";
-    record.filePath = source;
-    record.fileTime = 1700000000;
-    record.fileSize = 1000;
-    return record;
-}
-
-QStringList results(const char* statement)
-{
-    const ThumbnailDatabase database{QString()};
-    QSqlQuery query(statement);
-    QStringList found;
-    while (query.next()) {
-        QStringList values;
-        for (int i = 0; i < query.record().count(); ++i)
-            values.append(query.value(i).toString());
-        found.append(values.join('|'));
-    }
-    return found;
-}
 
 QStringList rows()
 {

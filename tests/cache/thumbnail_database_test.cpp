@@ -3,12 +3,12 @@
 
 #include "core/data_location.h"
 #include "core/log_file.h"
+#include "tests/cache/database_rows.h"
 #include "tests/support/data_folder_fixture.h"
 #include "tests/support/qt_printers.h"
 
 #include <QDir>
 #include <QSqlQuery>
-#include <QSqlRecord>
 #include <QTemporaryDir>
 
 namespace zr::test
@@ -26,29 +26,10 @@ protected:
     }
 };
 
-ThumbnailRecord recordOf(const QString& source)
-{
-    ThumbnailRecord record;
-    record.thumPath = "/cache/" + source + ".png";
-    record.filePath = source;
-    record.fileTime = 1700000000;
-    record.fileSize = 5000000000;
-    return record;
-}
-
-// All rows of the table in the order of insertion, columns joined by "|".
+// In the order of insertion.
 QStringList rows()
 {
-    const ThumbnailDatabase database{QString()};
-    QSqlQuery query("select * from thumbnail order by rowid");
-    QStringList found;
-    while (query.next()) {
-        QStringList values;
-        for (int i = 0; i < query.record().count(); ++i)
-            values.append(query.value(i).toString());
-        found.append(values.join('|'));
-    }
-    return found;
+    return results("select * from thumbnail order by rowid");
 }
 
 void makeDatabase(const QString& path, const QStringList& statements)

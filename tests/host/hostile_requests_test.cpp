@@ -22,16 +22,6 @@ namespace zr::test
 namespace
 {
 
-// A preview of one colour.
-QByteArray vrxOf(quint16 word)
-{
-    samples::VrxParts parts;
-    parts.preview.width = 2;
-    parts.preview.height = 2;
-    parts.preview.data = samples::wordBytes({0, word, word, word});
-    return samples::vrxBytes(parts);
-}
-
 struct NameCase {
     const char* name; ///< UTF-8; of a file in the test's own folder
     const char* reason = nullptr;
@@ -46,7 +36,7 @@ protected:
     {
         DataFolderTest::SetUp();
         ASSERT_TRUE(QDir().mkpath(thumbnailImageFolder()));
-        m_victim = writeFile(m_folder.filePath("victim.vrx"), vrxOf(0xF800));
+        m_victim = writeFile(m_folder.filePath("victim.vrx"), samples::oneColourVrxBytes(0xF800));
         m_victimsPicture = requestThumbnail(m_victim, QString()).picture;
         ASSERT_FALSE(m_victimsPicture.isNull());
     }
@@ -86,7 +76,7 @@ class HostileNameTest : public HostileRequestTest, public ::testing::WithParamIn
 // The attacker's files have the size and time stamp of the victim's, so that the cache could mistake one for the other.
 TEST_P(HostileNameTest, FailsOrGetsItsOwnPicture)
 {
-    const QString hostile = writeFile(path(GetParam().name), vrxOf(0x07C0));
+    const QString hostile = writeFile(path(GetParam().name), samples::oneColourVrxBytes(0x07C0));
     ASSERT_TRUE(QFileInfo(hostile).isFile());
     const QStringList filesBefore = cachedFiles();
     for (int i = 0; i < 2; ++i) {
@@ -144,8 +134,8 @@ TEST_F(HostileRequestTest, NamesThatLeaveNoRoomForThePngsNameFail)
     constexpr int kMaxNameBytes = 255;
     const QByteArray fits(kMaxNameBytes - 2 * 4 - 3, 'n');
     const QByteArray tooLong = fits + 'n';
-    EXPECT_EQ(requestThumbnail(writeFile(path(fits + ".vrx"), vrxOf(1)), QString()).reason, "");
-    EXPECT_EQ(requestThumbnail(writeFile(path(tooLong + ".vrx"), vrxOf(1)), QString()).reason,
+    EXPECT_EQ(requestThumbnail(writeFile(path(fits + ".vrx"), samples::oneColourVrxBytes(1)), QString()).reason, "");
+    EXPECT_EQ(requestThumbnail(writeFile(path(tooLong + ".vrx"), samples::oneColourVrxBytes(1)), QString()).reason,
               "its name is too long for that of its picture in the cache: shorten it");
     expectVictimUntouched();
 }
@@ -192,7 +182,7 @@ TEST_F(HostileRequestTest, ForgedLogLinesOnlyConcernTheForger)
 TEST_F(HostileRequestTest, ExtremeTimeStampsAreHarmless)
 {
     for (const qint64 seconds : {qint64{-1}, qint64{-86400} * 365 * 60, qint64{0}, qint64{86400} * 365 * 400}) {
-        const QString old = writeFile(m_folder.filePath("old.vrx"), vrxOf(0x07C0));
+        const QString old = writeFile(m_folder.filePath("old.vrx"), samples::oneColourVrxBytes(0x07C0));
         QFile file(old);
         ASSERT_TRUE(file.open(QIODevice::ReadWrite));
         ASSERT_TRUE(file.setFileTime(QDateTime::fromSecsSinceEpoch(seconds), QFileDevice::FileModificationTime));

@@ -45,6 +45,15 @@ QByteArray vrxBytes(const VrxParts& parts)
     return dlpBytes(parts);
 }
 
+QByteArray oneColourVrxBytes(quint16 colour)
+{
+    VrxParts parts;
+    parts.preview.width = 2;
+    parts.preview.height = 2;
+    parts.preview.data = wordBytes({0, colour, colour, colour});
+    return vrxBytes(parts);
+}
+
 namespace
 {
 

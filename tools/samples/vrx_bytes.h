@@ -22,6 +22,9 @@ struct VrxParts {
 
 QByteArray vrxBytes(const VrxParts& parts);
 
+/// A preview of 2 x 2 pixels of one colour, an RGB565 word, so that files can be told apart by their pictures.
+QByteArray oneColourVrxBytes(quint16 colour);
+
 std::vector<SampleFile> vrxSamples();
 
 } // namespace zr::samples

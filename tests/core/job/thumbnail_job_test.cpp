@@ -26,16 +26,6 @@ const QStringList kNewEntry = {"84  throw "};
 const QStringList kStaleEntry = {"106  throw "};
 const QStringList kNotSaved = {"69  throw ", "73 getImage False"};
 
-// A preview of one colour, so that pictures of different files differ.
-QByteArray vrxOf(quint16 word)
-{
-    samples::VrxParts parts;
-    parts.preview.width = 2;
-    parts.preview.height = 2;
-    parts.preview.data = samples::wordBytes({0, word, word, word});
-    return samples::vrxBytes(parts);
-}
-
 class ThumbnailJobTest : public DataFolderTest
 {
 protected:
@@ -45,7 +35,7 @@ protected:
         restartLog();
     }
 
-    QString source(const QString& name, const QByteArray& bytes = vrxOf(0xF800)) const
+    QString source(const QString& name, const QByteArray& bytes = samples::oneColourVrxBytes(0xF800)) const
     {
         const QString path = m_folder.filePath(name);
         QDir().mkpath(QFileInfo(path).path());
@@ -139,7 +129,7 @@ TEST_F(ThumbnailJobTest, OtherSizeMakesANewPicture)
     const QString path = source("a.vrx");
     ASSERT_TRUE(run(path));
     const QDateTime time = QFileInfo(path).lastModified();
-    source("a.vrx", vrxOf(0x07C0) + "more");
+    source("a.vrx", samples::oneColourVrxBytes(0x07C0) + "more");
     moveTimeStamp(path, QFileInfo(path).lastModified().secsTo(time));
     EXPECT_TRUE(run(path));
     EXPECT_EQ(logMessages(), kStaleEntry);
@@ -181,8 +171,8 @@ TEST_F(ThumbnailJobTest, OtherSuffixesAreNotSupported)
 
 TEST_F(ThumbnailJobTest, EqualNamesInDifferentFoldersShareOnePng)
 {
-    const QString first = source("a/x.vrx", vrxOf(0xF800));
-    const QString second = source("b/x.vrx", vrxOf(0x001F));
+    const QString first = source("a/x.vrx", samples::oneColourVrxBytes(0xF800));
+    const QString second = source("b/x.vrx", samples::oneColourVrxBytes(0x001F));
     ASSERT_TRUE(run(first));
     ASSERT_TRUE(run(second));
     EXPECT_EQ(row(first).section('|', 0, 0), png("x.vrxvrx.png"));
