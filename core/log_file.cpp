@@ -7,6 +7,10 @@
 #include <QFile>
 #include <QFileInfo>
 
+#include <optional>
+
+#include <pthread.h>
+
 namespace zr
 {
 namespace
@@ -26,14 +30,63 @@ ProcessInstance& processInstance()
 
 // The instance that this thread last called init() on, kept so that end() on another thread cannot replace it by one
 // without a path in the middle of this thread's request.
-thread_local std::shared_ptr<LogFile> threadInstance;
+//
+// Not thread_local: what GCC makes of that for Windows frees a thread's variables before it destroys them.
+class ThreadInstance
+{
+public:
+    // Null when the thread has none.
+    static std::shared_ptr<LogFile> get()
+    {
+        const auto* const log = stored();
+        return log ? *log : nullptr;
+    }
+
+    // Where the system gives the thread no room, it goes on with the process-wide instance.
+    static void set(const std::shared_ptr<LogFile>& log)
+    {
+        if (auto* const old = stored()) {
+            *old = log;
+            return;
+        }
+        auto copy = std::make_unique<std::shared_ptr<LogFile>>(log);
+        if (key() && pthread_setspecific(*key(), copy.get()) == 0)
+            static_cast<void>(copy.release());
+    }
+
+    static void reset()
+    {
+        if (auto* const log = stored())
+            log->reset();
+    }
+
+private:
+    static std::shared_ptr<LogFile>* stored()
+    {
+        return key() ? static_cast<std::shared_ptr<LogFile>*>(pthread_getspecific(*key())) : nullptr;
+    }
+
+    static const std::optional<pthread_key_t>& key()
+    {
+        static const std::optional<pthread_key_t> key = makeKey();
+        return key;
+    }
+
+    static std::optional<pthread_key_t> makeKey()
+    {
+        pthread_key_t key{};
+        if (pthread_key_create(&key, [](void* log) { delete static_cast<std::shared_ptr<LogFile>*>(log); }) != 0)
+            return std::nullopt;
+        return key;
+    }
+};
 
 } // namespace
 
 std::shared_ptr<LogFile> LogFile::instance()
 {
-    if (threadInstance)
-        return threadInstance;
+    if (auto log = ThreadInstance::get())
+        return log;
     auto& slot = processInstance();
     const std::lock_guard<std::mutex> guard(slot.mutex);
     if (!slot.log)
@@ -46,12 +99,12 @@ void LogFile::end()
     auto& slot = processInstance();
     const std::lock_guard<std::mutex> guard(slot.mutex);
     slot.log.reset();
-    threadInstance.reset();
+    ThreadInstance::reset();
 }
 
 void LogFile::init(const QString& path)
 {
-    threadInstance = shared_from_this();
+    ThreadInstance::set(shared_from_this());
     const std::lock_guard<std::mutex> guard(m_mutex);
     m_path = QFileInfo(path).isFile() ? path : defaultLogPath();
     if (QFileInfo(m_path).size() > kMaxBytes)

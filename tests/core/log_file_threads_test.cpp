@@ -6,6 +6,7 @@
 
 #include <atomic>
 #include <map>
+#include <memory>
 #include <thread>
 #include <vector>
 
@@ -99,6 +100,30 @@ TEST_F(LogFileThreadsTest, NoLineIsLostWhenEachRequestEndsTheInstance)
     for (auto& thread : writers)
         thread.join();
     expectEveryLineOnceInOrder();
+}
+
+// What a thread leaves is freed once, and not after other threads have got its memory.
+TEST_F(LogFileThreadsTest, ThreadsMayEndWithTheirInstance)
+{
+    constexpr int kShortThreads = 2000;
+    constexpr std::size_t kMaxBytes = 64;
+    std::atomic<bool> done{false};
+    // Takes and gives back small blocks of memory, filled with what is no address.
+    std::thread neighbour([&done] {
+        std::vector<std::unique_ptr<std::vector<char>>> blocks(256);
+        for (std::size_t i = 0; !done; ++i)
+            blocks[i % blocks.size()] = std::make_unique<std::vector<char>>(8 + i % kMaxBytes, '\x11');
+    });
+    for (int i = 0; i < kShortThreads; ++i) {
+        std::thread([i] {
+            LogFile::instance()->init(QString());
+            if (i % 2 == 0)
+                LogFile::end();
+        }).join();
+    }
+    done = true;
+    neighbour.join();
+    EXPECT_NE(LogFile::instance(), nullptr);
 }
 
 } // namespace
