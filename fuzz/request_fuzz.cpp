@@ -13,6 +13,7 @@
 #include <QFileInfo>
 #include <QTemporaryDir>
 
+#include <algorithm>
 #include <cstdint>
 #include <cstdlib>
 #include <new>
@@ -59,14 +60,29 @@ void write(const QString& path, const QByteArray& bytes)
     require(file.open(QIODevice::WriteOnly | QIODevice::Truncate) && file.write(bytes) == bytes.size());
 }
 
+// Whether the log tells from `start` on why the reader for the suffix failed, which is what zrthumb looks for.
+bool logTellsReason(const QString& suffix, const QString& path, qint64 start)
+{
+    QFile log(defaultLogPath());
+    require(log.open(QIODevice::ReadOnly) && log.seek(start));
+    const QString lines = QString::fromLocal8Bit(log.readAll());
+    const FailureLines failures = readerFailures(suffix);
+    return std::any_of(failures.cbegin(), failures.cend(), [&](const FailureLine& line) {
+        return lines.contains(QStringLiteral(" %1 ").arg(line.number) + textOf(line, path));
+    });
+}
+
 // Whether the request succeeded; then its picture exists, and the next request finds it. It may only throw because a
 // file claims more memory than there is.
 bool requestSucceeds(const QString& path, const QString& png)
 {
+    const qint64 logStart = QFileInfo(defaultLogPath()).size();
     try {
         ThumbnailExtractor extractor;
         const bool loaded = extractor.load(path);
         const QImage picture = extractor.extract();
+        const QString suffix = QFileInfo(path).suffix();
+        require(loaded || !supportedSuffixes().contains(suffix) || logTellsReason(suffix, path, logStart));
         require(picture.isNull() != loaded && QFile::exists(png) >= loaded);
         require(!loaded || (picture.width() == picture.height() && picture.width() >= 400));
         return loaded;
