@@ -31,7 +31,7 @@ ProcessInstance& processInstance()
 // The instance that this thread last called init() on, kept so that end() on another thread cannot replace it by one
 // without a path in the middle of this thread's request.
 //
-// Not thread_local: what GCC makes of that for Windows frees a thread's variables before it destroys them.
+// Not thread_local: GCC for Windows frees such variables of a thread that ends before it runs their destructors.
 class ThreadInstance
 {
 public:

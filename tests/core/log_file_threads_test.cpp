@@ -102,13 +102,13 @@ TEST_F(LogFileThreadsTest, NoLineIsLostWhenEachRequestEndsTheInstance)
     expectEveryLineOnceInOrder();
 }
 
-// What a thread leaves is freed once, and not after other threads have got its memory.
+// What a thread leaves is freed once, and before other threads get its memory.
 TEST_F(LogFileThreadsTest, ThreadsMayEndWithTheirInstance)
 {
     constexpr int kShortThreads = 2000;
     constexpr std::size_t kMaxBytes = 64;
     std::atomic<bool> done{false};
-    // Takes and gives back small blocks of memory, filled with what is no address.
+    // Allocates and frees small blocks of memory, filled with bytes that are not an address.
     std::thread neighbour([&done] {
         std::vector<std::unique_ptr<std::vector<char>>> blocks(256);
         for (std::size_t i = 0; !done; ++i)
