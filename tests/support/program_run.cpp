@@ -2,6 +2,7 @@
 #include "tests/support/program_run.h"
 
 #include <QProcess>
+#include <QThread>
 
 #include <gtest/gtest.h>
 
@@ -11,11 +12,24 @@ namespace
 {
 
 constexpr int kTimeoutMs = 120000;
+constexpr int kStarts = 10;
+constexpr int kPauseMs = 500;
 
 // Our programs write UTF-8 to pipes on Windows, and the locale's encoding elsewhere: UTF-8 in tests.
 QStringList linesOf(const QByteArray& bytes)
 {
     return QString::fromUtf8(bytes).remove('\r').split('\n', Qt::SkipEmptyParts);
+}
+
+// Wine may refuse to start a program whose process was killed a moment ago.
+void startProgram(QProcess& process, const QString& program, const QStringList& arguments)
+{
+    for (int i = 0; i < kStarts; ++i) {
+        process.start(program, arguments);
+        if (process.waitForStarted(kTimeoutMs) || process.error() != QProcess::FailedToStart)
+            return;
+        QThread::msleep(kPauseMs);
+    }
 }
 
 } // namespace
@@ -26,8 +40,9 @@ ProgramRun runProgram(const QString& program, const QStringList& arguments, cons
     QProcess process;
     process.setProcessEnvironment(environment);
     process.setWorkingDirectory(folder);
-    process.start(program, arguments);
-    EXPECT_TRUE(process.waitForFinished(kTimeoutMs)) << program.toStdString();
+    startProgram(process, program, arguments);
+    EXPECT_TRUE(process.waitForFinished(kTimeoutMs))
+        << program.toStdString() << ": " << process.errorString().toStdString();
     EXPECT_EQ(process.exitStatus(), QProcess::NormalExit);
     return {process.exitCode(), linesOf(process.readAllStandardOutput()), linesOf(process.readAllStandardError())};
 }
