@@ -6,6 +6,7 @@
 #include "core/data_location.h"
 #include "core/job/reader_table.h"
 #include "fuzz/preview_limits.h"
+#include "host/log_tail.h"
 #include "request/thumbnail_extractor.h"
 
 #include <QDir>
@@ -60,15 +61,13 @@ void write(const QString& path, const QByteArray& bytes)
     require(file.open(QIODevice::WriteOnly | QIODevice::Truncate) && file.write(bytes) == bytes.size());
 }
 
-// Whether the log tells from `start` on why the reader for the suffix failed, which is what zrthumb looks for.
-bool logTellsReason(const QString& suffix, const QString& path, qint64 start)
+// Whether the request has logged why the reader for the suffix failed, which is what zrthumb looks for.
+bool tellsReason(const QStringList& messages, const QString& suffix, const QString& path)
 {
-    QFile log(defaultLogPath());
-    require(log.open(QIODevice::ReadOnly) && log.seek(start));
-    const QString lines = QString::fromLocal8Bit(log.readAll());
     const FailureLines failures = readerFailures(suffix);
-    return std::any_of(failures.cbegin(), failures.cend(), [&](const FailureLine& line) {
-        return lines.contains(QStringLiteral(" %1 ").arg(line.number) + textOf(line, path));
+    return std::any_of(messages.cbegin(), messages.cend(), [&](const QString& message) {
+        return std::any_of(failures.cbegin(), failures.cend(),
+                           [&](const FailureLine& line) { return isLine(message, line, asLogged(path)); });
     });
 }
 
@@ -76,13 +75,13 @@ bool logTellsReason(const QString& suffix, const QString& path, qint64 start)
 // file claims more memory than there is.
 bool requestSucceeds(const QString& path, const QString& png)
 {
-    const qint64 logStart = QFileInfo(defaultLogPath()).size();
+    const LogTail log;
     try {
         ThumbnailExtractor extractor;
         const bool loaded = extractor.load(path);
         const QImage picture = extractor.extract();
         const QString suffix = QFileInfo(path).suffix();
-        require(loaded || !supportedSuffixes().contains(suffix) || logTellsReason(suffix, path, logStart));
+        require(loaded || !supportedSuffixes().contains(suffix) || tellsReason(log.messagesOf(path), suffix, path));
         require(picture.isNull() != loaded && QFile::exists(png) >= loaded);
         require(!loaded || (picture.width() == picture.height() && picture.width() >= 400));
         return loaded;
