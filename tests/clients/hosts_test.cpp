@@ -3,6 +3,7 @@
 // leaves their process unchanged.
 
 #include "tests/shell/server_test.h"
+#include "tests/support/program_run.h"
 #include "tests/support/qt_printers.h"
 
 #include <QDir>
@@ -95,7 +96,7 @@ protected:
             environment.insert(name, value);
         QProcess process;
         process.setProcessEnvironment(environment);
-        process.start(program, arguments);
+        startProgram(process, program, arguments);
         EXPECT_TRUE(process.waitForFinished(kTimeoutMs)) << "the host hangs";
         process.kill();
         EXPECT_EQ(process.exitStatus(), QProcess::NormalExit);

@@ -3,6 +3,7 @@
 
 #include "cache/thumbnail_database.h"
 #include "tests/host/zrthumb_fixture.h"
+#include "tests/support/program_run.h"
 #include "tests/support/qt_printers.h"
 
 #include <QDir>
@@ -44,7 +45,7 @@ TEST_F(ConsoleTest, PipesGetUtf8)
     const QString path = source(kName);
     QProcess process;
     process.setProcessEnvironment(m_environment);
-    process.start(QStringLiteral(ZRTHUMB_PROGRAM), {path, kName});
+    startProgram(process, QStringLiteral(ZRTHUMB_PROGRAM), {path, kName});
     ASSERT_TRUE(process.waitForFinished());
     EXPECT_EQ(process.readAllStandardOutput(), (png(kName + "vrx.png") + "\r\n").toUtf8());
     EXPECT_EQ(process.readAllStandardError(), ("zrthumb: " + kName + ": no thumbnail: no such file\r\n").toUtf8());

@@ -2,6 +2,7 @@
 // What zrthumb writes besides the cache: the files of --output and --sheet, and stdout.
 
 #include "tests/host/zrthumb_fixture.h"
+#include "tests/support/program_run.h"
 #include "tests/support/qt_printers.h"
 
 #include <QDirIterator>
@@ -65,7 +66,7 @@ TEST_F(OutputsTest, DashIsStdout)
     for (const char* const option : {"-o", "--sheet"}) {
         QProcess process;
         process.setProcessEnvironment(m_environment);
-        process.start(QStringLiteral(ZRTHUMB_PROGRAM), {option, "-", path});
+        startProgram(process, QStringLiteral(ZRTHUMB_PROGRAM), {option, "-", path});
         ASSERT_TRUE(process.waitForFinished());
         EXPECT_EQ(process.exitCode(), 0);
         const QByteArray bytes = process.readAllStandardOutput();

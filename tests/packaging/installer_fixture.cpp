@@ -2,6 +2,7 @@
 #include "tests/packaging/installer_fixture.h"
 
 #include "tests/support/files.h"
+#include "tests/support/program_run.h"
 #include "tests/support/qt_printers.h"
 
 #include <QDir>
@@ -49,8 +50,9 @@ ProgramRun InstallerFixture::runRaw(const QString& program, const QString& optio
     process.setWorkingDirectory("C:/");
     process.setProgram(program);
     process.setNativeArguments(options);
-    process.start();
-    EXPECT_TRUE(process.waitForFinished(kTimeoutMs)) << options.toStdString();
+    startProgram(process);
+    EXPECT_TRUE(process.waitForFinished(kTimeoutMs))
+        << options.toStdString() << ": " << process.errorString().toStdString();
     const QString err = QString::fromUtf8(process.readAllStandardError()).remove('\r');
     return {process.exitCode(), {}, err.split('\n', Qt::SkipEmptyParts)};
 }

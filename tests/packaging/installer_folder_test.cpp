@@ -3,6 +3,7 @@
 
 #include "tests/packaging/installer_fixture.h"
 #include "tests/support/files.h"
+#include "tests/support/program_run.h"
 #include "tests/support/qt_printers.h"
 
 #include <QDir>
@@ -271,7 +272,7 @@ TEST_F(InstallerFolderTest, InterruptedInstallationIsRecovered)
                 ASSERT_TRUE(QFile::remove(kInstallFolder + "/ZRThumbnail.dll"));
             }
             QProcess process;
-            process.start(setup(), {"/S"});
+            startProgram(process, setup(), {"/S"});
             EXPECT_TRUE(waitUntil([&] { return QFileInfo::exists(kInstallFolder + reached); }));
             process.kill();
             EXPECT_TRUE(process.waitForFinished());

@@ -3,6 +3,7 @@
 
 #include "tests/packaging/installer_fixture.h"
 #include "tests/support/files.h"
+#include "tests/support/program_run.h"
 #include "tests/support/qt_printers.h"
 
 #include <QDir>
@@ -140,7 +141,7 @@ TEST_F(InstallerRefusalTest, FileThatCannotBeMovedInLeavesNothing)
             ASSERT_TRUE(QFile::remove(kInstallFolder + "/zrthumb.exe"));
         }
         QProcess process;
-        process.start(setup(), {"/S"});
+        startProgram(process, setup(), {"/S"});
         EXPECT_TRUE(waitUntil([] { return QFileInfo::exists(kInstallFolder + "/ZRThumbnail.incoming/LICENSE.txt"); }));
         ASSERT_TRUE(QDir().mkdir(kInstallFolder + "/zrthumb.exe"));
         EXPECT_TRUE(process.waitForFinished());

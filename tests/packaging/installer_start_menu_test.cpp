@@ -3,6 +3,7 @@
 
 #include "tests/packaging/installer_fixture.h"
 #include "tests/support/files.h"
+#include "tests/support/program_run.h"
 #include "tests/support/qt_printers.h"
 
 #include <QDir>
@@ -63,7 +64,7 @@ TEST_F(StartMenuTest, CheckStaysUntilAKeyIsPressed)
     process.setProgram(link.program);
     process.setNativeArguments(link.arguments);
     process.setWorkingDirectory(link.folder);
-    process.start();
+    startProgram(process);
     QByteArray out;
     EXPECT_TRUE(waitUntil([&] {
         process.waitForReadyRead(100);

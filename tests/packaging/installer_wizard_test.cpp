@@ -2,6 +2,7 @@
 // The installer's pages, clicked through as by a user.
 
 #include "tests/packaging/installer_fixture.h"
+#include "tests/support/program_run.h"
 #include "tests/support/qt_printers.h"
 
 #include <QDir>
@@ -38,8 +39,7 @@ protected:
     // Goes to the page with the folder and enters `folder` there.
     void chooseFolder(const wchar_t* folder)
     {
-        m_process.start(setup(), QStringList());
-        ASSERT_TRUE(m_process.waitForStarted());
+        startProgram(m_process, setup(), {});
         ASSERT_TRUE(waitUntil([this] { return (m_wizard = dialog(nullptr)) != nullptr; }));
         ASSERT_TRUE(waitUntil([this] { return IsWindowEnabled(GetDlgItem(m_wizard, kNextButton)); }));
         click(m_wizard, kNextButton); // agrees to the licence

@@ -5,6 +5,7 @@
 #include "core/data_location.h"
 #include "tests/shell/native_pictures.h"
 #include "tests/support/files.h"
+#include "tests/support/program_run.h"
 #include "tools/samples/sample_files.h"
 
 #include <QDir>
@@ -71,8 +72,8 @@ FileBrowser::FileBrowser()
 {
     m_process.setProcessEnvironment(bareEnvironment());
     m_process.setProcessChannelMode(QProcess::ForwardedErrorChannel);
-    m_process.start(qEnvironmentVariable("ZRTHUMB_SHELL_CLIENT"), {QDir::toNativeSeparators(m_pictures.path())});
-    EXPECT_TRUE(m_process.waitForStarted(kTimeoutMs));
+    startProgram(m_process, qEnvironmentVariable("ZRTHUMB_SHELL_CLIENT"),
+                 {QDir::toNativeSeparators(m_pictures.path())});
 }
 
 FileBrowser::~FileBrowser()
@@ -152,7 +153,7 @@ void PackageTest::runBatch(const QString& file, const QString& arguments)
     process.setProcessEnvironment(bareEnvironment());
     process.setProgram("cmd.exe");
     process.setNativeArguments(QString("/s /c \"\"%1\" %2\"").arg(QDir::toNativeSeparators(file), arguments));
-    process.start();
+    startProgram(process);
     EXPECT_TRUE(process.waitForFinished(kTimeoutMs));
     EXPECT_EQ(process.exitCode(), 0) << process.readAll().toStdString();
 }

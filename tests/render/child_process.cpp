@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "tests/render/child_process.h"
+#include "tests/support/program_run.h"
 
 #include <QCoreApplication>
 #include <QProcess>
@@ -38,8 +39,8 @@ void runCurrentTestInChild(const std::vector<EnvironmentChange>& changes)
     QProcess child;
     child.setProcessEnvironment(environment);
     child.setProcessChannelMode(QProcess::MergedChannels);
-    child.start(QCoreApplication::applicationFilePath(),
-                {QStringLiteral("--gtest_filter=%1.%2").arg(test->test_suite_name(), test->name())});
+    startProgram(child, QCoreApplication::applicationFilePath(),
+                 {QStringLiteral("--gtest_filter=%1.%2").arg(test->test_suite_name(), test->name())});
     ASSERT_TRUE(child.waitForFinished(kTimeoutMs));
     const QByteArray output = child.readAll();
     EXPECT_EQ(child.exitStatus(), QProcess::NormalExit) << output.constData();

@@ -3,6 +3,7 @@
 
 #include "core/data_location.h"
 #include "tests/shell/server_test.h"
+#include "tests/support/program_run.h"
 #include "tests/support/qt_printers.h"
 
 #include <QDir>
@@ -34,7 +35,7 @@ protected:
         QProcess process;
         process.setProcessEnvironment(environment);
         process.setWorkingDirectory(m_folder.path());
-        process.start(program, arguments);
+        startProgram(process, program, arguments);
         EXPECT_TRUE(process.waitForFinished(kTimeoutMs));
         return {process.exitCode(), text(process.readAllStandardOutput()), text(process.readAllStandardError())};
     }

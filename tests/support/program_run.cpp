@@ -21,18 +21,25 @@ QStringList linesOf(const QByteArray& bytes)
     return QString::fromUtf8(bytes).remove('\r').split('\n', Qt::SkipEmptyParts);
 }
 
-// Wine may refuse to start a program whose process was killed a moment ago.
-void startProgram(QProcess& process, const QString& program, const QStringList& arguments)
+} // namespace
+
+void startProgram(QProcess& process)
 {
     for (int i = 0; i < kStarts; ++i) {
-        process.start(program, arguments);
+        process.start();
         if (process.waitForStarted(kTimeoutMs) || process.error() != QProcess::FailedToStart)
             return;
         QThread::msleep(kPauseMs);
     }
+    ADD_FAILURE() << process.program().toStdString() << ": " << process.errorString().toStdString();
 }
 
-} // namespace
+void startProgram(QProcess& process, const QString& program, const QStringList& arguments)
+{
+    process.setProgram(program);
+    process.setArguments(arguments);
+    startProgram(process);
+}
 
 ProgramRun runProgram(const QString& program, const QStringList& arguments, const QString& folder,
                       const QProcessEnvironment& environment)

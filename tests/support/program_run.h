@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <QProcess>
 #include <QProcessEnvironment>
 #include <QString>
 #include <QStringList>
@@ -14,6 +15,11 @@ struct ProgramRun {
     QStringList out; ///< lines of stdout, without empty ones
     QStringList err;
 };
+
+/// Starts the program that is set. Wine refuses a start now and then, of programs that ended a moment ago above all, so
+/// that it is tried ten times; the test fails when none succeeds.
+void startProgram(QProcess& process);
+void startProgram(QProcess& process, const QString& program, const QStringList& arguments);
 
 /// Runs the program in `folder` until it ends; the test fails when it crashes or takes longer than two minutes.
 ProgramRun runProgram(const QString& program, const QStringList& arguments, const QString& folder,

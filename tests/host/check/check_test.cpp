@@ -6,6 +6,7 @@
 #include "core/data_location.h"
 #include "tests/support/faster_clock.h"
 #include "tests/support/files.h"
+#include "tests/support/program_run.h"
 #include "tests/support/qt_printers.h"
 #include "tools/samples/sample_files.h"
 
@@ -101,7 +102,7 @@ TEST_F(CheckTest, RequestsMeanwhileAreNotDisturbed)
             files += writeFile(m_folder.filePath(sample.name), sample.make());
         QProcess other;
         other.setProcessEnvironment(m_environment);
-        other.start(QStringLiteral(ZRTHUMB_PROGRAM), files);
+        startProgram(other, QStringLiteral(ZRTHUMB_PROGRAM), files);
         EXPECT_EQ(check().status, 0);
         ASSERT_TRUE(other.waitForFinished(kTimeoutMs));
         EXPECT_EQ(other.exitCode(), 0) << other.readAllStandardError().toStdString();
