@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "tests/render/child_process.h"
+
 #include "tests/support/program_run.h"
 
 #include <QCoreApplication>

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "tests/support/program_run.h"
 
-#include <QProcess>
 #include <QThread>
 
 #include <gtest/gtest.h>

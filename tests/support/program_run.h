@@ -16,8 +16,8 @@ struct ProgramRun {
     QStringList err;
 };
 
-/// Starts the program that is set. Wine refuses a start now and then, of programs that ended a moment ago above all, so
-/// that it is tried ten times; the test fails when none succeeds.
+/// Starts the program that is set. Wine now and then refuses to start a program, mostly one that has just ended, so
+/// this tries up to ten times; the test fails when no attempt succeeds.
 void startProgram(QProcess& process);
 void startProgram(QProcess& process, const QString& program, const QStringList& arguments);
 
