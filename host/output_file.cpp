@@ -2,9 +2,9 @@
 #include "host/output_file.h"
 
 #include "cache/whole_file.h"
+#include "core/png_bytes.h"
 #include "host/console.h"
 
-#include <QBuffer>
 #include <QFile>
 #include <QFileInfo>
 
@@ -12,12 +12,6 @@ namespace zr
 {
 namespace
 {
-
-QByteArray encoded(const QImage& picture)
-{
-    QBuffer buffer;
-    return picture.save(&buffer, "PNG") ? buffer.data() : QByteArray();
-}
 
 // The file is not truncated first: after a failure, the older bytes can be put back into the space that they had.
 QString overwrite(QFile& file, const QByteArray& bytes)
@@ -45,7 +39,7 @@ QString writeInPlace(const QString& path, const QByteArray& bytes)
 
 QString writeOutput(const QImage& picture, const QString& path)
 {
-    const QByteArray bytes = encoded(picture);
+    const QByteArray bytes = pngBytes(picture);
     if (bytes.isEmpty())
         return QStringLiteral("the picture cannot be encoded");
     if (path == QLatin1String(kStdoutName))
