@@ -111,9 +111,26 @@ void LogFile::init(const QString& path)
         QFile::remove(m_path);
 }
 
+void LogFile::keepInMemory()
+{
+    ThreadInstance::set(shared_from_this());
+    const std::lock_guard<std::mutex> guard(m_mutex);
+    m_keptLines.emplace();
+}
+
+QStringList LogFile::keptLines()
+{
+    const std::lock_guard<std::mutex> guard(m_mutex);
+    return m_keptLines.value_or(QStringList());
+}
+
 void LogFile::write(const QString& message)
 {
     const std::lock_guard<std::mutex> guard(m_mutex);
+    if (m_keptLines) {
+        m_keptLines->append(message);
+        return;
+    }
     if (!m_file.isOpen() && (m_path.isEmpty() || !m_file.open(m_path)))
         return;
     const QString stamp = QDateTime::currentDateTime().toString(QStringLiteral("dd.MM.yyyy - hh:mm:ss "));

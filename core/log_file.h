@@ -5,9 +5,11 @@
 #include "core/failure_line.h"
 
 #include <QString>
+#include <QStringList>
 
 #include <memory>
 #include <mutex>
+#include <optional>
 
 namespace zr
 {
@@ -43,6 +45,12 @@ public:
     /// open file.
     void init(const QString& path);
 
+    /// Makes this the calling thread's instance, which from now on keeps its lines in memory and touches no file.
+    void keepInMemory();
+
+    /// The lines that it keeps, without time stamps.
+    QStringList keptLines();
+
     /// Appends one line. Opens the file when it is not open; the line is lost when that fails.
     void write(const QString& message);
 
@@ -52,6 +60,7 @@ private:
     std::mutex m_mutex;
     QString m_path;
     AppendFile m_file;
+    std::optional<QStringList> m_keptLines;
 };
 
 /// Writes the line "number text", the form of every line of the log.

@@ -187,6 +187,23 @@ TEST_F(LogFileTest, NonAsciiIsWrittenInTheLocalCodePage)
     EXPECT_TRUE(logBytes().endsWith(message.toLocal8Bit() + '\n'));
 }
 
+TEST_F(LogFileTest, LinesKeptInMemoryTouchNoFile)
+{
+    createDataFolder();
+    LogFile::instance()->init(QString());
+    LogFile::instance()->write(QStringLiteral("in the file"));
+    LogFile::end();
+    EXPECT_EQ(LogFile::instance()->keptLines(), QStringList());
+
+    LogFile::instance()->keepInMemory();
+    logLine(84, QStringLiteral("kept"));
+    EXPECT_THROW(throwKey(85, "someErr"), QString);
+    EXPECT_EQ(LogFile::instance()->keptLines(), QStringList({"84 kept", "85  throw "}));
+    LogFile::end();
+    EXPECT_EQ(LogFile::instance()->keptLines(), QStringList());
+    EXPECT_EQ(logMessages(), QStringList("in the file"));
+}
+
 TEST_F(LogFileTest, FolderInPlaceOfTheLogLosesLinesSilently)
 {
     createDataFolder();
