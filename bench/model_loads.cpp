@@ -28,7 +28,7 @@ qint64 load(const QString& path)
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly))
         std::abort();
-    MeshType mesh(false);
+    MeshType mesh(ChunkLayout::PositionsAndNormals);
     mesh.parse(file);
     qint64 bytes = 0;
     for (const QVector<float>* chunk : mesh.chunks())

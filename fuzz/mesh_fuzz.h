@@ -67,7 +67,7 @@ template <typename MeshType>
 void parseWithoutMemory(const QByteArray& input, int recordFloats)
 {
     for (const MemoryProbe probe : {noMemory, scarceMemory}) {
-        MeshType mesh(false, probe);
+        MeshType mesh(ChunkLayout::PositionsAndNormals, probe);
         parses(mesh, input, recordFloats);
     }
 }

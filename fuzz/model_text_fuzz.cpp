@@ -24,7 +24,7 @@ void require(bool condition)
 void compareStl(const QByteArray& input)
 {
     const QByteArray file = "solid\nfacet\n" + input;
-    StlMesh mesh(false, fuzz::endlessMemory);
+    StlMesh mesh(ChunkLayout::PositionsAndNormals, fuzz::endlessMemory);
     fuzz::parses(mesh, file, kFloatsPerTriangle);
     require(mesh.chunks().isEmpty() ||
             test::sameBits(test::cornersOf(mesh.chunks()), test::referenceAsciiStl(file).corners));
@@ -32,7 +32,7 @@ void compareStl(const QByteArray& input)
 
 void compareObj(const QByteArray& input)
 {
-    ObjMesh mesh(false, fuzz::endlessMemory);
+    ObjMesh mesh(ChunkLayout::PositionsAndNormals, fuzz::endlessMemory);
     if (fuzz::parses(mesh, input, kFloatsPerTriangle))
         require(test::sameBits(test::cornersOf(mesh.chunks()), test::referenceObj(input).corners));
 }

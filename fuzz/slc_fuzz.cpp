@@ -26,9 +26,11 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
 {
     using namespace zr;
     const QByteArray input = fuzz::rawInput(data, size);
-    SlcMesh bareMesh(true, fuzz::endlessMemory);
+    SlcMesh bareMesh(ChunkLayout::Positions, fuzz::endlessMemory);
     fuzz::parses(bareMesh, input, kFloatsPerBareTriangle);
-    SlcMesh mesh(false, fuzz::endlessMemory);
+    SlcMesh wholeMesh(ChunkLayout::WholeTriangles, fuzz::endlessMemory);
+    fuzz::parses(wholeMesh, input, kFloatsPerBareTriangle);
+    SlcMesh mesh(ChunkLayout::PositionsAndNormals, fuzz::endlessMemory);
     fuzz::parses(mesh, input, kFloatsPerTriangle);
 
     const auto expected = test::referenceSlc(input).triples;

@@ -70,10 +70,7 @@ QImage OffscreenRenderer::render(const TriangleChunks& chunks, const float* min,
 {
     m_model = unitBoxMatrix(min, max);
     try {
-        if (chunks.isEmpty()) {
-            logLine(kNothingToDraw);
-            throw QString::fromLatin1(key::kNothingToRender);
-        }
+        requireTriangles(chunks);
         draw(chunks);
         return m_valid && m_fbo ? m_fbo->toImage() : QImage();
     } catch (const QString& key) {

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "render/mesh_renderer.h"
 #include "render/shader_source.h"
 #include "render/shader_texts.h"
-#include "render/triangle_chunks.h"
 
 #include <QImage>
 #include <QMatrix4x4>
@@ -24,7 +24,7 @@ class QOpenGLShaderProgram;
 namespace zr
 {
 
-/// Draws a triangle stream into a square picture without a window. Each mesh reader makes one for its single picture.
+/// Draws with OpenGL, without a window.
 ///
 /// The constructor never fails outwardly: what goes wrong with OpenGL is logged, and render() then gives a null image.
 /// A renderer is used by the thread that made it. Its OpenGL context stays current on that thread after construction
@@ -32,7 +32,7 @@ namespace zr
 ///
 /// The base is never initialised, all calls go through m_functions; it is there for what Qt's helpers expect of a user
 /// of OpenGL.
-class OffscreenRenderer : public QOpenGLFunctions
+class OffscreenRenderer : public MeshRenderer, public QOpenGLFunctions
 {
 public:
     /// Width and height of the picture.
@@ -40,16 +40,20 @@ public:
 
     /// `perspective`: view from 30 degrees above, turned by 41.5 degrees; otherwise orthographic along +Y.
     explicit OffscreenRenderer(bool perspective);
-    ~OffscreenRenderer();
-    Q_DISABLE_COPY(OffscreenRenderer)
+    ~OffscreenRenderer() override;
 
     /// Whether chunks hold positions only.
     bool usesGeometryShader() const { return m_useGeometryShader; }
 
-    /// The picture of the chunks, whose bounding box has the corners `min` and `max` (three floats each, in the mesh's
-    /// own units); a null image after a failure, which is logged. Throws no error key. The background is white with
-    /// alpha 0.
-    QImage render(const TriangleChunks& chunks, const float* min, const float* max);
+    ChunkLayout chunkLayout() const override
+    {
+        return m_useGeometryShader ? ChunkLayout::Positions : ChunkLayout::PositionsAndNormals;
+    }
+
+    bool hasContext() const override { return true; }
+
+    /// The background is white.
+    QImage render(const TriangleChunks& chunks, const float* min, const float* max) override;
 
 protected:
     enum class Pipeline { Plain, GeometryShader };

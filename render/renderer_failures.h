@@ -3,7 +3,9 @@
 
 #include "core/failure_line.h"
 #include "core/log_contract.h"
+#include "core/log_file.h"
 #include "core/reasons.h"
+#include "render/triangle_chunks.h"
 
 namespace zr
 {
@@ -25,6 +27,15 @@ constexpr FailureLine kBufferNotBound{line::kBufferNotBound, "render vbo bind er
 inline FailureLines rendererFailures()
 {
     return {kNothingToDraw, kContextNotValid, kSurfaceNotValid, kRendererNotMade, kBufferNotBound};
+}
+
+/// Throws an error key, which is logged before, when there are no triangles.
+inline void requireTriangles(const TriangleChunks& chunks)
+{
+    if (!chunks.isEmpty())
+        return;
+    logLine(kNothingToDraw);
+    throw QString::fromLatin1(key::kNothingToRender);
 }
 
 } // namespace zr

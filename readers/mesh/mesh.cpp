@@ -14,7 +14,9 @@ static_assert(kMaxExtent == 10000, "reason::kModelSizeWrong names it");
 
 } // namespace
 
-Mesh::Mesh(bool positionsOnly, MemoryProbe probe) : m_positionsOnly(positionsOnly), m_probe(probe)
+Mesh::Mesh(ChunkLayout layout, MemoryProbe probe)
+    : m_positionsOnly(layout == ChunkLayout::Positions), m_leavesNormalsOut(layout == ChunkLayout::WholeTriangles),
+      m_probe(probe)
 {
     setBounds(Bounds());
 }

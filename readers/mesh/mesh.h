@@ -24,7 +24,6 @@ using MeshChunk = QVector<float>;
 constexpr int kFloatsPerPoint = 3;
 constexpr int kFloatsPerRecord = 2 * kFloatsPerPoint;
 constexpr int kFloatsPerTriangle = 3 * kFloatsPerRecord;
-constexpr int kFloatsPerBareTriangle = 3 * kFloatsPerPoint;
 
 /// Where the loaders cut a chunk, in bytes of vertex data; bounds each single allocation.
 constexpr qint64 kChunkBytes = 104857600;
@@ -55,8 +54,8 @@ public:
     void clear();
 
 protected:
-    /// `positionsOnly`: the renderer derives the normals itself.
-    Mesh(bool positionsOnly, MemoryProbe probe);
+    /// `layout` is what the renderer draws.
+    Mesh(ChunkLayout layout, MemoryProbe probe);
     ~Mesh();
 
     /// Makes this the mesh of a file without content.
@@ -80,7 +79,8 @@ protected:
     /// Throws the failure's key when the model's size cannot be shown.
     void requireUsableExtent(const ThrownKey& failure) const;
 
-    int floatsPerTriangle() const { return m_positionsOnly ? kFloatsPerBareTriangle : kFloatsPerTriangle; }
+    bool storesNormals() const { return !m_positionsOnly && !m_leavesNormalsOut; }
+    int floatsPerTriangle() const { return storesNormals() ? kFloatsPerTriangle : kFloatsPerBareTriangle; }
 
     TriangleChunks m_chunks;
     TriangleChunks m_spareChunks; ///< a second list, which is emptied with the first and which no parse fills
@@ -89,6 +89,7 @@ protected:
     Point m_min{};
 
 private:
+    const bool m_leavesNormalsOut; ///< whatever m_positionsOnly says, and without any other consequence
     MemoryProbe m_probe;
 };
 

@@ -4,7 +4,7 @@
 #include "core/file_reader_base.h"
 #include "core/log_contract.h"
 #include "core/log_file.h"
-#include "render/offscreen_renderer.h"
+#include "render/renderer_choice.h"
 #include "render/renderer_failures.h"
 
 #include <exception>
@@ -53,8 +53,8 @@ protected:
     MeshFileThumbnail(const QString& filePath, ReadLines lines) : FileReaderBase(filePath), m_lines(lines) {}
 
     /// Makes the renderer, which exists even if OpenGL fails, and the mesh that suits it.
-    void makeRenderer(bool perspective) { m_renderer = std::make_unique<OffscreenRenderer>(perspective); }
-    void makeMesh() { m_mesh = std::make_unique<MeshType>(m_renderer->usesGeometryShader()); }
+    void makeRenderer(bool perspective) { m_renderer = makeMeshRenderer(perspective); }
+    void makeMesh() { m_mesh = std::make_unique<MeshType>(m_renderer->chunkLayout()); }
 
     QImage renderMesh()
     {
@@ -62,7 +62,7 @@ protected:
         return m_renderer->render(m_mesh->chunks(), min.data(), max.data());
     }
 
-    std::unique_ptr<OffscreenRenderer> m_renderer;
+    std::unique_ptr<MeshRenderer> m_renderer;
     std::unique_ptr<MeshType> m_mesh;
     bool m_valid = true; ///< nothing has failed that the reader itself catches
 

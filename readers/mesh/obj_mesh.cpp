@@ -79,7 +79,7 @@ void ObjMesh::parse(QFile& file)
     const qint64 fileBytes = file.size();
     requireMemoryFor(static_cast<quint64>(fileBytes), kFileTooLarge);
 
-    TriangleWriter triangles(m_chunks, m_positionsOnly, fileBytes, memoryWatch(), kMemOut);
+    TriangleWriter triangles(m_chunks, storesNormals(), fileBytes, memoryWatch(), kMemOut);
     PositionList positions(fileBytes);
     Bounds bounds;
     ObjLine content{};

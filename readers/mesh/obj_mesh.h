@@ -10,8 +10,7 @@ namespace zr
 class ObjMesh : public Mesh
 {
 public:
-    /// `positionsOnly` is what the renderer reported; without it each vertex record has a normal.
-    explicit ObjMesh(bool positionsOnly, MemoryProbe probe = systemMemory) : Mesh(positionsOnly, probe) {}
+    explicit ObjMesh(ChunkLayout layout, MemoryProbe probe = systemMemory) : Mesh(layout, probe) {}
 
     /// The failures of parse().
     static FailureLines failures();

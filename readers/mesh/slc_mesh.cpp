@@ -51,7 +51,9 @@ constexpr qint64 kPointBytes = 8;
 /// A chunk ends with the point or normal that makes kChunkBytes full, be it in the middle of a triangle.
 constexpr int kFloatsPerChunk = (kChunkBytes / 4 + kFloatsPerPoint - 1) / kFloatsPerPoint * kFloatsPerPoint;
 
-constexpr int kFloatsPerWall = 2 * kFloatsPerTriangle;
+/// Without normals it ends with a wall.
+constexpr int kFloatsPerBareWall = 2 * kFloatsPerBareTriangle;
+constexpr int kFloatsPerBareChunk = kChunkBytes / 4 / kFloatsPerBareWall * kFloatsPerBareWall;
 
 static_assert(Q_BYTE_ORDER == Q_LITTLE_ENDIAN, "floats are taken from the file as they are");
 
@@ -122,7 +124,7 @@ void SlcMesh::readHead(QFile& file)
 
 void SlcMesh::readLayers(QFile& file)
 {
-    m_writer.emplace(m_chunks, kFloatsPerChunk);
+    m_writer.emplace(m_chunks, storesNormals() || m_positionsOnly ? kFloatsPerChunk : kFloatsPerBareChunk);
     ByteBlocks bytes(file);
     while (const char* const head = bytes.take(kLayerHeadBytes)) {
         const float z = readFloat(head);
@@ -199,7 +201,7 @@ bool SlcMesh::addWall(Vec4 from, Vec4 to, Layer layer)
     const Vec4 a = withZ(to, layer.bottom), b = withZ(from, layer.bottom);
     const Vec4 c = withZ(to, layer.top), d = withZ(from, layer.top);
     // At the end of a chunk, or without normals, triple by triple.
-    float* const room = m_positionsOnly ? nullptr : nextFloats(kFloatsPerWall);
+    float* const room = m_positionsOnly ? nullptr : nextFloats(2 * floatsPerTriangle());
     if (!room)
         return addTriangle(c, b, a) || addTriangle(d, b, a);
     const Vec4 first = edgeProduct(c, b, a);
@@ -210,8 +212,13 @@ bool SlcMesh::addWall(Vec4 from, Vec4 to, Layer layer)
     m_bounds.include(a);
     m_bounds.include(normal);
     m_bounds.include(secondNormal);
-    writeTriangle(room, c, b, a, normal);
-    writeTriangle(room + kFloatsPerTriangle, d, b, a, secondNormal);
+    if (storesNormals()) {
+        writeTriangle(room, c, b, a, normal);
+        writeTriangle(room + kFloatsPerTriangle, d, b, a, secondNormal);
+    } else {
+        writeBareTriangle(room, c, b, a);
+        writeBareTriangle(room + kFloatsPerBareTriangle, d, b, a);
+    }
     endChunkIfFull();
     return false;
 }

@@ -17,8 +17,7 @@ class ByteBlocks;
 class SlcMesh : public Mesh
 {
 public:
-    /// `positionsOnly` is what the renderer reported; without it each vertex record has a normal.
-    explicit SlcMesh(bool positionsOnly, MemoryProbe probe = systemMemory) : Mesh(positionsOnly, probe) {}
+    explicit SlcMesh(ChunkLayout layout, MemoryProbe probe = systemMemory) : Mesh(layout, probe) {}
 
     /// The failures of parse().
     static FailureLines failures();

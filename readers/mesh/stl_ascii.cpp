@@ -105,7 +105,7 @@ void StlMesh::parseAscii(QFile& file)
     requireMemoryFor(static_cast<quint64>(fileBytes), kFileTooLarge);
     skipFirstLine(file);
 
-    TriangleWriter triangles(m_chunks, m_positionsOnly, fileBytes, memoryWatch(), kMemOut);
+    TriangleWriter triangles(m_chunks, storesNormals(), fileBytes, memoryWatch(), kMemOut);
     Bounds bounds;
     std::array<Vec4, 3> corners{};
     std::size_t corner = 0;

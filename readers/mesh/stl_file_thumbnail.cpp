@@ -21,13 +21,13 @@ constexpr ThrownKey kNotOpened{38, key::kModelNotOpened, reason::kCannotBeOpened
 /// What a finished reader leaves. The list shows leak checkers that it is still wanted.
 struct Remains {
     StlMesh* mesh;
-    OffscreenRenderer* renderer;
+    MeshRenderer* renderer;
     const Remains* next;
 };
 
 std::atomic<const Remains*> allRemains{nullptr};
 
-void keep(StlMesh* mesh, OffscreenRenderer* renderer)
+void keep(StlMesh* mesh, MeshRenderer* renderer)
 {
     auto* const remains = new (std::nothrow) Remains{mesh, renderer, allRemains.load()};
     while (remains && !allRemains.compare_exchange_weak(remains->next, remains)) {
@@ -56,7 +56,7 @@ StlFileThumbnail::StlFileThumbnail(const QString& filePath) : MeshFileThumbnail(
 // thus stays a live one after the request.
 StlFileThumbnail::~StlFileThumbnail()
 {
-    if (m_mesh || m_renderer)
+    if (m_renderer ? m_renderer->hasContext() : m_mesh != nullptr)
         keep(m_mesh.release(), m_renderer.release());
 }
 

@@ -51,10 +51,12 @@ bool nextLineContains(QFile& file, const char* word)
 
 static_assert(Q_BYTE_ORDER == Q_LITTLE_ENDIAN, "vertices are taken from the file as they are");
 
+template <bool StoresNormals>
 void writeRecords(float* out, const char* record, int count, Bounds& bounds)
 {
+    constexpr int floats = StoresNormals ? kFloatsPerTriangle : kFloatsPerBareTriangle;
     Bounds box = bounds;
-    for (; count > 0; --count, record += kRecordBytes, out += kFloatsPerTriangle) {
+    for (; count > 0; --count, record += kRecordBytes, out += floats) {
         const char* const vertices = record + kFirstVertexOffset;
         const Vec4 a = loadVec4(vertices);
         const Vec4 b = loadVec4(vertices + kVertexBytes);
@@ -62,7 +64,10 @@ void writeRecords(float* out, const char* record, int count, Bounds& bounds)
         box.include(a);
         box.include(b);
         box.include(c);
-        writeTriangle(out, a, b, c);
+        if constexpr (StoresNormals)
+            writeTriangle(out, a, b, c);
+        else
+            writeBareTriangle(out, a, b, c);
     }
     bounds = box;
 }
@@ -135,7 +140,7 @@ void StlMesh::parseBinary(QFile& file)
 
 void StlMesh::readBatches(QFile& file)
 {
-    ChunkWriter writer(m_chunks, kTrianglesPerChunk * kFloatsPerTriangle);
+    ChunkWriter writer(m_chunks, kTrianglesPerChunk * floatsPerTriangle());
     Bounds bounds;
     for (quint64 done = 0; done < m_triangleCount;) {
         const quint64 batch = std::min<quint64>(kTrianglesPerChunk, m_triangleCount - done);
@@ -159,9 +164,10 @@ void StlMesh::readBatch(QFile& file, int triangles, ChunkWriter& writer, Bounds&
         const int piece = std::min(left, kRecordsPerPiece);
         if (file.read(records.data(), piece * kRecordBytes) != piece * kRecordBytes)
             throwKey(kShortBatch);
-        float* const room =
-            writer.next(piece * kFloatsPerTriangle, [left] { return qint64{left} * kFloatsPerTriangle; });
-        writeRecords(room, records.data(), piece, bounds);
+        const int floats = floatsPerTriangle();
+        float* const room = writer.next(piece * floats, [=] { return qint64{left} * floats; });
+        const auto write = storesNormals() ? writeRecords<true> : writeRecords<false>;
+        write(room, records.data(), piece, bounds);
         left -= piece;
     }
     logLine(kLineBatchRead, QString());

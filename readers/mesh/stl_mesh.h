@@ -12,8 +12,8 @@ class ChunkWriter;
 class StlMesh : public Mesh
 {
 public:
-    /// `positionsOnly` is what the renderer reported; every parse sets it back, so that STL always has normals.
-    explicit StlMesh(bool positionsOnly, MemoryProbe probe = systemMemory) : Mesh(positionsOnly, probe) {}
+    /// Every parse makes ChunkLayout::PositionsAndNormals of ChunkLayout::Positions.
+    explicit StlMesh(ChunkLayout layout, MemoryProbe probe = systemMemory) : Mesh(layout, probe) {}
 
     /// The failures of parse().
     static FailureLines failures();

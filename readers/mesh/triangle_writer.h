@@ -14,10 +14,10 @@ class TriangleWriter
 {
 public:
     /// `chunks` receives the chunks; a triangle that leaves the memory short throws the key of `memoryOut`.
-    TriangleWriter(TriangleChunks& chunks, bool positionsOnly, qint64 fileBytes, MemoryWatch watch,
+    TriangleWriter(TriangleChunks& chunks, bool storesNormals, qint64 fileBytes, MemoryWatch watch,
                    const ThrownKey& memoryOut)
-        : m_positionsOnly(positionsOnly), m_floats(positionsOnly ? kFloatsPerBareTriangle : kFloatsPerTriangle),
-          m_writer(chunks, m_floats * (positionsOnly ? kTrianglesPerChunk : kTrianglesPerChunkWithNormals)),
+        : m_storesNormals(storesNormals), m_floats(storesNormals ? kFloatsPerTriangle : kFloatsPerBareTriangle),
+          m_writer(chunks, m_floats * (storesNormals ? kTrianglesPerChunkWithNormals : kTrianglesPerChunk)),
           m_estimate(fileBytes), m_watch(watch), m_memoryOut(memoryOut)
     {
     }
@@ -26,10 +26,10 @@ public:
     void add(Vec4 a, Vec4 b, Vec4 c, qint64 position)
     {
         float* const room = m_writer.next(m_floats, [&] { return m_estimate.itemsToCome(m_writer.count(), position); });
-        if (m_positionsOnly)
-            writeBareTriangle(room, a, b, c);
-        else
+        if (m_storesNormals)
             writeTriangle(room, a, b, c);
+        else
+            writeBareTriangle(room, a, b, c);
         if (m_watch.isShort())
             throwKey(m_memoryOut);
     }
@@ -41,7 +41,7 @@ private:
     /// The text loaders count a triangle's positions and its normals separately.
     static constexpr int kTrianglesPerChunkWithNormals = (kTrianglesPerChunk + 1) / 2;
 
-    const bool m_positionsOnly;
+    const bool m_storesNormals;
     const int m_floats; ///< of each triangle
     ChunkWriter m_writer;
     FillEstimate m_estimate;

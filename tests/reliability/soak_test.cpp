@@ -216,7 +216,7 @@ TEST_F(SoakTest, StlFilesKeepTheirMeshAndRenderer)
     constexpr int kTriangles = 20000;
     constexpr qint64 kMeshKiB = qint64{kTriangles} * 18 * static_cast<qint64>(sizeof(float)) / kKiB;
     const QString path = source("triangles.stl", binaryStl(kTriangles));
-    StlMesh mesh(false);
+    StlMesh mesh(ChunkLayout::PositionsAndNormals);
     QFile file(path);
     ASSERT_TRUE(file.open(QIODevice::ReadOnly));
     mesh.parse(file);

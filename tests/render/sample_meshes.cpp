@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <cmath>
 #include <limits>
+#include <random>
 
 namespace zr::test
 {
@@ -41,6 +42,14 @@ void SampleMesh::addTriangle(const QVector3D& a, const QVector3D& b, const QVect
     addVertex(a, normal);
     addVertex(second, normal);
     addVertex(third, normal);
+}
+
+void SampleMesh::addOutside(const QVector3D& a, const QVector3D& b, const QVector3D& c)
+{
+    const auto min = m_min, max = m_max;
+    addTriangle(a, b, c);
+    m_min = min;
+    m_max = max;
 }
 
 void SampleMesh::startChunk()
@@ -83,6 +92,38 @@ void SampleMesh::addSphere(const QVector3D& centre, float radius, int steps)
             if (ring > 0)
                 addTriangle(point(ring, sector), point(ring + 1, sector + 1), point(ring, sector + 1));
         }
+    }
+}
+
+void SampleMesh::addRandomTriangles(int count, unsigned seed)
+{
+    // Numbers from -1 to 1, which are the same with every library, unlike those of std::uniform_real_distribution.
+    std::mt19937 random(seed);
+    const auto number = [&random] { return static_cast<float>(random() >> 8U) / static_cast<float>(1U << 23U) - 1.0F; };
+    const auto point = [&number] {
+        const float x = number(), y = number(), z = number();
+        return QVector3D(x, y, z);
+    };
+    for (int i = 0; i < count; ++i) {
+        const QVector3D centre = 50.0F * point();
+        const float reach = 10.0F + 9.9F * number();
+        const QVector3D a = point(), b = point(), c = point();
+        addTriangle(centre + reach * a, centre + reach * b, centre + reach * c);
+    }
+}
+
+void SampleMesh::addSliversInOnePlane(int count, unsigned seed)
+{
+    std::mt19937 random(seed);
+    const auto number = [&random] { return static_cast<float>(random() >> 8U) / static_cast<float>(1U << 23U) - 1.0F; };
+    const auto point = [&number](float reach) {
+        const float across = reach * number(), up = reach * number();
+        return QVector3D(across, -0.5F * up + 0.03F * number(), up);
+    };
+    for (int i = 0; i < count; ++i) {
+        const QVector3D a = point(20), b = point(20), c = a + point(0.5F);
+        addTriangle(a, b, c);
+        addTriangle(a, c, b);
     }
 }
 

@@ -29,6 +29,15 @@ public:
     void addBox(const QVector3D& low, const QVector3D& high);
     void addSphere(const QVector3D& centre, float radius, int steps);
 
+    /// A triangle that does not count towards the box.
+    void addOutside(const QVector3D& a, const QVector3D& b, const QVector3D& c);
+
+    /// Triangles all over a box of 100 units, small and large ones, through each other, fronts and backs.
+    void addRandomTriangles(int count, unsigned seed);
+
+    /// Thin triangles all over a plane that both cameras see, each turned a little out of it, fronts and backs.
+    void addSliversInOnePlane(int count, unsigned seed);
+
     TriangleChunks chunks() const;
     QVector<float>& lastChunk();
     const float* min() const;

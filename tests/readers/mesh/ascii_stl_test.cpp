@@ -24,7 +24,7 @@ const QByteArray kUnitFacet = "vertex 0 0 0\nvertex 1 0 0\nvertex 0 1 0\n";
 std::vector<Vertex> parsed(const QByteArray& content)
 {
     SourceFile source(content);
-    StlMesh mesh(false);
+    StlMesh mesh(ChunkLayout::PositionsAndNormals);
     EXPECT_TRUE(mesh.parse(source.file()));
     return cornersOf(mesh.chunks());
 }
@@ -132,7 +132,7 @@ TEST_F(AsciiStlTest, NumbersOfOneLineMayBeLongerThanTheBuffer)
 void expectAsQt(const QByteArray& content)
 {
     SourceFile source(content);
-    StlMesh mesh(false);
+    StlMesh mesh(ChunkLayout::PositionsAndNormals);
     const bool ok = mesh.parse(source.file());
     const ReferenceModel reference = referenceAsciiStl(content);
     if (ok) {

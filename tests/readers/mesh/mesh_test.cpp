@@ -20,7 +20,10 @@ constexpr float kHighest = 3.4028235e38F;
 class ProbeMesh : public Mesh
 {
 public:
-    explicit ProbeMesh(MemoryProbe probe = muchMemory, bool positionsOnly = false) : Mesh(positionsOnly, probe) {}
+    explicit ProbeMesh(MemoryProbe probe = muchMemory, ChunkLayout layout = ChunkLayout::PositionsAndNormals)
+        : Mesh(layout, probe)
+    {
+    }
 
     using Mesh::extentIsUsable;
     using Mesh::floatsPerTriangle;
@@ -91,8 +94,9 @@ TEST(MeshTest, ClearFreesTheChunksAndKeepsTheBounds)
 
 TEST(MeshTest, FloatsPerTriangleFollowTheRenderersMode)
 {
-    EXPECT_EQ(ProbeMesh(muchMemory, false).floatsPerTriangle(), 18);
-    EXPECT_EQ(ProbeMesh(muchMemory, true).floatsPerTriangle(), 9);
+    EXPECT_EQ(ProbeMesh(muchMemory, ChunkLayout::PositionsAndNormals).floatsPerTriangle(), 18);
+    EXPECT_EQ(ProbeMesh(muchMemory, ChunkLayout::Positions).floatsPerTriangle(), 9);
+    EXPECT_EQ(ProbeMesh(muchMemory, ChunkLayout::WholeTriangles).floatsPerTriangle(), 9);
 }
 
 TEST(MeshTest, FileOfTwoThirdsOfTheFreeMemoryIsTooLarge)

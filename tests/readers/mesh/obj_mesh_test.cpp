@@ -31,7 +31,7 @@ class ObjMeshTest : public LoggedTest
 std::vector<Vertex> parsed(const QByteArray& content)
 {
     SourceFile source(content);
-    ObjMesh mesh(false);
+    ObjMesh mesh(ChunkLayout::PositionsAndNormals);
     mesh.parse(source.file());
     EXPECT_FALSE(source.file().isOpen());
     return cornersOf(mesh.chunks());
@@ -53,7 +53,7 @@ Failure failureOf(const QByteArray& content, MemoryProbe probe)
 {
     restartLog();
     SourceFile source(content);
-    ObjMesh mesh(false, probe);
+    ObjMesh mesh(ChunkLayout::PositionsAndNormals, probe);
     try {
         mesh.parse(source.file());
     } catch (const QString& key) {
@@ -71,14 +71,15 @@ TEST_F(ObjMeshTest, FacesCountPointsFromZero)
 
 TEST_F(ObjMeshTest, RecordsHaveNormalsUnlessTheRendererMakesThem)
 {
-    for (const bool positionsOnly : {false, true}) {
+    for (const ChunkLayout layout :
+         {ChunkLayout::PositionsAndNormals, ChunkLayout::Positions, ChunkLayout::WholeTriangles}) {
         SourceFile source("v 0 0 0\nv 2 0 0\nv 0 3 0\nf 0 1 2\n");
-        ObjMesh mesh(positionsOnly);
+        ObjMesh mesh(layout);
         mesh.parse(source.file());
         ASSERT_EQ(mesh.chunks().size(), 1);
         const MeshChunk bare = {0, 0, 0, 2, 0, 0, 0, 3, 0};
         const MeshChunk full = {0, 0, 0, 0, 0, 1, 2, 0, 0, 0, 0, 1, 0, 3, 0, 0, 0, 1};
-        EXPECT_EQ(*mesh.chunks()[0], positionsOnly ? bare : full);
+        EXPECT_EQ(*mesh.chunks()[0], layout == ChunkLayout::PositionsAndNormals ? full : bare);
         EXPECT_EQ(mesh.boundingBox(), std::make_pair(Point{0, 0, 0}, Point{2, 3, 0}));
     }
 }
@@ -165,7 +166,7 @@ TEST_F(ObjMeshTest, FileOfFacesOnlyLiesAtTheOrigin)
 TEST_F(ObjMeshTest, FileOfPointsOnlyHasBoundsButNoChunk)
 {
     SourceFile source(kPoints);
-    ObjMesh mesh(false);
+    ObjMesh mesh(ChunkLayout::PositionsAndNormals);
     mesh.parse(source.file());
     EXPECT_TRUE(mesh.chunks().isEmpty());
     EXPECT_EQ(mesh.boundingBox(), std::make_pair(Point{10, 20, 30}, Point{13, 25, 39}));
@@ -180,7 +181,7 @@ TEST_F(ObjMeshTest, EmptyFileIsAnEmptyMesh)
 TEST_F(ObjMeshTest, PointsThatNoFaceUsesCountTowardsTheBounds)
 {
     SourceFile source(kPoints + "v -5 0 0\nv 0 100 0\nf 0 1 2\n");
-    ObjMesh mesh(false);
+    ObjMesh mesh(ChunkLayout::PositionsAndNormals);
     mesh.parse(source.file());
     EXPECT_EQ(mesh.boundingBox(), std::make_pair(Point{-5, 0, 0}, Point{13, 100, 39}));
 }
@@ -188,14 +189,14 @@ TEST_F(ObjMeshTest, PointsThatNoFaceUsesCountTowardsTheBounds)
 TEST_F(ObjMeshTest, CornersAtTheOriginDoNot)
 {
     SourceFile source(kPoints + "f 0 1 99\n");
-    ObjMesh mesh(false);
+    ObjMesh mesh(ChunkLayout::PositionsAndNormals);
     mesh.parse(source.file());
     EXPECT_EQ(mesh.boundingBox().first, (Point{10, 20, 30}));
 }
 
 TEST_F(ObjMeshTest, SecondParseReplacesTheFirst)
 {
-    ObjMesh mesh(false);
+    ObjMesh mesh(ChunkLayout::PositionsAndNormals);
     SourceFile first("v 100 0 0\nv 200 0 0\nf 0 1 0\n");
     SourceFile second(kPoints + "f 0 1 2\n");
     mesh.parse(first.file());
@@ -232,13 +233,13 @@ TEST_F(ObjMeshTest, MemoryIsAskedForEachFace)
     EXPECT_EQ(memoryQueries(), 51);
 }
 
-void expectChunks(bool positionsOnly, int chunkTriangles)
+void expectChunks(ChunkLayout layout, int chunkTriangles)
 {
     SourceFile source(kPoints + QByteArray("f 0 1 2\n").repeated(chunkTriangles) + "f 3 1 2\n");
-    ObjMesh mesh(positionsOnly, muchMemory);
+    ObjMesh mesh(layout, muchMemory);
     mesh.parse(source.file());
     ASSERT_EQ(mesh.chunks().size(), 2);
-    const int floats = positionsOnly ? kFloatsPerBareTriangle : kFloatsPerTriangle;
+    const int floats = layout == ChunkLayout::PositionsAndNormals ? kFloatsPerTriangle : kFloatsPerBareTriangle;
     EXPECT_EQ(mesh.chunks()[0]->size(), chunkTriangles * floats);
     EXPECT_EQ(mesh.chunks()[1]->size(), floats);
     EXPECT_EQ(mesh.chunks()[1]->at(0), kFourth[0]);
@@ -246,8 +247,9 @@ void expectChunks(bool positionsOnly, int chunkTriangles)
 
 TEST_F(ObjMeshTest, ChunksAreCutAtTheirLimit)
 {
-    expectChunks(false, kChunkTriangles);
-    expectChunks(true, kBareChunkTriangles);
+    expectChunks(ChunkLayout::PositionsAndNormals, kChunkTriangles);
+    expectChunks(ChunkLayout::Positions, kBareChunkTriangles);
+    expectChunks(ChunkLayout::WholeTriangles, kBareChunkTriangles);
 }
 
 TEST_F(ObjMeshTest, CompleteChunksOutliveAFailure)
@@ -262,7 +264,7 @@ TEST_F(ObjMeshTest, CompleteChunksOutliveAFailure)
 void expectAsQt(const QByteArray& content)
 {
     SourceFile source(content);
-    ObjMesh mesh(false);
+    ObjMesh mesh(ChunkLayout::PositionsAndNormals);
     bool usable = true;
     try {
         mesh.parse(source.file());

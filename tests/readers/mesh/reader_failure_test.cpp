@@ -5,6 +5,7 @@
 #include "readers/mesh/obj_file_thumbnail.h"
 #include "readers/mesh/slc_file_thumbnail.h"
 #include "readers/mesh/stl_file_thumbnail.h"
+#include "render/offscreen_renderer.h"
 #include "tests/readers/mesh/model_reader_test.h"
 #include "tests/support/allocation_failure.h"
 

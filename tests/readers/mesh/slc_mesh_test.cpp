@@ -52,11 +52,12 @@ struct Parsed {
     Point max;
 };
 
-Parsed parsed(const QByteArray& content, MemoryProbe probe = muchMemory, bool positionsOnly = false)
+Parsed parsed(const QByteArray& content, MemoryProbe probe = muchMemory,
+              ChunkLayout layout = ChunkLayout::PositionsAndNormals)
 {
     restartLog();
     SourceFile source(content);
-    SlcMesh mesh(positionsOnly, probe);
+    SlcMesh mesh(layout, probe);
     Parsed result;
     try {
         mesh.parse(source.file());
@@ -118,8 +119,8 @@ TEST_F(SlcMeshTest, WallIsTwoTrianglesOverItsLowerEdge)
 
 TEST_F(SlcMeshTest, NormalsAreLeftOutWhenTheRendererMakesThem)
 {
-    const Parsed result =
-        parsed(withLayers(slcLayer(5, slcBoundary({{1, 2}, {3, 2}}), 1) + slcEnd()), muchMemory, true);
+    const Parsed result = parsed(withLayers(slcLayer(5, slcBoundary({{1, 2}, {3, 2}}), 1) + slcEnd()), muchMemory,
+                                 ChunkLayout::Positions);
     const ReferenceSlc::Point a{3, 2, 5}, b{1, 2, 5}, c{3, 2, 5.5F}, d{1, 2, 5.5F};
     EXPECT_EQ(result.triples, (std::vector<ReferenceSlc::Point>{c, b, a, d, b, a}));
     EXPECT_EQ(result.min, (Point{1, 2, 5}));
@@ -335,17 +336,17 @@ std::vector<ContourPoint> zigzag(int points)
     return line;
 }
 
-class SlcChunkTest : public SlcMeshTest, public ::testing::WithParamInterface<bool>
+class SlcChunkTest : public SlcMeshTest, public ::testing::WithParamInterface<ChunkLayout>
 {
 };
 
 TEST_P(SlcChunkTest, ChunksEndInTheMiddleOfATriangle)
 {
-    const bool positionsOnly = GetParam();
-    const int triplesPerWall = positionsOnly ? 6 : 12;
+    const ChunkLayout layout = GetParam();
+    const int triplesPerWall = layout == ChunkLayout::Positions ? 6 : 12;
     const int walls = kChunkFloats / 3 / triplesPerWall + 100;
     SourceFile source(withLayers(slcLayer(5, slcBoundary(zigzag(walls + 1)), 1)));
-    SlcMesh mesh(positionsOnly, muchMemory);
+    SlcMesh mesh(layout, muchMemory);
     mesh.parse(source.file());
     ASSERT_EQ(mesh.chunks().size(), 2);
     EXPECT_EQ(mesh.chunks()[0]->size(), kChunkFloats);
@@ -355,8 +356,8 @@ TEST_P(SlcChunkTest, ChunksEndInTheMiddleOfATriangle)
     // The wall across the chunks' end is what a mesh of this wall alone has.
     const int wall = kChunkFloats / 3 / triplesPerWall;
     const auto points = zigzag(wall + 2);
-    const Parsed alone = parsed(withLayers(slcLayer(5, slcBoundary({points[points.size() - 2], points.back()}), 1)),
-                                muchMemory, positionsOnly);
+    const Parsed alone =
+        parsed(withLayers(slcLayer(5, slcBoundary({points[points.size() - 2], points.back()}), 1)), muchMemory, layout);
     for (int i = 0; i < triplesPerWall; ++i) {
         const int at = (wall * triplesPerWall + i) * 3;
         const MeshChunk& chunk = *mesh.chunks()[at < kChunkFloats ? 0 : 1];
@@ -366,7 +367,33 @@ TEST_P(SlcChunkTest, ChunksEndInTheMiddleOfATriangle)
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(Modes, SlcChunkTest, ::testing::Bool());
+INSTANTIATE_TEST_SUITE_P(Layouts, SlcChunkTest,
+                         ::testing::Values(ChunkLayout::PositionsAndNormals, ChunkLayout::Positions));
+
+TEST_F(SlcMeshTest, WholeTrianglesAreNeverCut)
+{
+    constexpr int kFloatsPerWall = 18;
+    const int walls = kChunkFloats / kFloatsPerWall + 100;
+    SourceFile source(withLayers(slcLayer(5, slcBoundary(zigzag(walls + 1)), 1)));
+    SlcMesh mesh(ChunkLayout::WholeTriangles, muchMemory);
+    mesh.parse(source.file());
+    ASSERT_EQ(mesh.chunks().size(), 2);
+    EXPECT_EQ(mesh.chunks()[0]->size() % kFloatsPerWall, 0);
+    EXPECT_LE(mesh.chunks()[0]->size(), kChunkFloats);
+    EXPECT_EQ(mesh.chunks()[0]->size() + mesh.chunks()[1]->size(), kFloatsPerWall * walls);
+}
+
+// The box has the normals in it all the same.
+TEST_F(SlcMeshTest, WholeTrianglesAreThoseOfTheOtherLayouts)
+{
+    const QByteArray content = withLayers(slcLayer(50, slcBoundary({{100, 100}, {110, 100}, {110, 120}}), 1));
+    const Parsed full = parsed(content);
+    const Parsed bare = parsed(content, muchMemory, ChunkLayout::Positions);
+    const Parsed whole = parsed(content, muchMemory, ChunkLayout::WholeTriangles);
+    EXPECT_EQ(whole.triples, bare.triples);
+    EXPECT_EQ(std::tie(whole.min, whole.max), std::tie(full.min, full.max));
+    EXPECT_NE(std::tie(whole.min, whole.max), std::tie(bare.min, bare.max));
+}
 
 TEST_F(SlcMeshTest, MemoryIsAskedWhenAChunkIsFull)
 {
@@ -381,7 +408,7 @@ TEST_F(SlcMeshTest, MemoryIsAskedWhenAChunkIsFull)
 
 TEST_F(SlcMeshTest, SecondParseReplacesTheFirst)
 {
-    SlcMesh mesh(false, muchMemory);
+    SlcMesh mesh(ChunkLayout::PositionsAndNormals, muchMemory);
     SourceFile first(withLayers(slcLayer(500, slcBoundary({{100, 100}, {200, 200}}), 1)));
     SourceFile second(withLayers(squareLayer()));
     mesh.parse(first.file());

@@ -41,7 +41,7 @@ using zr::test::cornersOf;
 void expectTriangles(const QByteArray& content, const std::vector<Triangle>& triangles)
 {
     SourceFile source(content);
-    StlMesh mesh(false);
+    StlMesh mesh(ChunkLayout::PositionsAndNormals);
     EXPECT_TRUE(mesh.parse(source.file()));
     EXPECT_EQ(cornersOf(mesh.chunks()), cornersOf(triangles));
     EXPECT_FALSE(source.file().isOpen());
@@ -52,7 +52,7 @@ void expectFailure(const QByteArray& content, MemoryProbe probe, const QStringLi
 {
     restartLog();
     SourceFile source(content);
-    StlMesh mesh(false, probe);
+    StlMesh mesh(ChunkLayout::PositionsAndNormals, probe);
     EXPECT_FALSE(mesh.parse(source.file()));
     EXPECT_TRUE(mesh.chunks().isEmpty());
     EXPECT_FALSE(source.file().isOpen());
@@ -65,7 +65,7 @@ TEST_F(StlMeshTest, TrianglesHaveTheirOwnNormalsAndBounds)
     for (const bool isBinary : {true, false}) {
         restartLog();
         SourceFile source(isBinary ? binaryStl(triangle) : asciiStl(triangle));
-        StlMesh mesh(false);
+        StlMesh mesh(ChunkLayout::PositionsAndNormals);
         EXPECT_TRUE(mesh.parse(source.file()));
         ASSERT_EQ(mesh.chunks().size(), 1);
         EXPECT_EQ(*mesh.chunks()[0], (MeshChunk{0, 0, 0, 0, 0, 1, 2, 0, 0, 0, 0, 1, 0, 3, 0, 0, 0, 1}));
@@ -79,11 +79,30 @@ TEST_F(StlMeshTest, NormalsAreWrittenWhateverTheRendererReports)
 {
     for (const QByteArray& content : {binaryStl(twoTriangles()), asciiStl(twoTriangles())}) {
         SourceFile source(content);
-        StlMesh mesh(true);
+        StlMesh mesh(ChunkLayout::Positions);
         EXPECT_TRUE(mesh.positionsOnly());
         EXPECT_TRUE(mesh.parse(source.file()));
         EXPECT_FALSE(mesh.positionsOnly());
         EXPECT_EQ(mesh.chunks().value(0)->size(), 2 * kFloatsPerTriangle);
+    }
+}
+
+TEST_F(StlMeshTest, WholeTrianglesHaveNoNormals)
+{
+    for (const QByteArray& content : {binaryStl(twoTriangles()), asciiStl(twoTriangles())}) {
+        SourceFile source(content);
+        StlMesh whole(ChunkLayout::WholeTriangles);
+        EXPECT_TRUE(whole.parse(source.file()));
+        ASSERT_EQ(whole.chunks().size(), 1);
+        MeshChunk expected;
+        for (const Triangle& triangle : twoTriangles())
+            for (const Point& corner : triangle)
+                expected << corner[0] << corner[1] << corner[2];
+        EXPECT_EQ(*whole.chunks()[0], expected);
+        SourceFile sameSource(content);
+        StlMesh full(ChunkLayout::PositionsAndNormals);
+        EXPECT_TRUE(full.parse(sameSource.file()));
+        EXPECT_EQ(whole.boundingBox(), full.boundingBox());
     }
 }
 
@@ -95,7 +114,7 @@ TEST_F(StlMeshTest, BothFormsGiveTheSameMesh)
 
 TEST_F(StlMeshTest, SecondParseReplacesTheFirst)
 {
-    StlMesh mesh(false);
+    StlMesh mesh(ChunkLayout::PositionsAndNormals);
     SourceFile first(asciiStl({cornerAt(100)}));
     SourceFile second(binaryStl({cornerAt(1)}));
     EXPECT_TRUE(mesh.parse(first.file()));
@@ -135,7 +154,7 @@ TEST_F(StlMeshTest, TwoLinesTellTextFromBinary)
     const QByteArray facet = asciiFacet(cornerAt(3));
     for (const Detection& test : cases) {
         SourceFile source(test.firstLines + facet);
-        StlMesh mesh(false);
+        StlMesh mesh(ChunkLayout::PositionsAndNormals);
         mesh.parse(source.file());
         EXPECT_EQ(!mesh.chunks().isEmpty(), test.ascii) << test.firstLines;
     }
@@ -146,7 +165,7 @@ TEST_F(StlMeshTest, DetectionStopsAtAZeroByte)
     const QByteArray facet = asciiFacet(cornerAt(3));
     for (const QByteArray& lines : {QByteArray("a\0solid\nfacet\n", 14), QByteArray("solid\na\0facet\n", 14)}) {
         SourceFile source(lines + facet);
-        StlMesh mesh(false);
+        StlMesh mesh(ChunkLayout::PositionsAndNormals);
         mesh.parse(source.file());
         EXPECT_TRUE(mesh.chunks().isEmpty());
     }
@@ -163,7 +182,7 @@ TEST_F(StlMeshTest, FileIsOpenedWhenItIsNotOpen)
 {
     SourceFile source(binaryStl(twoTriangles()));
     source.file().close();
-    StlMesh mesh(false);
+    StlMesh mesh(ChunkLayout::PositionsAndNormals);
     EXPECT_TRUE(mesh.parse(source.file()));
     EXPECT_EQ(mesh.chunks().size(), 1);
 }
@@ -171,7 +190,7 @@ TEST_F(StlMeshTest, FileIsOpenedWhenItIsNotOpen)
 TEST_F(StlMeshTest, FileThatCannotBeOpenedFails)
 {
     QFile file(QStringLiteral("/nowhere/model.stl"));
-    StlMesh mesh(false);
+    StlMesh mesh(ChunkLayout::PositionsAndNormals);
     EXPECT_FALSE(mesh.parse(file));
     EXPECT_EQ(logMessages(), QStringList({"15  throw "}));
 }
@@ -208,22 +227,22 @@ TEST_F(StlMeshTest, ValuesJustBelowTheLimitsPass)
 {
     const QByteArray two = asciiStl(twoTriangles());
     SourceFile small(two + QByteArray(999 - two.size(), ' '));
-    EXPECT_TRUE(StlMesh(false, memoryFor999Bytes).parse(small.file()));
+    EXPECT_TRUE(StlMesh(ChunkLayout::PositionsAndNormals, memoryFor999Bytes).parse(small.file()));
     SourceFile nearlyShort(two);
-    EXPECT_TRUE(StlMesh(false, nearlyShortMemory).parse(nearlyShort.file()));
+    EXPECT_TRUE(StlMesh(ChunkLayout::PositionsAndNormals, nearlyShortMemory).parse(nearlyShort.file()));
     expectTriangles(binaryStl({{{{0, 0, 0}, {10000, 0, 0}, {0, 1, 0}}}}), {{{{0, 0, 0}, {10000, 0, 0}, {0, 1, 0}}}});
 }
 
 TEST_F(StlMeshTest, BinaryFileSizeIsNotComparedWithTheMemory)
 {
     SourceFile source(binaryStl(std::vector<Triangle>(30, cornerAt(1))));
-    EXPECT_TRUE(StlMesh(false, memoryFor999Bytes).parse(source.file()));
+    EXPECT_TRUE(StlMesh(ChunkLayout::PositionsAndNormals, memoryFor999Bytes).parse(source.file()));
 }
 
 TEST_F(StlMeshTest, MemoryIsAskedForEachAsciiTriangle)
 {
     SourceFile source(asciiStl(std::vector<Triangle>(50, cornerAt(1))));
-    EXPECT_TRUE(StlMesh(false, memoryShortAtQuery(1000)).parse(source.file()));
+    EXPECT_TRUE(StlMesh(ChunkLayout::PositionsAndNormals, memoryShortAtQuery(1000)).parse(source.file()));
     EXPECT_EQ(memoryQueries(), 51);
 }
 
@@ -263,7 +282,7 @@ TEST_F(StlMeshTest, BinaryBatchesBecomeChunks)
     triangles.back() = cornerAt(4);
     SourceFile source(binaryStl(triangles));
     triangles = {};
-    StlMesh mesh(false);
+    StlMesh mesh(ChunkLayout::PositionsAndNormals);
     EXPECT_TRUE(mesh.parse(source.file()));
     ASSERT_EQ(mesh.chunks().size(), 2);
     EXPECT_EQ(mesh.chunks()[0]->size(), kBatchTriangles * kFloatsPerTriangle);
@@ -285,7 +304,7 @@ TEST_F(StlMeshTest, AsciiChunksAreCutAtTheirLimit)
     const QByteArray facet = "vertex 1 0 0\nvertex 1 1 0\nvertex 1 0 1\n";
     const QByteArray last = "vertex 2 0 0\nvertex 2 1 0\nvertex 2 0 1\n";
     SourceFile source("solid\nfacet\n" + facet.repeated(kAsciiChunkTriangles) + last);
-    StlMesh mesh(false);
+    StlMesh mesh(ChunkLayout::PositionsAndNormals);
     EXPECT_TRUE(mesh.parse(source.file()));
     ASSERT_EQ(mesh.chunks().size(), 2);
     EXPECT_EQ(mesh.chunks()[0]->size(), kAsciiChunkTriangles * kFloatsPerTriangle);
@@ -297,7 +316,7 @@ TEST_F(StlMeshTest, ParseFromAnyPositionReadsTheWholeFile)
 {
     SourceFile source(binaryStl(twoTriangles()));
     source.file().seek(50);
-    StlMesh mesh(false);
+    StlMesh mesh(ChunkLayout::PositionsAndNormals);
     EXPECT_TRUE(mesh.parse(source.file()));
     EXPECT_EQ(cornersOf(mesh.chunks()), cornersOf(twoTriangles()));
 }
