@@ -8,8 +8,7 @@ namespace zr
 {
 
 /// The reason where openGlLacksDisplay().
-constexpr char kOpenGlNeedsDisplay[] =
-    "OpenGL needs a display: run it in a graphical session, or as 'xvfb-run zrthumb ...' (package xvfb)";
+constexpr char kOpenGlNeedsDisplay[] = "OpenGL needs a display: use '--renderer software', which needs none";
 
 /// One line for the user on why the file at `path` has no thumbnail, judged from what its request logged and from the
 /// state of the file and the cache.

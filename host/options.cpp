@@ -7,6 +7,8 @@
 #include <QCommandLineParser>
 #include <QCoreApplication>
 
+#include <optional>
+
 namespace zr
 {
 namespace
@@ -35,6 +37,26 @@ Exit status:
   130  interrupted (128 + the signal's number)
 )";
 
+constexpr char kAutoRenderer[] = "auto";
+
+constexpr struct {
+    const char* name;
+    Options::Renderer renderer;
+} kRenderers[] = {
+    {kAutoRenderer, Options::Renderer::Auto},
+    {"opengl", Options::Renderer::OpenGl},
+    {"software", Options::Renderer::Software},
+};
+
+std::optional<Options::Renderer> rendererOf(const QString& name)
+{
+    for (const auto& row : kRenderers) {
+        if (name == QLatin1String(row.name))
+            return row.renderer;
+    }
+    return std::nullopt;
+}
+
 struct CommandLine {
     CommandLine()
     {
@@ -45,6 +67,8 @@ struct CommandLine {
         parser.addOptions({output, size, sheet, recursive, quiet});
         if (talksToServer())
             parser.addOption(server);
+        else
+            parser.addOptions({renderer, noCache});
         parser.addOptions({check, help, version});
     }
 
@@ -66,6 +90,11 @@ struct CommandLine {
     const QCommandLineOption recursive{{"r", "recursive"},
                                        "A FILE that is a folder stands for all files below it but hidden ones."};
     const QCommandLineOption quiet{{"q", "quiet"}, "Print nothing but failures."};
+    const QCommandLineOption renderer{"renderer",
+                                      "Draw models with <WHICH>: opengl, software, which needs no display, or auto "
+                                      "(the default), which is opengl where there is a display.",
+                                      "WHICH", kAutoRenderer};
+    const QCommandLineOption noCache{"no-cache", "With -o or --sheet, leave the cache and the log alone."};
     const QCommandLineOption server{"dll", "Use the server in the DLL <PATH> without registration.", "PATH"};
     const QCommandLineOption check{"check", "Tell why no thumbnails show: check the installation and this machine."};
     const QCommandLineOption help{{"h", "help"}, "Show this help."};
@@ -112,6 +141,10 @@ QString usageError(const CommandLine& line, const Options& options)
         return QStringLiteral("--size needs --output");
     if (line.parser.isSet(line.size) && (options.sizePx < 1 || options.sizePx > kMaxSizePx))
         return QStringLiteral("--size needs a number from 1 to %1").arg(kMaxSizePx);
+    if (!talksToServer() && !rendererOf(line.parser.value(line.renderer)))
+        return QStringLiteral("--renderer needs auto, opengl or software");
+    if (options.dataFolderUse == DataFolderUse::None && options.output.isEmpty() && options.sheet.isEmpty())
+        return QStringLiteral("--no-cache needs --output or --sheet: there is no other place for the picture");
     return {};
 }
 
@@ -136,8 +169,12 @@ Options parseOptions(const QStringList& arguments)
     options.sheet = line.parser.value(line.sheet);
     options.recursive = line.parser.isSet(line.recursive);
     options.quiet = line.parser.isSet(line.quiet);
-    if (talksToServer())
+    if (talksToServer()) {
         options.server = line.parser.value(line.server);
+    } else {
+        options.renderer = rendererOf(line.parser.value(line.renderer)).value_or(Options::Renderer::Auto);
+        options.dataFolderUse = line.parser.isSet(line.noCache) ? DataFolderUse::None : DataFolderUse::Usual;
+    }
     const QString error = usageError(line, options);
     return error.isEmpty() ? options : reject(error);
 }

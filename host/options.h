@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "host/thumbnail_client.h"
+
 #include <QString>
 #include <QStringList>
 
@@ -9,16 +11,19 @@ namespace zr
 
 /// What the command line asks for.
 struct Options {
+    enum class Renderer { Auto, OpenGl, Software };
     enum class Action { MakeThumbnails, RunChecks, ShowText, RejectUsage };
 
     Action action = Action::MakeThumbnails;
     QString text; ///< what to show: help or version on stdout, a usage error on stderr
 
-    QStringList files; ///< as given
-    QString output;    ///< PNG for the picture of the single file; empty for none
-    int sizePx = 0;    ///< side of the square that the output is fitted into; 0 leaves it as it is
-    QString sheet;     ///< PNG for the contact sheet; empty for none
-    QString server;    ///< DLL to use without registration (Windows)
+    QStringList files;                  ///< as given
+    QString output;                     ///< PNG for the picture of the single file; empty for none
+    int sizePx = 0;                     ///< side of the square that the output is fitted into; 0 leaves it as it is
+    QString sheet;                      ///< PNG for the contact sheet; empty for none
+    Renderer renderer = Renderer::Auto; ///< of models (Linux)
+    DataFolderUse dataFolderUse = DataFolderUse::Usual;
+    QString server; ///< DLL to use without registration (Windows)
     bool recursive = false;
     bool quiet = false;
 };

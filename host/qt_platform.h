@@ -20,7 +20,7 @@ bool isPlatformOfUser();
 /// What to tell the user when Qt ends the process with `message`, one line.
 QString qtFailure(const QString& message);
 
-/// Whether OpenGL lacks the display that it needs here.
+/// Whether OpenGL lacks the display that it needs here. To be called after Qt has started.
 bool openGlLacksDisplay();
 
 } // namespace zr

@@ -6,8 +6,6 @@
 #include "core/reasons.h"
 #include "host/console.h"
 #include "host/failure_reason.h"
-#include "host/log_tail.h"
-#include "host/thumbnail_client.h"
 
 #include <QFileInfo>
 
@@ -30,18 +28,18 @@ bool load(ThumbnailClient& client, const QString& path)
     }
 }
 
-RequestResult requestFrom(ThumbnailClient& client, const QString& path)
+RequestResult requestFrom(ThumbnailClient& client, const QString& path, DataFolderUse use)
 {
-    const LogTail log;
     RequestResult result;
     const bool loaded = load(client, path);
+    if (!loaded)
+        result.reason = failureReason(path, client.messages(path));
     // Also after a failure, since it ends the request's log instance.
     result.picture = client.extract();
-    if (loaded)
-        result.pngPath = findPicture(path);
-    if (!loaded)
-        result.reason = failureReason(path, log.messagesOf(path));
-    else if (result.picture.isNull() || result.pngPath.isEmpty())
+    if (!loaded || use == DataFolderUse::None)
+        return result;
+    result.pngPath = findPicture(path);
+    if (result.picture.isNull() || result.pngPath.isEmpty())
         result.reason = lostPictureReason(path, result.pngPath);
     return result;
 }
@@ -53,33 +51,33 @@ RequestResult failed(const QString& reason)
     return result;
 }
 
-RequestResult requestOnce(const QString& path, const QString& serverPath)
+RequestResult requestOnce(const QString& path, const QString& serverPath, DataFolderUse use)
 {
     std::unique_ptr<ThumbnailClient> client;
     try {
-        client = makeThumbnailClient(serverPath);
+        client = makeThumbnailClient(serverPath, use);
     } catch (const std::runtime_error& error) {
         return failed(QString::fromLocal8Bit(error.what()));
     }
-    return requestFrom(*client, path);
+    return requestFrom(*client, path, use);
 }
 
 // A user's very first request fails, since the data folder does not exist yet.
-RequestResult requestUpToTwice(const QString& path, const QString& serverPath)
+RequestResult requestUpToTwice(const QString& path, const QString& serverPath, DataFolderUse use)
 {
-    const bool dataFolderExisted = QFileInfo::exists(dataFolder());
-    RequestResult result = requestOnce(path, serverPath);
-    if (!result.succeeded() && !dataFolderExisted)
-        result = requestOnce(path, serverPath);
+    const bool mayRepeat = use == DataFolderUse::Usual && !QFileInfo::exists(dataFolder());
+    RequestResult result = requestOnce(path, serverPath, use);
+    if (!result.succeeded() && mayRepeat)
+        result = requestOnce(path, serverPath, use);
     return result;
 }
 
 } // namespace
 
-RequestResult requestThumbnail(const QString& path, const QString& serverPath)
+RequestResult requestThumbnail(const QString& path, const QString& serverPath, DataFolderUse use)
 {
     try {
-        RequestResult result = requestUpToTwice(path, serverPath);
+        RequestResult result = requestUpToTwice(path, serverPath, use);
         // It contains names of files and folders.
         result.reason = printable(result.reason);
         return result;

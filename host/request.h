@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "host/thumbnail_client.h"
+
 #include <QImage>
 #include <QString>
 
@@ -10,7 +12,7 @@ namespace zr
 /// The result for one file.
 struct RequestResult {
     QImage picture;  ///< what extract handed back; null when there is no thumbnail
-    QString pngPath; ///< absolute path of the cached PNG
+    QString pngPath; ///< absolute path of the cached PNG; empty without the cache
     QString reason;  ///< why there is no thumbnail, one line; empty when there is one
 
     bool succeeded() const { return reason.isEmpty(); }
@@ -18,6 +20,7 @@ struct RequestResult {
 
 /// Runs one request for the file at the absolute `path`, with the server `serverPath` (see makeThumbnailClient).
 /// In a fresh profile, where the first request fails since it has yet to make the data folder, it is repeated once.
-RequestResult requestThumbnail(const QString& path, const QString& serverPath);
+RequestResult requestThumbnail(const QString& path, const QString& serverPath,
+                               DataFolderUse use = DataFolderUse::Usual);
 
 } // namespace zr

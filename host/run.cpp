@@ -46,7 +46,7 @@ public:
         : m_options(options), m_list(list), m_progress(progress)
     {
         // Only for output outside the cache, in which files of equal names share their PNG.
-        if (!options.output.isEmpty() || !options.sheet.isEmpty())
+        if (options.dataFolderUse == DataFolderUse::Usual && (!options.output.isEmpty() || !options.sheet.isEmpty()))
             m_sharedPictures.emplace();
         if (!options.sheet.isEmpty()) {
             const auto savePage = [this](const QImage& page, const QString& file) { write(page, file); };
@@ -91,7 +91,7 @@ private:
     {
         if (m_sharedPictures)
             m_sharedPictures->prepare(file.path);
-        const RequestResult result = requestThumbnail(file.path, m_options.server);
+        const RequestResult result = requestThumbnail(file.path, m_options.server, m_options.dataFolderUse);
         if (!result.succeeded()) {
             ++m_failures;
             printError(QStringLiteral("%1: no thumbnail: %2").arg(printable(file.shown), result.reason));
@@ -108,7 +108,7 @@ private:
     {
         const bool isPictureOnStdout =
             m_options.output == QLatin1String(kStdoutName) || m_options.sheet == QLatin1String(kStdoutName);
-        if (!m_options.quiet && !isPictureOnStdout)
+        if (!m_options.quiet && !isPictureOnStdout && !result.pngPath.isEmpty())
             m_progress.print(stdout, result.pngPath);
         if (!m_options.quiet && isInvisible(result.picture))
             printError(printable(file.shown) + QLatin1String(": ") + invisibilityReason(file.path));

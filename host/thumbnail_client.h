@@ -3,11 +3,15 @@
 
 #include <QImage>
 #include <QString>
+#include <QStringList>
 
 #include <memory>
 
 namespace zr
 {
+
+/// Whether a request may read and write the user's data folder: the cache and the log. Without them only on Linux.
+enum class DataFolderUse { Usual, None };
 
 /// How the host asks for thumbnails: one object per file, as in the file browser.
 /// The Linux host calls the extractor directly, the Windows host goes through COM.
@@ -19,6 +23,9 @@ public:
     /// True when the file's thumbnail is ready. May throw standard exceptions.
     virtual bool load(const QString& path) = 0;
 
+    /// What the request for `path` has logged so far, without time stamps.
+    virtual QStringList messages(const QString& path) const = 0;
+
     /// The thumbnail of the loaded file, or a null image.
     virtual QImage extract() = 0;
 };
@@ -28,6 +35,6 @@ bool talksToServer();
 
 /// A new client. `serverPath` names the DLL to use without registration (Windows only), empty for the registered one.
 /// Throws std::runtime_error with a sentence for the user when there is no server to talk to.
-std::unique_ptr<ThumbnailClient> makeThumbnailClient(const QString& serverPath);
+std::unique_ptr<ThumbnailClient> makeThumbnailClient(const QString& serverPath, DataFolderUse use);
 
 } // namespace zr

@@ -1,7 +1,13 @@
 // SPDX-License-Identifier: MIT
 #include "host/thumbnail_client.h"
 
+#include "core/job/thumbnail_job.h"
+#include "core/log_file.h"
+#include "host/log_tail.h"
+#include "host/renderer_setup.h"
 #include "request/thumbnail_extractor.h"
+
+#include <QFileInfo>
 
 namespace zr
 {
@@ -13,9 +19,40 @@ class NativeClient final : public ThumbnailClient
 public:
     bool load(const QString& path) override { return m_extractor.load(path); }
     QImage extract() override { return m_extractor.extract(); }
+    QStringList messages(const QString& path) const override { return m_log.messagesOf(path); }
 
 private:
+    LogTail m_log;
     ThumbnailExtractor m_extractor;
+};
+
+// The request's reader alone. What it logs stays in memory.
+class ReaderClient final : public ThumbnailClient
+{
+public:
+    ReaderClient() { LogFile::instance()->keepInMemory(); }
+    ~ReaderClient() override { LogFile::end(); }
+
+    bool load(const QString& path) override
+    {
+        startQtForReader();
+        if (!QFileInfo(path).isFile())
+            return false;
+        try {
+            const auto reader = requireReader(path);
+            m_picture = requirePicture(*reader);
+            return true;
+        } catch (const QString&) {
+            logLine(kJobFailed);
+            return false;
+        }
+    }
+
+    QImage extract() override { return m_picture; }
+    QStringList messages(const QString&) const override { return LogFile::instance()->keptLines(); }
+
+private:
+    QImage m_picture;
 };
 
 } // namespace
@@ -25,8 +62,10 @@ bool talksToServer()
     return false;
 }
 
-std::unique_ptr<ThumbnailClient> makeThumbnailClient(const QString&)
+std::unique_ptr<ThumbnailClient> makeThumbnailClient(const QString&, DataFolderUse use)
 {
+    if (use == DataFolderUse::None)
+        return std::make_unique<ReaderClient>();
     return std::make_unique<NativeClient>();
 }
 

@@ -2,6 +2,7 @@
 #include "host/thumbnail_client.h"
 
 #include "host/bitmap_to_image.h"
+#include "host/log_tail.h"
 #include "request/server_class.h"
 
 #include <QDir>
@@ -104,7 +105,10 @@ public:
         return image;
     }
 
+    QStringList messages(const QString& path) const override { return m_log.messagesOf(path); }
+
 private:
+    LogTail m_log;
     ComPtr<IPersistFile> m_object;
 };
 
@@ -115,7 +119,7 @@ bool talksToServer()
     return true;
 }
 
-std::unique_ptr<ThumbnailClient> makeThumbnailClient(const QString& serverPath)
+std::unique_ptr<ThumbnailClient> makeThumbnailClient(const QString& serverPath, DataFolderUse)
 {
     startCom();
     return std::make_unique<ComClient>(makeObject(serverPath));

@@ -12,7 +12,9 @@ bool isInvisible(const QImage& picture)
 {
     if (picture.isNull() || !picture.hasAlphaChannel())
         return false;
-    const QImage pixels = picture.convertToFormat(QImage::Format_ARGB32);
+    const bool hasPlainAlpha =
+        picture.format() == QImage::Format_ARGB32 || picture.format() == QImage::Format_ARGB32_Premultiplied;
+    const QImage pixels = hasPlainAlpha ? picture : picture.convertToFormat(QImage::Format_ARGB32);
     for (int y = 0; y < pixels.height(); ++y) {
         const auto* const row = reinterpret_cast<const QRgb*>(pixels.constScanLine(y));
         if (std::any_of(row, row + pixels.width(), [](QRgb pixel) { return qAlpha(pixel) != 0; }))

@@ -12,6 +12,22 @@
 namespace zr
 {
 
+std::unique_ptr<FileReaderBase> requireReader(const QString& sourcePath)
+{
+    auto reader = makeReader(QFileInfo(sourcePath).suffix(), sourcePath);
+    if (!reader)
+        throwKey(kNotSupported);
+    return reader;
+}
+
+QImage requirePicture(FileReaderBase& reader)
+{
+    QImage picture = reader.getImage();
+    if (picture.isNull())
+        throwKey(kNoPicture);
+    return picture;
+}
+
 ThumbnailJob::ThumbnailJob(const QString& sourcePath)
     : m_sourcePath(sourcePath), m_database(QString()), m_imageDir(thumbnailImageFolder())
 {
@@ -26,12 +42,8 @@ bool ThumbnailJob::run()
     if (!needCreateImage())
         return true;
     try {
-        m_reader = makeReader(QFileInfo(m_sourcePath).suffix(), m_sourcePath);
-        if (!m_reader)
-            throwKey(kNotSupported);
-        m_image = m_reader->getImage();
-        if (m_image.isNull())
-            throwKey(kNoPicture);
+        m_reader = requireReader(m_sourcePath);
+        m_image = requirePicture(*m_reader);
         if (!saveImage())
             throwKey(kNotSaved);
         return true;

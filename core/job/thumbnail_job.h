@@ -23,6 +23,12 @@ constexpr ThrownKey kNotSaved{line::kNotSaved, key::kNotSaved, reason::kNotSaved
 constexpr FailureLine kJobFailed{line::kJobFailed, "getImage False", FailureLine::Rest::None,
                                  reason::kDamagedOrNoMemory};
 
+/// A new reader of the source file, by its suffix. Throws an error key when no format has that suffix.
+std::unique_ptr<FileReaderBase> requireReader(const QString& sourcePath);
+
+/// The picture of its file. Throws an error key when there is none, with the reason in the log.
+QImage requirePicture(FileReaderBase& reader);
+
 /// One thumbnail request for one source file: made, run once and destroyed by the extractor, on its thread.
 class ThumbnailJob
 {

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "host/check/drawing.h"
 
-#include "host/failure_reason.h"
 #include "host/qt_platform.h"
 #include "request/qt_bootstrap.h"
 
@@ -46,7 +45,7 @@ Finding noContext()
                                "which asks for it")
                     .arg(QGuiApplication::platformName())};
     if (openGlLacksDisplay())
-        return {Verdict::Fail, kOpenGl, QLatin1String(kOpenGlNeedsDisplay)};
+        return {Verdict::Note, kOpenGl, QStringLiteral("there is no display for it; models are drawn without it")};
     return {Verdict::Fail, kOpenGl,
             QStringLiteral("there is no OpenGL, so models have no thumbnails; a driver of the graphics "
                            "card's maker brings it")};

@@ -5,7 +5,7 @@
 #include "host/console.h"
 #include "host/options.h"
 #include "host/platform.h"
-#include "host/qt_platform.h"
+#include "host/renderer_setup.h"
 #include "host/run.h"
 
 #include <QtGlobal>
@@ -41,12 +41,13 @@ int run(const zr::Options& options)
     }
     if (qEnvironmentVariableIsEmpty("QT_LOGGING_RULES"))
         qInstallMessageHandler(dropWarnings);
-    const QString fault = zr::homeFault();
+    const bool usesDataFolder = options.dataFolderUse == zr::DataFolderUse::Usual;
+    const QString fault = usesDataFolder ? zr::homeFault() : QString();
     if (!fault.isEmpty()) {
         zr::printLine(stderr, QLatin1String("zrthumb: ") + fault);
         return kFailed;
     }
-    zr::chooseQtPlatform();
+    zr::setUpRenderer(options);
     return options.action == zr::Options::Action::RunChecks ? zr::runChecks() : zr::makeThumbnails(options);
 }
 

@@ -227,7 +227,17 @@ class FileReasonTest : public DataFolderTest
 protected:
     QString reasonOf(const QString& name, const QByteArray& bytes) const
     {
-        const RequestResult result = requestThumbnail(writeFile(m_folder.filePath(name), bytes), QString());
+        const QString path = writeFile(m_folder.filePath(name), bytes);
+        const QString reason = reasonOf(path, DataFolderUse::Usual);
+        if (!talksToServer()) {
+            EXPECT_EQ(reasonOf(path, DataFolderUse::None), reason);
+        }
+        return reason;
+    }
+
+    static QString reasonOf(const QString& path, DataFolderUse use)
+    {
+        const RequestResult result = requestThumbnail(path, QString(), use);
         EXPECT_TRUE(result.picture.isNull());
         return result.reason;
     }

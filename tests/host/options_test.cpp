@@ -28,6 +28,8 @@ TEST(OptionsTest, FilesAloneHaveTheDefaults)
     EXPECT_EQ(options.sizePx, 0);
     EXPECT_FALSE(options.recursive);
     EXPECT_FALSE(options.quiet);
+    EXPECT_EQ(options.renderer, Options::Renderer::Auto);
+    EXPECT_EQ(options.dataFolderUse, DataFolderUse::Usual);
 }
 
 TEST(OptionsTest, LongAndShortFormsMeanTheSame)
@@ -108,6 +110,20 @@ TEST(OptionsTest, CheckAcceptsNoOtherArguments)
         EXPECT_EQ(parse(more).action, Options::Action::RejectUsage);
         EXPECT_TRUE(parse(more).text.contains("--check stands alone"));
     }
+}
+
+// The server always draws with OpenGL, and always caches.
+TEST(OptionsTest, RendererAndCacheAreChosenWhereThereIsNoServer)
+{
+    if (talksToServer()) {
+        for (const QStringList& more : {QStringList{"--renderer", "auto"}, QStringList{"--no-cache", "-o", "x.png"}})
+            EXPECT_EQ(parse(more + QStringList("a.stl")).action, Options::Action::RejectUsage);
+        return;
+    }
+    EXPECT_EQ(parse({"--renderer", "auto", "a"}).renderer, Options::Renderer::Auto);
+    EXPECT_EQ(parse({"--renderer=opengl", "a"}).renderer, Options::Renderer::OpenGl);
+    EXPECT_EQ(parse({"--renderer", "software", "a"}).renderer, Options::Renderer::Software);
+    EXPECT_EQ(parse({"--no-cache", "-o", "x.png", "a"}).dataFolderUse, DataFolderUse::None);
 }
 
 TEST(OptionsTest, VersionIsOneLine)

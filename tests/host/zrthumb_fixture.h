@@ -26,11 +26,7 @@ protected:
 
     QString source(const QString& name, quint16 word = 0xF800) const
     {
-        samples::VrxParts parts;
-        parts.preview.width = 2;
-        parts.preview.height = 2;
-        parts.preview.data = samples::wordBytes({0, word, word, word});
-        return sourceOf(name, samples::vrxBytes(parts));
+        return sourceOf(name, samples::oneColourVrxBytes(word));
     }
 
     QString sourceOf(const QString& name, const QByteArray& bytes) const

@@ -169,26 +169,6 @@ TEST_F(ZrthumbTest, SliceFilesNeedNoDisplay)
     }
 }
 
-TEST_F(ZrthumbTest, ModelsWithoutADisplaySayWhatTheyNeed)
-{
-    m_environment.remove("QT_QPA_PLATFORM");
-    m_environment.remove("WAYLAND_DISPLAY");
-    m_environment.insert("DISPLAY", "");
-    for (const samples::SampleFile& sample : samples::sampleFiles()) {
-        const QString suffix = QFileInfo(sample.name).suffix();
-        if (suffix != "stl" && suffix != "obj" && suffix != "slc")
-            continue;
-        const QString path = sourceOf(sample.name, sample.make());
-        const ProgramRun outcome = run({path});
-        EXPECT_EQ(outcome.status, 1) << sample.name;
-        EXPECT_EQ(outcome.err,
-                  QStringList({"zrthumb: " + path +
-                               ": no thumbnail: OpenGL needs a display: run it in a graphical session, or as "
-                               "'xvfb-run zrthumb ...' (package xvfb)"}))
-            << sample.name;
-    }
-}
-
 TEST_F(ZrthumbTest, LogAndPathsFollowTheLocale)
 {
     const QString path = source(QString::fromUtf8("t\xc3\xbcr.vrx"));

@@ -24,7 +24,7 @@ using Variables = std::vector<std::pair<const char*, const char*>>;
 struct PlatformRow {
     const char* name;
     Variables variables;
-    bool usesDisplay;   ///< whether a display is used in the end
+    bool usesDisplay;   ///< in the end; otherwise models are drawn without OpenGL
     const char* unused; ///< the settings that the check reports; empty if none
     const char* names;  ///< their names
 };
@@ -107,8 +107,8 @@ TEST_P(PlatformSettingTest, ThumbnailsAreStillMade)
     EXPECT_EQ(slice.status, 0);
     EXPECT_EQ(slice.err, QStringList());
     const ProgramRun model = thumbnailOf("gear.stl");
-    EXPECT_EQ(model.status, GetParam().usesDisplay ? 0 : 1);
-    EXPECT_EQ(model.err.size(), GetParam().usesDisplay ? 0 : 1);
+    EXPECT_EQ(model.status, 0);
+    EXPECT_EQ(model.err, QStringList());
 }
 
 TEST_P(PlatformSettingTest, CheckReportsWhatDoesNotWork)
@@ -123,7 +123,8 @@ TEST_P(PlatformSettingTest, CheckReportsWhatDoesNotWork)
                                   "of where it is set")
                               .arg(GetParam().unused, GetParam().names));
     EXPECT_EQ(marked(run, "FAIL").filter("FAIL Qt:"), expected);
-    EXPECT_EQ(marked(run, "FAIL").filter("FAIL OpenGL:").isEmpty(), GetParam().usesDisplay);
+    EXPECT_EQ(marked(run, "FAIL").filter("FAIL OpenGL:"), QStringList());
+    EXPECT_EQ(marked(run, "note").filter("note OpenGL:").isEmpty(), GetParam().usesDisplay);
     EXPECT_EQ(run.status, marked(run, "FAIL").isEmpty() ? 0 : 1);
     EXPECT_TRUE(run.out.contains("ok   sample slice file: its thumbnail was made, and taken away again"));
 }
