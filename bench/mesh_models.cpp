@@ -122,19 +122,36 @@ private:
     bool m_ok;
 };
 
+void writeBinaryStlHeader(Output& out, int triangles)
+{
+    out.bytes(QByteArray(80, ' ').constData(), 80);
+    out.number(static_cast<quint32>(triangles));
+}
+
+void writeBinaryStlTriangle(Output& out, const Vertex& a, const Vertex& b, const Vertex& c)
+{
+    for (const Vertex& v : {normalOf(a, b, c), a, b, c})
+        out.vertex(v);
+    out.number(quint16{0});
+}
+
 } // namespace
+
+int writeOneTriangle(const QString& path)
+{
+    Output out(path);
+    writeBinaryStlHeader(out, 1);
+    writeBinaryStlTriangle(out, {10, 0, 0}, {0, 0, 10}, {0, 10, 0});
+    return out.finish() ? 1 : 0;
+}
 
 int writeBinaryStl(const QString& path, int triangles)
 {
     const Torus torus(triangles);
     Output out(path);
-    out.bytes(QByteArray(80, ' ').constData(), 80);
-    out.number(static_cast<quint32>(torus.triangles()));
-    torus.forEachTriangle([&out](const Vertex& a, const Vertex& b, const Vertex& c) {
-        for (const Vertex& v : {normalOf(a, b, c), a, b, c})
-            out.vertex(v);
-        out.number(quint16{0});
-    });
+    writeBinaryStlHeader(out, torus.triangles());
+    torus.forEachTriangle(
+        [&out](const Vertex& a, const Vertex& b, const Vertex& c) { writeBinaryStlTriangle(out, a, b, c); });
     return out.finish() ? torus.triangles() : 0;
 }
 

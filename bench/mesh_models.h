@@ -13,6 +13,9 @@ namespace zr::bench
 int writeBinaryStl(const QString& path, int triangles);
 int writeAsciiStl(const QString& path, int triangles);
 
+/// One triangle across the corner of a box, as a binary STL.
+int writeOneTriangle(const QString& path);
+
 enum class ObjFaces { Plain, Slashed };
 int writeObj(const QString& path, int triangles, ObjFaces faces);
 
