@@ -19,36 +19,10 @@ using Pipeline = RendererUnderTest::Pipeline;
 constexpr float kInfinity = std::numeric_limits<float>::infinity();
 constexpr float kNaN = std::numeric_limits<float>::quiet_NaN();
 
-QRgb rawPixel(const QImage& picture, int x, int y)
-{
-    return reinterpret_cast<const QRgb*>(picture.constScanLine(y))[x];
-}
-
-const std::vector<SampleSolid> kMeshes = sampleSolids({
-    {"PixelWidePlate",
-     [](SampleMesh& mesh) {
-         mesh.addBox({0, 0, 0}, {0.2F, 30, 40});
-     }},
-    {"EdgesOnPixelCentres",
-     [](SampleMesh& mesh) {
-         mesh.addBox({0, 0, 0}, {20.2F, 40, 20.2F});
-     }},
+const std::vector<SampleSolid> kMeshes = pictureSolids({
     {"HugeBox",
      [](SampleMesh& mesh) {
          mesh.addBox({-5000, -5000, -2000}, {5000, 5000, 0});
-     }},
-    {"FineSphere",
-     [](SampleMesh& mesh) {
-         mesh.addSphere({0, 0, 0}, 20, 90);
-     }},
-    {"SeveralChunks",
-     [](SampleMesh& mesh) {
-         mesh.addBox({0, 0, 0}, {10, 10, 10});
-         mesh.startChunk();
-         mesh.addSphere({5, 5, 15}, 5, 10);
-         mesh.startChunk();
-         mesh.startChunk();
-         mesh.addBox({-5, -5, -3}, {15, 15, 0});
      }},
 });
 

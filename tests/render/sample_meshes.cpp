@@ -211,4 +211,33 @@ std::vector<SampleSolid> sampleSolids(const std::vector<SampleSolid>& more)
     return solids;
 }
 
+std::vector<SampleSolid> pictureSolids(const std::vector<SampleSolid>& more)
+{
+    std::vector<SampleSolid> solids = sampleSolids({
+        {"PixelWidePlate",
+         [](SampleMesh& mesh) {
+             mesh.addBox({0, 0, 0}, {0.2F, 30, 40});
+         }},
+        {"EdgesOnPixelCentres",
+         [](SampleMesh& mesh) {
+             mesh.addBox({0, 0, 0}, {20.2F, 40, 20.2F});
+         }},
+        {"FineSphere",
+         [](SampleMesh& mesh) {
+             mesh.addSphere({0, 0, 0}, 20, 90);
+         }},
+        {"SeveralChunks",
+         [](SampleMesh& mesh) {
+             mesh.addBox({0, 0, 0}, {10, 10, 10});
+             mesh.startChunk();
+             mesh.addSphere({5, 5, 15}, 5, 10);
+             mesh.startChunk();
+             mesh.startChunk();
+             mesh.addBox({-5, -5, -3}, {15, 15, 0});
+         }},
+    });
+    solids.insert(solids.end(), more.begin(), more.end());
+    return solids;
+}
+
 } // namespace zr::test

@@ -63,6 +63,15 @@ struct SampleSolid {
 /// Solids of many sizes and places, a thin one, and one that is seen from its inside; then `more`.
 std::vector<SampleSolid> sampleSolids(const std::vector<SampleSolid>& more);
 
+/// The same, and some that are hard to draw or come in several chunks; then `more`.
+std::vector<SampleSolid> pictureSolids(const std::vector<SampleSolid>& more);
+
+/// The pixel as it is in memory, which QImage::pixel() converts where alpha is 0.
+inline QRgb rawPixel(const QImage& picture, int x, int y)
+{
+    return reinterpret_cast<const QRgb*>(picture.constScanLine(y))[x];
+}
+
 /// The reference picture of the mesh.
 QImage rasterise(const SampleMesh& mesh, Camera camera = Camera::Perspective);
 

@@ -36,19 +36,7 @@ Difference compare(const QImage& actual, const QImage& expected)
     return difference;
 }
 
-const std::vector<SampleSolid> kMeshes = sampleSolids({
-    {"PixelWidePlate",
-     [](SampleMesh& mesh) {
-         mesh.addBox({0, 0, 0}, {0.2F, 30, 40});
-     }},
-    {"EdgesOnPixelCentres",
-     [](SampleMesh& mesh) {
-         mesh.addBox({0, 0, 0}, {20.2F, 40, 20.2F});
-     }},
-    {"FineSphere",
-     [](SampleMesh& mesh) {
-         mesh.addSphere({0, 0, 0}, 20, 90);
-     }},
+const std::vector<SampleSolid> kMeshes = pictureSolids({
     {"FinerThanPixels",
      [](SampleMesh& mesh) {
          mesh.addSphere({0, 0, 0}, 20, 400);

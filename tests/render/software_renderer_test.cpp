@@ -43,11 +43,6 @@ SampleMesh meshOf(const SampleSolid& solid)
     return mesh;
 }
 
-QRgb rawPixel(const QImage& picture, int x, int y)
-{
-    return reinterpret_cast<const QRgb*>(picture.constScanLine(y))[x];
-}
-
 // The smallest rectangle with all pixels that are not quite transparent.
 QRect seenPart(const QImage& picture)
 {
@@ -59,20 +54,7 @@ QRect seenPart(const QImage& picture)
     return part;
 }
 
-const std::vector<SampleSolid> kMeshes = sampleSolids({
-    {"FineSphere",
-     [](SampleMesh& mesh) {
-         mesh.addSphere({0, 0, 0}, 20, 90);
-     }},
-    {"SeveralChunks",
-     [](SampleMesh& mesh) {
-         mesh.addBox({0, 0, 0}, {10, 10, 10});
-         mesh.startChunk();
-         mesh.addSphere({5, 5, 15}, 5, 10);
-         mesh.startChunk();
-         mesh.startChunk();
-         mesh.addBox({-5, -5, -3}, {15, 15, 0});
-     }},
+const std::vector<SampleSolid> kMeshes = pictureSolids({
     {"RandomTriangles", [](SampleMesh& mesh) { mesh.addRandomTriangles(500, 7); }},
 });
 
