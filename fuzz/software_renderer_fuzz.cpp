@@ -13,8 +13,9 @@ namespace
 {
 
 constexpr std::size_t kHeadBytes = 2;
-constexpr int kMaxSide = 80;
-constexpr int kMaxTriangles = 500;
+// Large enough for each way through the renderer, and small enough for thousands of pictures in a minute.
+constexpr int kMaxSide = 32;
+constexpr int kMaxTriangles = 50;
 
 using Box = std::array<float, 6>;
 
