@@ -8,8 +8,6 @@
 
 #include <QCoreApplication>
 
-#include <initializer_list>
-
 namespace zr
 {
 namespace
