@@ -23,7 +23,7 @@ set(ZR_FORMATS
 # What follows from it: lists, and texts for configure_file().
 set(ZR_READERS "")            # the stl, slc and so on of their file names
 set(ZR_SLICE_READERS "")      # those for slice files
-set(ZR_READER_HEADERS "")     # the includes of core/job/reader_table.cpp
+set(ZR_READER_HEADERS "")     # the includes of readers/reader_table.cpp
 set(ZR_READER_ROWS "")        # its rows
 set(ZR_REGISTERED_SUFFIXES "") # with their dots
 set(ZR_REGISTRY_KEYS "")      # the script's keys of the suffixes

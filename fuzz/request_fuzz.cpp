@@ -4,9 +4,9 @@
 // drawn, unless QT_QPA_PLATFORM names a platform with OpenGL.
 
 #include "core/data_location.h"
-#include "core/job/reader_table.h"
 #include "fuzz/preview_limits.h"
 #include "host/log_tail.h"
+#include "readers/reader_table.h"
 #include "request/thumbnail_extractor.h"
 
 #include <QDir>

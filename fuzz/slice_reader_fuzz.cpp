@@ -2,9 +2,9 @@
 // The reader of the suffix ZR_SUFFIX. An empty input means a missing file. The result is a square picture or none; it
 // may only throw because a file claims more memory than there is.
 
-#include "core/job/reader_table.h"
 #include "fuzz/input_file.h"
 #include "fuzz/preview_limits.h"
+#include "readers/reader_table.h"
 
 #include <cstdint>
 #include <cstdlib>

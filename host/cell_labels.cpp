@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "host/cell_labels.h"
 
-#include "host/console.h"
+#include "core/printable.h"
 
 #include <QDir>
 #include <QHash>

@@ -22,7 +22,4 @@ QString writeStdout(const QByteArray& bytes);
 /// Why something that was printed to stdout did not get there, in the system's words; empty when everything did.
 QString stdoutFault();
 
-/// The text without anything that a terminal would interpret: file names may contain line feeds and control sequences.
-QString printable(QString text);
-
 } // namespace zr

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "host/contact_sheet.h"
 
-#include "host/console.h"
+#include "core/printable.h"
 #include "host/platform.h"
 #include "host/sheet_text.h"
 

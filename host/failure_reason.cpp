@@ -2,47 +2,20 @@
 #include "host/failure_reason.h"
 
 #include "core/data_location.h"
-#include "core/job/reader_table.h"
 #include "core/job/thumbnail_job.h"
+#include "core/request_log.h"
 #include "host/cache_fault.h"
 #include "host/file_access.h"
 #include "host/log_tail.h"
 #include "host/qt_platform.h"
+#include "readers/reader_table.h"
 
 #include <QFileInfo>
-
-#include <algorithm>
 
 namespace zr
 {
 namespace
 {
-
-// What one request logged, and for which file.
-class RequestLog
-{
-public:
-    RequestLog(const QString& path, const QStringList& messages) : m_path(asLogged(path)), m_messages(messages) {}
-
-    bool isEmpty() const { return m_messages.isEmpty(); }
-
-    bool has(const FailureLine& line) const
-    {
-        return std::any_of(m_messages.cbegin(), m_messages.cend(),
-                           [&](const QString& message) { return isLine(message, line, m_path); });
-    }
-
-    // The reason of the first of `lines` that the log has; empty when it has none of them.
-    QLatin1String reasonAmong(const FailureLines& lines) const
-    {
-        const auto line = std::find_if(lines.cbegin(), lines.cend(), [this](const auto& row) { return has(row); });
-        return line == lines.cend() ? QLatin1String() : QLatin1String(line->reason);
-    }
-
-private:
-    QString m_path;
-    const QStringList& m_messages;
-};
 
 // Why there is nothing to read; empty when there is something.
 QString contentFault(const QFileInfo& file)
@@ -79,7 +52,7 @@ QString jobsReason(const RequestLog& log)
 QString failureReason(const QString& path, const QStringList& messages)
 {
     const QFileInfo file(path);
-    const RequestLog log(path, messages);
+    const RequestLog log(asLogged(path), messages);
     QString reason = sourceFault(path);
     if (reason.isEmpty())
         reason = contentFault(file);

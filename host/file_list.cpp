@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "host/file_list.h"
 
-#include "core/job/reader_table.h"
-#include "host/console.h"
+#include "core/printable.h"
 #include "host/folder_entries.h"
+#include "readers/reader_table.h"
 
 #include <QDir>
 #include <QFileInfo>

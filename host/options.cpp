@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "host/options.h"
 
-#include "core/job/reader_table.h"
 #include "host/thumbnail_client.h"
+#include "readers/reader_table.h"
 
 #include <QCommandLineParser>
 #include <QCoreApplication>

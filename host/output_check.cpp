@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: MIT
 #include "host/output_check.h"
 
-#include "core/job/reader_table.h"
-#include "host/console.h"
+#include "core/printable.h"
 #include "host/contact_sheet.h"
 #include "host/output_file.h"
 #include "host/platform.h"
+#include "readers/reader_table.h"
 
 #include <QFileInfo>
 

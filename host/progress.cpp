@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "host/progress.h"
 
+#include "core/printable.h"
 #include "host/console.h"
 #include "host/platform.h"
 #include "host/terminal.h"

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "host/qt_platform.h"
 
+#include "core/printable.h"
 #include "host/console.h"
 #include "host/platform.h"
 

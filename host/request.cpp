@@ -3,8 +3,8 @@
 
 #include "cache/cached_pictures.h"
 #include "core/data_location.h"
+#include "core/printable.h"
 #include "core/reasons.h"
-#include "host/console.h"
 #include "host/failure_reason.h"
 
 #include <QFileInfo>

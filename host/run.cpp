@@ -2,7 +2,7 @@
 #include "host/run.h"
 
 #include "cache/shared_pictures.h"
-#include "host/console.h"
+#include "core/printable.h"
 #include "host/contact_sheet.h"
 #include "host/file_list.h"
 #include "host/interruption.h"
@@ -10,7 +10,7 @@
 #include "host/output_file.h"
 #include "host/progress.h"
 #include "host/request.h"
-#include "host/visibility.h"
+#include "readers/visibility.h"
 
 #include <QFileInfo>
 

@@ -3,8 +3,8 @@
 
 #include "cache/cached_pictures.h"
 #include "core/data_location.h"
-#include "core/job/reader_table.h"
 #include "core/log_file.h"
+#include "readers/reader_table.h"
 
 #include <QDir>
 #include <QFileInfo>

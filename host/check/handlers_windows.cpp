@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "host/check/handlers.h"
 
-#include "core/job/reader_table.h"
+#include "readers/reader_table.h"
 #include "request/server_class.h"
 
 #include <QStringList>

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "host/check/report.h"
 
+#include "core/printable.h"
 #include "host/console.h"
 
 namespace zr

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 // The reasons that a user sees for files that are truncated, damaged or of another format than their names say.
 
-#include "core/job/reader_table.h"
 #include "host/request.h"
+#include "readers/reader_table.h"
 #include "tests/host/plain_words.h"
 #include "tests/support/data_folder_fixture.h"
 #include "tests/support/files.h"

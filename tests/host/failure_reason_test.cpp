@@ -3,10 +3,10 @@
 
 #include "cache/thumbnail_database.h"
 #include "core/data_location.h"
-#include "core/job/reader_table.h"
 #include "core/job/thumbnail_job.h"
 #include "core/log_file.h"
 #include "host/log_tail.h"
+#include "readers/reader_table.h"
 #include "tests/host/plain_words.h"
 #include "tests/support/data_folder_fixture.h"
 #include "tests/support/files.h"

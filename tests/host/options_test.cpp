@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "host/options.h"
 
-#include "core/job/reader_table.h"
+#include "readers/reader_table.h"
 #include "tests/support/qt_printers.h"
 
 #include <QRegularExpression>

@@ -2,7 +2,7 @@
 #include "tests/reliability/host_processes.h"
 
 #include "core/data_location.h"
-#include "core/job/reader_table.h"
+#include "readers/reader_table.h"
 #include "tests/support/files.h"
 #include "tests/support/qt_printers.h"
 #include "tools/samples/sample_files.h"

@@ -3,8 +3,8 @@
 
 #include "cache/thumbnail_database.h"
 #include "core/data_location.h"
-#include "core/job/reader_table.h"
 #include "core/log_file.h"
+#include "readers/reader_table.h"
 #include "request/thumbnail_extractor.h"
 #include "tests/support/files.h"
 #include "tests/support/qt_printers.h"

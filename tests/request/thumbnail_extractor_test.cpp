@@ -2,8 +2,8 @@
 #include "request/thumbnail_extractor.h"
 
 #include "core/data_location.h"
-#include "core/job/reader_table.h"
 #include "core/log_file.h"
+#include "readers/reader_table.h"
 #include "request/module_path.h"
 #include "tests/support/data_folder_fixture.h"
 #include "tests/support/files.h"

@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: MIT
 // Users' registries and caches depend on the table of formats.
 
-#include "core/job/reader_table.h"
 #include "readers/mesh/obj_file_thumbnail.h"
 #include "readers/mesh/slc_file_thumbnail.h"
 #include "readers/mesh/stl_file_thumbnail.h"
+#include "readers/reader_table.h"
 #include "readers/slice/fdg_file_thumbnail.h"
 #include "readers/slice/gf_file_thumbnail.h"
 #include "readers/slice/kestravo_file_thumbnail.h"

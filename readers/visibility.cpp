@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "host/visibility.h"
+#include "readers/visibility.h"
 
 #include <QFileInfo>
 

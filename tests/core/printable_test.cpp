@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "host/console.h"
+#include "core/printable.h"
 
 #include "tests/support/qt_printers.h"
 

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
-#include "core/job/reader_table.h"
+#include "readers/reader_table.h"
 
-#include "core/job/reader_headers.inc"
+#include "readers/reader_headers.inc"
 
 namespace zr
 {
@@ -24,7 +24,7 @@ struct ReaderRow {
 
 // The first row whose suffix matches wins.
 constexpr ReaderRow kReaderTable[] = {
-#include "core/job/reader_rows.inc"
+#include "readers/reader_rows.inc"
 };
 
 QStringList suffixesOf(bool (*isWanted)(const ReaderRow& row))
