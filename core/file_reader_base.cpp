@@ -36,6 +36,12 @@ QImage FileReaderBase::getImage()
     }
 }
 
+bool FileReaderBase::openSource()
+{
+    return m_descriptor == kNoDescriptor ? m_file.open(QIODevice::ReadOnly)
+                                         : m_file.open(m_descriptor, QIODevice::ReadOnly);
+}
+
 void FileReaderBase::fail(const ReadFailure& failure) const
 {
     logLine(failure.line.number, textOf(failure.line, m_filePath));

@@ -30,6 +30,10 @@ public:
     virtual ~FileReaderBase();
     Q_DISABLE_COPY(FileReaderBase)
 
+    /// Makes the reader read from an open descriptor of the source file, which stays the caller's, instead of opening
+    /// the file by its path. Before getImage().
+    void readFrom(int descriptor) { m_descriptor = descriptor; }
+
     /// Opens and parses the source file. Throws an error key.
     virtual void readFile() = 0;
 
@@ -41,6 +45,9 @@ public:
     virtual QImage getImage();
 
 protected:
+    /// Opens m_file for reading. False when that is not possible.
+    bool openSource();
+
     /// Logs the failure with its two lines and throws its key.
     [[noreturn]] void fail(const ReadFailure& failure) const;
 
@@ -56,6 +63,10 @@ protected:
     static const ErrorHandler m_errorHandlers[3];
 
 private:
+    static constexpr int kNoDescriptor = -1;
+
+    int m_descriptor = kNoDescriptor;
+
     void onFileOpenError(const QString& key);
     void onFileError(const QString& key);
     void handleError(const QString& key);

@@ -25,7 +25,7 @@ public:
         if (!m_valid)
             return;
         try {
-            if (!m_file.open(QIODevice::ReadOnly))
+            if (!openSource())
                 throwKey(m_lines.notOpened);
             m_mesh->parse(m_file);
         } catch (const QString& key) {

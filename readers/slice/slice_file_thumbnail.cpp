@@ -22,7 +22,7 @@ bool isValidSide(qint32 side)
 void SliceFileThumbnail::openFile(const ReadFailure& cannotOpen)
 {
     m_image = QImage();
-    if (!m_file.isOpen() && !m_file.open(QIODevice::ReadOnly))
+    if (!m_file.isOpen() && !openSource())
         fail(cannotOpen);
 }
 
