@@ -1,0 +1,7 @@
+// SPDX-License-Identifier: MIT
+#include "desktop/run.h"
+
+int main(int argc, char** argv)
+{
+    return zr::desktop::run(argc, argv);
+}
