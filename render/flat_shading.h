@@ -18,14 +18,19 @@ public:
     /// `toClipSpace` is what positions were transformed with, and `normalMatrix` the camera's.
     FlatShading(const QMatrix4x4& toClipSpace, const QMatrix3x3& normalMatrix);
 
-    /// The normal as the light sees it of the triangle with these nine floats. Zero for one without area.
-    Vec4 normalOf(const float* positions) const;
+    /// Where four triangles are seen, lane by lane.
+    struct Places {
+        std::array<const float*, 4> positions; ///< nine floats each
+        Vec4 x, y, z;                          ///< from -1 to 1
+    };
 
-    /// The opaque colour of a triangle with that normal at a place, x, y and z from -1 to 1.
-    QRgb colourAt(double x, double y, double z, Vec4 normal) const;
+    /// Their opaque colours.
+    std::array<QRgb, 4> coloursAt(const Places& places) const;
 
 private:
-    std::array<double, 16> m_fromClip; ///< column by column
+    Double4 cosinesAt(const Places& places) const;
+
+    std::array<double, 12> m_toLight; ///< row by row: takes a place to the way to the light, times what is positive
     std::array<Vec4, 3> m_normalColumns;
 };
 

@@ -26,30 +26,74 @@ struct Extent {
     }
 };
 
-Extent seenExtent(const ClipTransform& transform, const TriangleStream& stream)
+/// Finds the extent of what is seen of triangles.
+class ExtentSearch
 {
-    Extent extent;
-    for (const TriangleStream::Run& run : stream.runs()) {
-        const float* positions = run.positions;
-        for (quint32 i = 0; i < run.count; ++i, positions += kFloatsPerBareTriangle) {
-            const ClipTriangle clip(transform, positions);
-            if (!clip.isInside())
-                continue;
-            const Vec4 a = clip.a * clip.inverseW[0], b = clip.b * clip.inverseW[1], c = clip.c * clip.inverseW[2];
-            const Vec4 ab = b - a, ac = c - a;
-            if (ab[0] * ac[1] - ac[0] * ab[1] > 0.0F)
-                for (const Vec4 corner : {a, b, c})
-                    extent.include(corner);
-        }
+public:
+    ExtentSearch(const QMatrix4x4& camera, const QMatrix4x4& model)
+        : m_camera(camera), m_model(model), m_toClipSpace(camera, model), m_beyond(beyond())
+    {
     }
-    return extent;
-}
+
+    const Extent& extent() const { return m_extent; }
+
+    void include(const TriangleStream::Run& run)
+    {
+        const float* positions = run.positions;
+        for (quint32 i = 0; i < run.count; ++i, positions += kFloatsPerBareTriangle)
+            if (isBeyond(positions))
+                include(ClipTriangle(m_toClipSpace, positions));
+    }
+
+private:
+    /// Takes positions to how far, times w, they are to the right and to the left of the extent, above and below it.
+    /// That needs no division, and four numbers take no longer than two.
+    ClipTransform beyond() const
+    {
+        const Vec4 min = m_extent.min, max = m_extent.max;
+        const QMatrix4x4 distances(1.0F, 0.0F, 0.0F, -max[0], //
+                                   -1.0F, 0.0F, 0.0F, min[0], //
+                                   0.0F, 1.0F, 0.0F, -max[1], //
+                                   0.0F, -1.0F, 0.0F, min[1]);
+        return {distances * m_camera, m_model};
+    }
+
+    /// Whether any corner is, as nearly none are when most of a mesh has been looked at. Also for what is not a number.
+    bool isBeyond(const float* positions) const
+    {
+        const Vec4 a = m_beyond(loadVec4(positions)), b = m_beyond(loadVec4(positions + 3));
+        const Vec4 c = m_beyond(loadLastVec3(reinterpret_cast<const char*>(positions + 6)));
+        return !holdsInAll((a <= 0.0F) & (b <= 0.0F) & (c <= 0.0F));
+    }
+
+    void include(const ClipTriangle& clip)
+    {
+        if (!clip.isInside())
+            return;
+        const Vec4 a = clip.a * clip.inverseW[0], b = clip.b * clip.inverseW[1], c = clip.c * clip.inverseW[2];
+        const Vec4 ab = b - a, ac = c - a;
+        if (!(ab[0] * ac[1] - ac[0] * ab[1] > 0.0F))
+            return;
+        for (const Vec4 corner : {a, b, c})
+            m_extent.include(corner);
+        m_beyond = beyond();
+    }
+
+    QMatrix4x4 m_camera;
+    QMatrix4x4 m_model;
+    ClipTransform m_toClipSpace;
+    Extent m_extent;
+    ClipTransform m_beyond;
+};
 
 } // namespace
 
-QMatrix4x4 framingMatrix(const ClipTransform& toClipSpace, const TriangleStream& stream)
+QMatrix4x4 framingMatrix(const QMatrix4x4& camera, const QMatrix4x4& model, const TriangleStream& stream)
 {
-    const Extent extent = seenExtent(toClipSpace, stream);
+    ExtentSearch search(camera, model);
+    for (const TriangleStream::Run& run : stream.runs())
+        search.include(run);
+    const Extent& extent = search.extent();
     const Vec4 size = extent.max - extent.min;
     const float side = std::max(size[0], size[1]);
     QMatrix4x4 matrix;

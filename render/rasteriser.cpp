@@ -1,7 +1,11 @@
 // SPDX-License-Identifier: MIT
 #include "render/rasteriser.h"
 
+#include "render/depth_plane.h"
+#include "render/large_triangle.h"
 #include "render/polygon_clip.h"
+#include "render/small_triangle.h"
+#include "render/tiny_triangles.h"
 
 #include <algorithm>
 #include <optional>
@@ -9,200 +13,170 @@
 
 namespace zr
 {
-namespace
-{
-
-constexpr double kFarthest = Sample::kFarthest;
-
-/// The smallest whole number that is not less. For numbers within the range of int.
-int roundedUp(double number)
-{
-    const int towardsZero = static_cast<int>(number);
-    return towardsZero + (towardsZero < number ? 1 : 0);
-}
-
-/// An edge from its lower to its upper end.
-class Edge
-{
-public:
-    Edge() = default;
-
-    template <typename Corner>
-    Edge(const Corner& low, const Corner& high)
-        : m_x(low.x), m_y(low.y), m_dx(high.x - low.x), m_dy(static_cast<double>(high.y - low.y))
-    {
-    }
-
-    /// The first step at the height `y`, which is between the ends, that is not left of the edge.
-    ///
-    /// The product has at most 42 bits and is exact. A quotient that is not whole is at least 1 / m_dy away from the
-    /// next whole number, which no rounding error bridges.
-    int xAt(int y) const { return m_x + roundedUp(static_cast<double>(qint64{y - m_y} * m_dx) / m_dy); }
-
-private:
-    int m_x = 0;
-    int m_y = 0;
-    int m_dx = 0;
-    double m_dy = 1;
-};
-
-/// The sides of a triangle, by its height: the long one from its lowest to its highest corner, and the two that meet in
-/// the corner between.
-class Sides
-{
-public:
-    /// Counter-clockwise.
-    template <typename Corner>
-    Sides(const Corner& a, const Corner& b, const Corner& c)
-    {
-        std::array<const Corner*, 3> sorted = {&a, &b, &c};
-        const auto sortPair = [&](std::size_t first, std::size_t second) {
-            if (sorted[first]->y <= sorted[second]->y)
-                return;
-            std::swap(sorted[first], sorted[second]);
-            m_isLongLeft = !m_isLongLeft;
-        };
-        sortPair(0, 1);
-        sortPair(1, 2);
-        sortPair(0, 1);
-        m_middleY = sorted[1]->y;
-        m_long = Edge(*sorted[0], *sorted[2]);
-        m_lower = Edge(*sorted[0], *sorted[1]);
-        m_upper = Edge(*sorted[1], *sorted[2]);
-    }
-
-    /// The first step that is not left of the left side, and of the right one.
-    std::pair<int, int> at(int y) const
-    {
-        const int onLong = m_long.xAt(y);
-        const int onShort = (y < m_middleY ? m_lower : m_upper).xAt(y);
-        return m_isLongLeft ? std::pair(onLong, onShort) : std::pair(onShort, onLong);
-    }
-
-private:
-    bool m_isLongLeft = true; ///< as long as the corners are counter-clockwise in the order of their heights
-    int m_middleY = 0;
-    Edge m_long, m_lower, m_upper;
-};
-
-/// The depth as a function of the place, for one triangle. All of it is in single precision and starts from the corners
-/// before they were rounded, as in OpenGL's drivers: of faces that lie almost in each other, the same ones are seen.
-class DepthPlane
-{
-public:
-    template <typename Corner>
-    DepthPlane(const Corner& a, const Corner& b, const Corner& c)
-    {
-        const Vec4 ab = b.place - a.place;
-        const Vec4 bc = c.place - b.place;
-        const float scale = 1.0F / (bc[0] * ab[1] - bc[1] * ab[0]);
-        const float depth = depthOf(b);
-        const float depthAb = depth - depthOf(a);
-        const float depthBc = depthOf(c) - depth;
-        m_perX = depthBc * (ab[1] * scale) - depthAb * (bc[1] * scale);
-        m_perY = depthAb * (bc[0] * scale) - depthBc * (ab[0] * scale);
-        m_atOrigin = depth - (m_perX * (b.place[0] - kOrigin) + m_perY * (b.place[1] - kOrigin));
-    }
-
-    float at(int x, int y) const
-    {
-        return m_atOrigin + m_perX * (static_cast<float>(x) - kOrigin) + m_perY * (static_cast<float>(y) - kOrigin);
-    }
-
-private:
-    /// From 0 to 1.
-    template <typename Corner>
-    static float depthOf(const Corner& corner)
-    {
-        return static_cast<float>(double{corner.z} * 0.5 + 0.5);
-    }
-
-    static constexpr float kOrigin = kSubpixels * 0.5F; ///< the centre of the first pixel
-
-    float m_perX;
-    float m_perY;
-    float m_atOrigin;
-};
-
-/// As Sample::depth. For triangles with next to no area the depth may be anything, NaN too.
-quint32 inSteps(float depth)
-{
-    const double inside = depth < 1.0F ? double{std::max(depth, 0.0F)} : 1.0;
-    return static_cast<quint32>(roundedToInt(inside * kFarthest));
-}
-} // namespace
 
 Rasteriser::Rasteriser(const ClipTransform& toClipSpace, int side, const SamplePattern& pattern, SampleBand& band)
-    : m_transform(toClipSpace), m_pattern(pattern), m_scale{static_cast<float>(side) * 0.5F * kSubpixels,
-                                                            static_cast<float>(side) * 0.5F * kSubpixels, 0.5F, 0.0F},
-      m_band(band)
+    : m_transform(toClipSpace), m_pattern(pattern), m_scale(static_cast<float>(side) * 0.5F * kSubpixels), m_band(band)
 {
 }
 
 void Rasteriser::draw(const float* positions, quint32 first, quint32 count)
 {
-    for (quint32 i = 0; i < count; ++i, positions += 9) {
-        const ClipTriangle clip(m_transform, positions);
-        if (clip.isInside())
-            drawTriangle(toCorner(clip.a * clip.inverseW[0]), toCorner(clip.b * clip.inverseW[1]),
-                         toCorner(clip.c * clip.inverseW[2]), first + i);
-        else
-            drawClipped(clipped(clip.a, clip.b, clip.c), first + i);
+    constexpr std::size_t kFloats = 9;
+    quint32 drawn = 0;
+    for (; count - drawn >= 4; drawn += 4)
+        drawFour(positions + drawn * kFloats, first + drawn);
+    if (drawn == count)
+        return;
+    // The others have no area.
+    std::array<float, 4 * kFloats> last{};
+    std::copy(positions + drawn * kFloats, positions + count * kFloats, last.begin());
+    drawFour(last.data(), first + drawn);
+}
+
+void Rasteriser::drawFour(const float* positions, quint32 first)
+{
+    const FourClipTriangles clip(m_transform, positions);
+    const Vec4Mask areInside = clip.areInside();
+    drawInside(toCorners(clip.a, clip.inverseWOfA), toCorners(clip.b, clip.inverseWOfB),
+               toCorners(clip.c, clip.inverseWOfC), areInside, first);
+    for (unsigned lanes = lanesOf(~areInside); lanes != 0; lanes &= lanes - 1) {
+        const auto lane = static_cast<unsigned>(__builtin_ctz(lanes));
+        drawClipped(positions + std::size_t{9} * lane, first + lane);
     }
 }
 
-inline Rasteriser::Corner Rasteriser::toCorner(Vec4 device) const
+inline Rasteriser::Corners Rasteriser::toCorners(const ClipTransform::Points& points, Vec4 inverseW) const
 {
-    const Vec4 place = fusedMultiplyAddXy(device, m_scale, m_scale);
-    const std::array<int, 4> rounded = roundedToInts(place);
-    return {rounded[0], rounded[1], place, device[2]};
+    const Vec4 x = fusedMultiplyAdd(points.x * inverseW, m_scale, m_scale);
+    const Vec4 y = fusedMultiplyAdd(points.y * inverseW, m_scale, m_scale);
+    return {roundedToInts(x), roundedToInts(y), x, y, points.z * inverseW};
 }
 
-void Rasteriser::drawClipped(const ClippedPolygon& polygon, quint32 triangle)
+void Rasteriser::drawClipped(const float* positions, quint32 triangle)
 {
-    std::array<Corner, ClippedPolygon::kMaxCorners> corners;
-    for (std::size_t i = 0; i < polygon.size(); ++i) {
-        const auto& [x, y, z, w] = polygon[i];
-        // A corner in the eye itself has no place in the picture.
-        if (!(w > 0.0))
+    const Vec4 last = loadLastVec3(reinterpret_cast<const char*>(positions + 6));
+    const ClippedPolygon polygon =
+        clipped(m_transform(loadVec4(positions)), m_transform(loadVec4(positions + 3)), m_transform(last));
+    // A corner in the eye itself has no place in the picture.
+    for (std::size_t i = 0; i < polygon.size(); ++i)
+        if (!(polygon[i][3] > 0.0))
             return;
-        corners[i] =
-            toCorner(Vec4{static_cast<float>(x / w), static_cast<float>(y / w), static_cast<float>(z / w), 1.0F});
-    }
+    const auto corner = [&](std::size_t i) {
+        const ClipCorner& place = polygon[i];
+        const auto device = [&](std::size_t axis) { return Vec4{} + static_cast<float>(place[axis] / place[3]); };
+        return toCorners(ClipTransform::Points{device(0), device(1), device(2), Vec4{}}, Vec4{} + 1.0F);
+    };
     for (std::size_t i = 2; i < polygon.size(); ++i)
-        drawTriangle(corners[0], corners[i - 1], corners[i], triangle);
+        drawInside(corner(0), corner(i - 1), corner(i), Vec4Mask{-1, 0, 0, 0}, triangle);
 }
 
-void Rasteriser::drawTriangle(const Corner& a, const Corner& b, const Corner& c, quint32 triangle)
+inline void Rasteriser::drawInside(const Corners& a, const Corners& b, const Corners& c, Vec4Mask areDrawn,
+                                   quint32 first)
 {
-    const qint64 area = qint64{b.x - a.x} * (c.y - a.y) - qint64{c.x - a.x} * (b.y - a.y);
-    if (area <= 0)
+    const Vec4 ax = toFloats(a.x), bx = toFloats(b.x), cx = toFloats(c.x);
+    const Vec4 ay = toFloats(a.y), by = toFloats(b.y), cy = toFloats(c.y);
+    // Exact: the numbers are whole and small.
+    areDrawn &= toDouble4(bx - ax) * toDouble4(cy - ay) > toDouble4(cx - ax) * toDouble4(by - ay);
+    const Int4 lowest = m_pattern.rowsFrom(toInts(lesserOf(lesserOf(ay, by), cy)));
+    const Int4 highest = m_pattern.rowsFrom(toInts(greaterOf(greaterOf(ay, by), cy)));
+    const Int4 bandBegin = Int4{} + m_band.begin() * m_pattern.samples();
+    const Int4 bandEnd = Int4{} + m_band.end() * m_pattern.samples();
+    const Int4 beginRow = lowest > bandBegin ? lowest : bandBegin;
+    const Int4 endRow = highest < bandEnd ? highest : bandEnd;
+    areDrawn &= beginRow < endRow;
+    if (lanesOf(areDrawn) == 0)
         return;
-    const auto [leftX, rightX] = std::minmax({a.x, b.x, c.x});
-    const auto [lowY, highY] = std::minmax({a.y, b.y, c.y});
-    const int endRow = std::min(m_pattern.rowFrom(highY), m_band.end());
-    int row = std::max(m_pattern.rowFrom(lowY), m_band.begin());
-    if (row >= endRow)
-        return;
+    // What is not drawn may not have been a number.
+    const Int4 leftX = toInts(lesserOf(lesserOf(ax, bx), cx)) & areDrawn;
+    const Int4 rightX = toInts(greaterOf(greaterOf(ax, bx), cx)) & areDrawn;
+    const Places places{a, b, c, leftX, rightX, beginRow, endRow, first};
+    const Vec4Mask areTiny =
+        areDrawn & (rightX - leftX <= TinyTriangles::kMaxWidth) & (endRow - beginRow <= TinyTriangles::kMaxRows);
+    if (lanesOf(areTiny) != 0)
+        drawTiny(places, areTiny);
+    for (unsigned lanes = lanesOf(areDrawn & ~areTiny); lanes != 0; lanes &= lanes - 1) {
+        const Place place = places[__builtin_ctz(lanes)];
+        if (place.isSmall())
+            drawSmall(place);
+        else
+            drawLarge(place);
+    }
+}
 
-    const Sides sides(a, b, c);
+inline void Rasteriser::drawTiny(const Places& places, Vec4Mask areTiny)
+{
+    const auto& [a, b, c, leftX, rightX, beginRow, endRow, first] = places;
+    const TinyTriangles shapes(a, b, c);
+    const Int4 left = areTiny & leftX, right = areTiny & rightX, end = areTiny & endRow;
+    for (Int4 row = areTiny & beginRow; lanesOf(row < end) != 0; row += 1) {
+        const Int4 column = m_pattern.columnsFrom(left, row);
+        const Int4 x = m_pattern.xsOf(column, row), y = m_pattern.ysOf(row);
+        const Vec4Mask areHit = (row < end) & (x < right) & shapes.hold(x, y);
+        for (unsigned lanes = lanesOf(areHit); lanes != 0; lanes &= lanes - 1) {
+            const int lane = __builtin_ctz(lanes);
+            const DepthPlane depths(a[lane], b[lane], c[lane]);
+            m_band.sample(column[lane], row[lane]).add(depths.at(x[lane], y[lane]), first + static_cast<quint32>(lane));
+        }
+    }
+}
+
+inline bool Rasteriser::Place::isSmall() const
+{
+    const auto [lowY, highY] = std::minmax({a.y, b.y, c.y});
+    return rightX - leftX <= SmallTriangle::kMaxExtent && highY - lowY <= SmallTriangle::kMaxExtent;
+}
+
+void Rasteriser::drawSmall(const Place& place)
+{
+    const auto& [a, b, c, leftX, rightX, beginRow, endRow, triangle] = place;
+    const int cellWidthBits = m_pattern.cellWidthBits(), samplesPerCell = m_pattern.samplesPerCell();
+    const int beginCell = leftX >> cellWidthBits;
+    const int endCell = ((rightX - 1) >> cellWidthBits) + 1;
+    const int beginGroupRow = m_pattern.groupRowOf(beginRow);
+    const int endGroupRow = m_pattern.groupRowOf(endRow - 1) + 1;
+    const int beginY = m_pattern.cellRowOf(beginGroupRow) << kSubpixelBits;
+    const SmallTriangle shape(a, b, c, beginCell << cellWidthBits, beginY);
     std::optional<DepthPlane> depths;
-    for (; row < endRow; ++row) {
-        const int y = m_pattern.yOf(row);
-        if (m_pattern.columnFrom(leftX, row) >= m_pattern.columnFrom(rightX, row))
-            continue; // between two samples
-        const auto [left, right] = sides.at(y);
-        const int begin = m_pattern.columnFrom(left, row);
-        const int end = m_pattern.columnFrom(right, row);
-        if (begin >= end)
-            continue;
-        if (!depths)
-            depths.emplace(a, b, c);
-        Sample* const samples = m_band.row(row);
-        for (int column = begin; column < end; ++column) {
-            const quint32 depth = inSteps(depths->at(m_pattern.xOf(column, row), y));
-            if (depth < samples[column].depth)
-                samples[column] = {depth, triangle};
+    for (int groupRow = beginGroupRow; groupRow < endGroupRow; ++groupRow) {
+        const auto& [groupX, groupY] = m_pattern.placesInCell(groupRow);
+        const int y = m_pattern.cellRowOf(groupRow) << kSubpixelBits;
+        SmallTriangle::Row row(shape, groupX, groupY, y - beginY, 1 << cellWidthBits);
+        Sample* samples = m_band.group(beginCell, groupRow);
+        for (int cell = beginCell; cell < endCell; ++cell) {
+            const Vec4Mask isHit = row.areInside();
+            if (lanesOf(isHit) != 0) {
+                if (!depths)
+                    depths.emplace(a, b, c);
+                const Int4 depth =
+                    depths->at(groupX + static_cast<float>(cell << cellWidthBits), groupY + static_cast<float>(y));
+                addToSamples(samples, depth, triangle, isHit);
+            }
+            row.goToNextCell();
+            samples += samplesPerCell;
+        }
+    }
+}
+
+void Rasteriser::drawLarge(const Place& place)
+{
+    const auto& [a, b, c, leftX, rightX, beginRow, endRow, triangle] = place;
+    const int cellWidthBits = m_pattern.cellWidthBits(), samplesPerCell = m_pattern.samplesPerCell();
+    const LargeTriangle shape(a, b, c);
+    const DepthPlane depths(a, b, c);
+    const int endGroupRow = m_pattern.groupRowOf(endRow - 1) + 1;
+    for (int groupRow = m_pattern.groupRowOf(beginRow); groupRow < endGroupRow; ++groupRow) {
+        const auto& [groupX, groupY] = m_pattern.placesInCell(groupRow);
+        const Int4 rows = m_pattern.rowsOf(groupRow);
+        const Vec4 y = groupY + static_cast<float>(m_pattern.cellRowOf(groupRow) << kSubpixelBits);
+        const LargeTriangle::Spans spans = shape.spansAt(y, (rows >= beginRow) & (rows < endRow));
+        const Vec4 begin = toFloats(spans.begin), end = toFloats(spans.end);
+        const int beginCell = spans.leftmost() >> cellWidthBits;
+        const int endCell = ((spans.rightmost() - 1) >> cellWidthBits) + 1;
+        Sample* samples = m_band.group(beginCell, groupRow);
+        for (int cell = beginCell; cell < endCell; ++cell) {
+            const Vec4 x = groupX + static_cast<float>(cell << cellWidthBits);
+            addToSamples(samples, depths.at(x, y), triangle, (begin <= x) & (x < end));
+            samples += samplesPerCell;
         }
     }
 }

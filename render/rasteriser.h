@@ -8,8 +8,6 @@
 namespace zr
 {
 
-class ClippedPolygon;
-
 /// Finds what is seen in each sample of a picture, by OpenGL's rules: corners are rounded to a 256th of a pixel, a
 /// sample on an edge belongs to the triangle on its right or above it, what is not counter-clockwise is a back and is
 /// not seen, and the nearest triangle wins, of equals the first one.
@@ -27,18 +25,51 @@ public:
 private:
     /// Of a triangle in the picture.
     struct Corner {
-        int x, y;   ///< from the lower left corner of the picture, in steps of kSubpixels
-        Vec4 place; ///< x and y before they were rounded
-        float z;    ///< from -1, near, to 1
+        int x, y;             ///< from the lower left corner of the picture, in steps of kSubpixels
+        float exactX, exactY; ///< before they were rounded
+        float z;              ///< from -1, near, to 1
     };
 
-    Corner toCorner(Vec4 device) const;
-    void drawClipped(const ClippedPolygon& polygon, quint32 triangle);
-    void drawTriangle(const Corner& a, const Corner& b, const Corner& c, quint32 triangle);
+    /// A triangle whose corners are counter-clockwise, within x and rows of samples.
+    struct Place {
+        Corner a, b, c;
+        int leftX, rightX;
+        int beginRow, endRow;
+        quint32 triangle;
+
+        bool isSmall() const;
+    };
+
+    /// The same of four triangles, lane by lane.
+    struct Corners {
+        Int4 x, y;
+        Vec4 exactX, exactY, z;
+
+        Corner operator[](int lane) const { return {x[lane], y[lane], exactX[lane], exactY[lane], z[lane]}; }
+    };
+    struct Places {
+        Corners a, b, c;
+        Int4 leftX, rightX;
+        Int4 beginRow, endRow;
+        quint32 first; ///< the number of the first one
+
+        Place operator[](int lane) const
+        {
+            return {a[lane],      b[lane],        c[lane],      leftX[lane],
+                    rightX[lane], beginRow[lane], endRow[lane], first + static_cast<quint32>(lane)};
+        }
+    };
+    void drawFour(const float* positions, quint32 first);
+    void drawClipped(const float* positions, quint32 triangle);
+    Corners toCorners(const ClipTransform::Points& points, Vec4 inverseW) const;
+    void drawInside(const Corners& a, const Corners& b, const Corners& c, Vec4Mask areDrawn, quint32 first);
+    void drawTiny(const Places& places, Vec4Mask areTiny);
+    void drawSmall(const Place& place);
+    void drawLarge(const Place& place);
 
     const ClipTransform m_transform;
     const SamplePattern m_pattern;
-    const Vec4 m_scale; ///< takes x and y of clip space, divided by w, to Corner::place, and so does adding it
+    const float m_scale; ///< takes x and y of clip space, divided by w, to steps, and so does adding it
     SampleBand& m_band;
 };
 

@@ -4,6 +4,8 @@
 #include "render/flat_shading.h"
 #include "render/triangle_stream.h"
 
+#include <algorithm>
+
 namespace zr
 {
 namespace
@@ -11,83 +13,98 @@ namespace
 
 /// The channels of some opaque colours.
 struct ColourSum {
-    int count = 0;
+    int samples = 0;
     int red = 0;
     int green = 0;
     int blue = 0;
 
-    void add(QRgb colour)
+    void add(QRgb colour, int times)
     {
-        ++count;
-        red += qRed(colour);
-        green += qGreen(colour);
-        blue += qBlue(colour);
+        samples += times;
+        red += qRed(colour) * times;
+        green += qGreen(colour) * times;
+        blue += qBlue(colour) * times;
     }
 
     /// Of 2 to the power of `bits` samples, the other ones of which show nothing. Premultiplied.
     QRgb average(int bits) const
     {
         const auto rounded = [bits, half = (1 << bits) / 2](int sum) { return (sum + half) >> bits; };
-        return qRgba(rounded(red), rounded(green), rounded(blue), rounded(255 * count));
+        return qRgba(rounded(red), rounded(green), rounded(blue), rounded(255 * samples));
     }
 };
-
-/// From 0 to `steps` to the range of OpenGL's devices, -1 to 1.
-double toDevice(double step, double steps)
-{
-    return step / steps * 2.0 - 1.0;
-}
-
-bool isAnythingAt(const SampleBand& band, int column, int beginRow, int endRow)
-{
-    for (int row = beginRow; row < endRow; ++row)
-        if (band.row(row)[column].triangle != Sample::kNothing)
-            return true;
-    return false;
-}
 
 } // namespace
 
 void SampleResolver::resolve(const SampleBand& band)
 {
-    const int samples = m_pattern.samples();
-    for (int row = band.begin(); row < band.end(); row += samples) {
-        const int fromTop = m_picture.height() - 1 - row / samples;
-        auto* const pixels = reinterpret_cast<QRgb*>(m_picture.scanLine(fromTop));
-        for (int column = 0; column < band.width(); ++column)
-            if (isAnythingAt(band, column, row, row + samples))
-                pixels[column] = pixelAt(band, column, row);
+    for (int row = band.begin(); row < band.end(); ++row) {
+        m_parts.clear();
+        const Sample* samples = band.row(row);
+        for (int column = 0; column < band.width(); ++column, samples += m_pattern.samples())
+            findParts(samples, column, row);
+        shadeParts();
+        paintParts(reinterpret_cast<QRgb*>(m_picture.scanLine(m_picture.height() - 1 - row)));
     }
 }
 
-QRgb SampleResolver::pixelAt(const SampleBand& band, int column, int firstRow)
+inline void SampleResolver::findParts(const Sample* samples, int column, int row)
 {
-    ColourSum sum;
-    QRgb colour = 0;
-    quint32 triangle = Sample::kNothing;
-    for (int row = firstRow; row < firstRow + m_pattern.samples(); ++row) {
-        const Sample& sample = band.row(row)[column];
-        if (sample.triangle == Sample::kNothing)
+    quint32 previous = 0;
+    int* count = nullptr; // of the previous one
+    for (int i = 0; i < m_pattern.samples(); ++i) {
+        const auto& [triangle, depth] = samples[i];
+        if (samples[i].isNothing())
             continue;
-        // All that is seen of a triangle in a pixel has one colour.
-        if (sample.triangle != triangle) {
-            triangle = sample.triangle;
-            colour = colourOf(sample, column, row);
+        if (count && triangle == previous) {
+            ++*count;
+            continue;
         }
-        sum.add(colour);
+        const float* const positions = m_stream.positionsOf(triangle);
+        // A fine mesh's triangles are all over the memory; until the row is painted they are here.
+        __builtin_prefetch(positions);
+        __builtin_prefetch(positions + kFloatsPerBareTriangle - 1);
+        const int sampleRow = row * m_pattern.samples() + i;
+        m_parts.push_back({positions, column, m_pattern.xOf(column, sampleRow), m_pattern.yOf(sampleRow),
+                           static_cast<int>(depth - Sample::kNearest), 1, 0});
+        previous = triangle;
+        count = &m_parts.back().samples;
     }
-    return sum.average(m_pattern.sampleBits());
 }
 
-QRgb SampleResolver::colourOf(const Sample& sample, int column, int row)
+void SampleResolver::shadeParts()
 {
-    if (sample.triangle != m_triangle) {
-        m_triangle = sample.triangle;
-        m_normal = m_shading.normalOf(m_stream.positionsOf(m_triangle));
+    // From steps to the range of OpenGL's devices, -1 to 1.
+    const float scale = 2.0F / static_cast<float>(kSubpixels * m_picture.width());
+    constexpr float depthScale = 2.0F / Sample::kDepthSteps;
+    for (std::size_t begin = 0; begin < m_parts.size(); begin += 4) {
+        FlatShading::Places places{};
+        for (std::size_t i = 0; i < 4; ++i) {
+            // The last one may have to stand for others.
+            const Part& part = m_parts[std::min(begin + i, m_parts.size() - 1)];
+            places.positions[i] = part.positions;
+            places.x[i] = static_cast<float>(part.x);
+            places.y[i] = static_cast<float>(part.y);
+            places.z[i] = static_cast<float>(part.depth);
+        }
+        places.x = places.x * scale - 1.0F;
+        places.y = places.y * scale - 1.0F;
+        places.z = places.z * depthScale - 1.0F;
+        const std::array<QRgb, 4> colours = m_shading.coloursAt(places);
+        for (std::size_t i = 0; i < 4 && begin + i < m_parts.size(); ++i)
+            m_parts[begin + i].colour = colours[i];
     }
-    const double steps = double{kSubpixels} * m_picture.width();
-    return m_shading.colourAt(toDevice(m_pattern.xOf(column, row), steps), toDevice(m_pattern.yOf(row), steps),
-                              toDevice(sample.depth, Sample::kFarthest), m_normal);
+}
+
+void SampleResolver::paintParts(QRgb* pixels) const
+{
+    for (auto part = m_parts.cbegin(); part != m_parts.cend();) {
+        ColourSum sum;
+        const int column = part->column;
+        for (; part != m_parts.cend() && part->column == column; ++part)
+            sum.add(part->colour, part->samples);
+        pixels[column] = sum.average(m_pattern.sampleBits());
+    }
 }
 
 } // namespace zr

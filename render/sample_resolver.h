@@ -7,6 +7,8 @@
 
 #include <QImage>
 
+#include <vector>
+
 namespace zr
 {
 
@@ -24,18 +26,29 @@ public:
     {
     }
 
-    /// Paints the pixels of the band that are not all background. The band begins and ends with whole pixels.
+    /// Paints the pixels of the band that are not all background.
     void resolve(const SampleBand& band);
 
 private:
-    QRgb pixelAt(const SampleBand& band, int column, int firstRow);
-    QRgb colourOf(const Sample& sample, int column, int row);
+    /// What is seen of a triangle in a pixel; all of it has the colour of its first sample.
+    struct Part {
+        const float* positions;
+        int column;
+        int x, y;  ///< of that sample, in steps from the lower left corner of the picture
+        int depth; ///< in Sample::kDepthSteps
+        int samples;
+        QRgb colour;
+    };
+    void findParts(const Sample* samples, int column, int row);
+    void shadeParts();
+    void paintParts(QRgb* pixels) const;
 
     const FlatShading& m_shading;
     const TriangleStream& m_stream;
     const SamplePattern& m_pattern;
     QImage& m_picture;
-    quint32 m_triangle = Sample::kNothing; ///< the one of m_normal
+    std::vector<Part> m_parts;          ///< of one row of pixels, from left to right
+    const float* m_positions = nullptr; ///< of the triangle with m_normal
     Vec4 m_normal{};
 };
 

@@ -32,8 +32,7 @@ constexpr QRgb kWhiteWithoutAlpha = 0x00FFFFFF;
 
 int rowsPerBand(const SoftwareSettings& settings)
 {
-    const int pixelRows = kMaxBandSamples / (settings.sidePx * settings.samples);
-    return std::clamp(pixelRows, 1, settings.sidePx) * settings.samples;
+    return std::clamp(kMaxBandSamples / (settings.sidePx * settings.samples), 1, settings.sidePx);
 }
 
 QImage background(const SoftwareSettings& settings)
@@ -78,17 +77,16 @@ QImage SoftwareRenderer::draw(const TriangleChunks& chunks, const float* min, co
     const QMatrix4x4 model = unitBoxMatrix(min, max);
     QMatrix4x4 view = camera.mvpMatrix();
     if (m_settings.isFramed)
-        view = framingMatrix(ClipTransform(view, model), stream) * view;
+        view = framingMatrix(view, model, stream) * view;
 
     const SamplePattern pattern(m_settings.samples);
     const FlatShading shading(view * model, camera.normalMatrix());
     QImage picture = background(m_settings);
     SampleResolver resolver(shading, stream, pattern, picture);
-    SampleBand band(m_settings.sidePx, rowsPerBand(m_settings));
+    SampleBand band(pattern, m_settings.sidePx, rowsPerBand(m_settings));
     Rasteriser rasteriser(ClipTransform(view, model), m_settings.sidePx, pattern, band);
-    const int rows = m_settings.sidePx * m_settings.samples;
-    for (int begin = 0; begin < rows; begin = band.end()) {
-        band.start(begin, std::min(begin + rowsPerBand(m_settings), rows));
+    for (int begin = 0; begin < m_settings.sidePx; begin = band.end()) {
+        band.start(begin, std::min(begin + rowsPerBand(m_settings), m_settings.sidePx));
         for (const TriangleStream::Run& run : stream.runs())
             rasteriser.draw(run.positions, run.first, run.count);
         resolver.resolve(band);

@@ -186,7 +186,7 @@ TEST_F(ZrthumbnailerTest, OlderPictureSurvivesAFailure)
 // The back of a triangle.
 TEST_F(ZrthumbnailerTest, ModelOfWhichNothingIsSeenFails)
 {
-    write("back.obj", "v 0 0 0\nv 0 10 0\nv 10 0 0\nv 1 1 10\nf 1 3 2\n");
+    write("back.obj", "v 0 0 0\nv 0 10 0\nv 10 0 0\nf 1 2 3\n");
     const ProgramRun result = run({"back.obj", "out.png"});
     EXPECT_EQ(result.status, 1);
     ASSERT_EQ(result.err.size(), 1);

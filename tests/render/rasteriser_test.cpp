@@ -3,10 +3,14 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <array>
 #include <limits>
 #include <map>
+#include <optional>
 #include <random>
+#include <string>
+#include <tuple>
 #include <vector>
 
 namespace zr::test
@@ -44,36 +48,52 @@ std::vector<float> floatsOf(const Triangles& triangles)
     return floats;
 }
 
-// The samples from the bottom up, drawn in bands of `bandRows` rows.
-std::vector<Sample> drawn(const std::vector<float>& floats, const QMatrix4x4& matrix, int samples, int bandRows)
+// The samples of a picture, row by row from the bottom up.
+struct Picture {
+    std::vector<Sample> samples;
+    int side;
+
+    int count(quint32 triangle) const
+    {
+        return static_cast<int>(std::count_if(samples.begin(), samples.end(), [=](const Sample& sample) {
+            return !sample.isNothing() && sample.triangle == triangle;
+        }));
+    }
+
+    int countNothing() const
+    {
+        return static_cast<int>(
+            std::count_if(samples.begin(), samples.end(), [](const Sample& sample) { return sample.isNothing(); }));
+    }
+
+    // Empty when there is none.
+    std::optional<quint32> triangleAt(int column, int row) const
+    {
+        const Sample& sample = samples.at(static_cast<std::size_t>(row * side + column));
+        return sample.isNothing() ? std::nullopt : std::optional(sample.triangle);
+    }
+};
+
+// Drawn in bands of `bandRows` rows of pixels.
+Picture drawn(const std::vector<float>& floats, const QMatrix4x4& matrix, int side, int samples, int bandRows)
 {
     const SamplePattern pattern(samples);
-    SampleBand band(kSide, bandRows);
-    Rasteriser rasteriser(ClipTransform(matrix, QMatrix4x4()), kSide, pattern, band);
-    std::vector<Sample> result;
-    for (int begin = 0; begin < kSide * samples; begin += bandRows) {
-        band.start(begin, begin + bandRows);
+    SampleBand band(pattern, side, bandRows);
+    Rasteriser rasteriser(ClipTransform(matrix, QMatrix4x4()), side, pattern, band);
+    Picture result{{}, side};
+    for (int begin = 0; begin < side; begin = band.end()) {
+        band.start(begin, std::min(begin + bandRows, side));
         rasteriser.draw(floats.data(), 0, static_cast<quint32>(floats.size() / 9));
-        for (int row = begin; row < begin + bandRows; ++row)
-            result.insert(result.end(), band.row(row), band.row(row) + kSide);
+        for (int row = begin * samples; row < band.end() * samples; ++row)
+            for (int column = 0; column < side; ++column)
+                result.samples.push_back(band.sample(column, row));
     }
     return result;
 }
 
-std::vector<Sample> drawn(const Triangles& triangles, int samples = 1)
+Picture drawn(const Triangles& triangles, int samples = 1, int side = kSide)
 {
-    return drawn(floatsOf(triangles), pixelMatrix(kSide), samples, kSide * samples);
-}
-
-int count(const std::vector<Sample>& samples, quint32 triangle)
-{
-    return static_cast<int>(std::count_if(samples.begin(), samples.end(),
-                                          [=](const Sample& sample) { return sample.triangle == triangle; }));
-}
-
-quint32 triangleAt(const std::vector<Sample>& samples, int x, int y)
-{
-    return samples.at(static_cast<std::size_t>(y) * kSide + static_cast<std::size_t>(x)).triangle;
+    return drawn(floatsOf(triangles), pixelMatrix(side), side, samples, side);
 }
 
 struct CoverageCase {
@@ -88,7 +108,7 @@ class CoverageTest : public ::testing::TestWithParam<CoverageCase>
 
 TEST_P(CoverageTest, PixelsWhoseCentresAreInside)
 {
-    EXPECT_EQ(count(drawn({GetParam().triangle}), 0), GetParam().pixels);
+    EXPECT_EQ(drawn({GetParam().triangle}).count(0), GetParam().pixels);
 }
 
 INSTANTIATE_TEST_SUITE_P(
@@ -116,10 +136,10 @@ INSTANTIATE_TEST_SUITE_P(
 TEST(RasteriserTest, NearestWinsAndOfEqualsTheFirst)
 {
     const auto at = [](float z) { return Triangle{{{0, 0, z}, {16, 0, z}, {0, 16, z}}}; };
-    EXPECT_EQ(triangleAt(drawn({at(0.5F), at(0.25F), at(0.75F)}), 2, 2), 1U);
-    EXPECT_EQ(triangleAt(drawn({at(0.5F), at(0.5F)}), 2, 2), 0U);
+    EXPECT_EQ(drawn({at(0.5F), at(0.25F), at(0.75F)}).triangleAt(2, 2), 1U);
+    EXPECT_EQ(drawn({at(0.5F), at(0.5F)}).triangleAt(2, 2), 0U);
     // On the far plane, where the background is.
-    EXPECT_EQ(triangleAt(drawn({at(1.0F)}), 2, 2), Sample::kNothing);
+    EXPECT_EQ(drawn({at(1.0F)}).triangleAt(2, 2), std::nullopt);
 }
 
 TEST(RasteriserTest, TrianglesGoThroughEachOther)
@@ -127,8 +147,8 @@ TEST(RasteriserTest, TrianglesGoThroughEachOther)
     const Triangle rising{{{0, 0, 0}, {16, 0, 1}, {0, 16, 0}}};
     const Triangle level{{{0, 0, 0.5F}, {16, 0, 0.5F}, {0, 16, 0.5F}}};
     const auto samples = drawn({level, rising});
-    EXPECT_EQ(triangleAt(samples, 6, 0), 1U);
-    EXPECT_EQ(triangleAt(samples, 9, 0), 0U);
+    EXPECT_EQ(samples.triangleAt(6, 0), 1U);
+    EXPECT_EQ(samples.triangleAt(9, 0), 0U);
 }
 
 // Triangles that share sides and corners leave no hole and share no sample, wherever their corners are.
@@ -149,15 +169,83 @@ TEST_P(FanTest, EachSampleBelongsToOneTriangle)
             fan.push_back({hub, rim[i], rim[(i + 1) % rim.size()]});
         std::map<quint32, int> alone;
         for (std::size_t i = 0; i < fan.size(); ++i)
-            alone[static_cast<quint32>(i)] = count(drawn({fan[i]}, samples), 0);
+            alone[static_cast<quint32>(i)] = drawn({fan[i]}, samples).count(0);
         const auto together = drawn(fan, samples);
-        EXPECT_EQ(count(together, Sample::kNothing), 0);
+        EXPECT_EQ(together.countNothing(), 0);
         for (const auto& [triangle, pixels] : alone)
-            EXPECT_EQ(count(together, triangle), pixels);
+            EXPECT_EQ(together.count(triangle), pixels);
     }
 }
 
 INSTANTIATE_TEST_SUITE_P(Samples, FanTest, ::testing::Values(1, 2, 4, 8, 16));
+
+// Where the corners lie, and how far from each other at most, in steps.
+struct ExtentCase {
+    const char* name;
+    int extent;
+};
+
+class ExtentTest : public ::testing::TestWithParam<std::tuple<ExtentCase, int>>
+{
+};
+
+struct Steps {
+    int x, y;
+};
+
+// By whole numbers, for each sample on its own.
+bool holds(const std::array<Steps, 3>& triangle, int x, int y)
+{
+    for (std::size_t i = 0; i < 3; ++i) {
+        const Steps from = triangle.at(i), to = triangle.at((i + 1) % 3);
+        const int dx = to.x - from.x, dy = to.y - from.y;
+        const qint64 product = qint64{dx} * (y - from.y) - qint64{dy} * (x - from.x);
+        const bool belongs = dy < 0 || (dy == 0 && dx > 0);
+        if (product < 0 || (product == 0 && !belongs))
+            return false;
+    }
+    return true;
+}
+
+// Triangles of all sizes, which are drawn in different ways, show in the samples that they hold and in no other one.
+// Their corners often lie on the same line and on samples.
+TEST_P(ExtentTest, ShowsInTheSamplesThatItHolds)
+{
+    constexpr int side = 48;
+    const auto& [row, samples] = GetParam();
+    const SamplePattern pattern(samples);
+    const int extent = row.extent;
+    std::mt19937 random(7);
+    const auto upTo = [&](int most) { return std::uniform_int_distribution<int>(0, most)(random); };
+    int hits = 0;
+    for (int round = 0; round < 200; ++round) {
+        const int grain = round % 3 == 0 ? 16 : 1;
+        const Steps corner{upTo(side * kSubpixels - extent), upTo(side * kSubpixels - extent)};
+        std::array<Steps, 3> triangle{};
+        Triangle places{};
+        for (std::size_t i = 0; i < 3; ++i) {
+            triangle.at(i) = {(corner.x + upTo(extent)) / grain * grain, (corner.y + upTo(extent)) / grain * grain};
+            places.at(i) = {static_cast<float>(triangle.at(i).x) / kSubpixels,
+                            static_cast<float>(triangle.at(i).y) / kSubpixels};
+        }
+        const Picture picture = drawn({places}, samples, side);
+        for (int y = 0; y < side * samples; ++y)
+            for (int x = 0; x < side; ++x) {
+                const bool isHeld = holds(triangle, pattern.xOf(x, y), pattern.yOf(y));
+                ASSERT_EQ(picture.triangleAt(x, y).has_value(), isHeld) << round << ": " << x << ", " << y;
+                hits += isHeld ? 1 : 0;
+            }
+    }
+    EXPECT_GT(hits, 0);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Triangles, ExtentTest,
+    ::testing::Combine(::testing::Values(ExtentCase{"LessThanAPixel", 200}, ExtentCase{"APixel", 256},
+                                         ExtentCase{"SomePixels", 1500}, ExtentCase{"SmallestLarge", 4200},
+                                         ExtentCase{"WholePicture", 48 * 256}),
+                       ::testing::Values(1, 2, 4, 8, 16)),
+    [](const auto& row) { return std::string(std::get<0>(row.param).name) + std::to_string(std::get<1>(row.param)); });
 
 TEST(RasteriserTest, EachSampleOfAPixelHasARowAndAColumnOfItsOwn)
 {
@@ -182,15 +270,13 @@ TEST(RasteriserTest, BandsShowTheWholePicture)
     std::vector<float> floats(std::size_t{9} * 60);
     for (std::size_t i = 0; i < floats.size(); ++i)
         floats[i] = i % 3 == 2 ? place(random) / 20.0F : place(random);
-    const auto whole = drawn(floats, pixelMatrix(kSide), 4, kSide * 4);
-    EXPECT_LT(count(whole, Sample::kNothing), static_cast<int>(whole.size()) / 2);
-    for (const int rows : {4, 8, 16, 32}) {
-        const auto inBands = drawn(floats, pixelMatrix(kSide), 4, rows);
-        ASSERT_EQ(inBands.size(), whole.size());
-        for (std::size_t i = 0; i < whole.size(); ++i) {
-            EXPECT_EQ(inBands[i].triangle, whole[i].triangle);
-            EXPECT_EQ(inBands[i].depth, whole[i].depth);
-        }
+    const Picture whole = drawn(floats, pixelMatrix(kSide), kSide, 4, kSide);
+    EXPECT_LT(whole.countNothing(), static_cast<int>(whole.samples.size()) / 2);
+    for (const int rows : {1, 2, 3, 8}) {
+        const Picture inBands = drawn(floats, pixelMatrix(kSide), kSide, 4, rows);
+        ASSERT_EQ(inBands.samples.size(), whole.samples.size());
+        for (std::size_t i = 0; i < whole.samples.size(); ++i)
+            EXPECT_EQ(inBands.samples[i].bits(), whole.samples[i].bits());
     }
 }
 
@@ -199,8 +285,8 @@ TEST(RasteriserTest, CornersOutsideShowWhatIsInside)
 {
     const auto inside = drawn({{{{0, 0}, {16, 0}, {0, 16}}}, {{{16, 0}, {16, 16}, {0, 16}}}});
     const auto across = drawn({{{{-16, -16, 0}, {48, -16, 0}, {-16, 48, 0}}}});
-    EXPECT_EQ(count(inside, Sample::kNothing), 0);
-    EXPECT_EQ(count(across, Sample::kNothing), 0);
+    EXPECT_EQ(inside.countNothing(), 0);
+    EXPECT_EQ(across.countNothing(), 0);
 }
 
 TEST(RasteriserTest, WhatIsBehindTheEyeIsNotSeen)
@@ -208,14 +294,14 @@ TEST(RasteriserTest, WhatIsBehindTheEyeIsNotSeen)
     QMatrix4x4 perspective;
     perspective.perspective(90.0F, 1.0F, 0.01F, 1000.0F);
     const std::vector<float> behind = {-1, -1, 1, 1, -1, 1, 0, 1, 1};
-    EXPECT_EQ(count(drawn(behind, perspective, 1, kSide), 0), 0);
+    EXPECT_EQ(drawn(behind, perspective, kSide, 1, kSide).count(0), 0);
     // A floor that goes on below the eye and behind it fills the lower half.
     const std::vector<float> floor = {-1000, -1, 500, 1000, -1, 500, 0, -1, -900};
-    const auto samples = drawn(floor, perspective, 1, kSide);
+    const auto samples = drawn(floor, perspective, kSide, 1, kSide);
     for (int x = 0; x < kSide; ++x) {
-        EXPECT_EQ(triangleAt(samples, x, 0), 0U);
-        EXPECT_EQ(triangleAt(samples, x, 6), 0U);
-        EXPECT_EQ(triangleAt(samples, x, 8), Sample::kNothing);
+        EXPECT_EQ(samples.triangleAt(x, 0), 0U);
+        EXPECT_EQ(samples.triangleAt(x, 6), 0U);
+        EXPECT_EQ(samples.triangleAt(x, 8), std::nullopt);
     }
 }
 
@@ -224,9 +310,9 @@ TEST(RasteriserTest, MatricesThatAreNotFiniteShowNothing)
     for (const float number : {kNaN, kInfinity, -kInfinity}) {
         QMatrix4x4 matrix = pixelMatrix(kSide);
         matrix(0, 0) = number;
-        EXPECT_EQ(count(drawn(floatsOf({{{{0, 0}, {16, 0}, {0, 16}}}}), matrix, 1, kSide), 0), 0);
+        EXPECT_EQ(drawn(floatsOf({{{{0, 0}, {16, 0}, {0, 16}}}}), matrix, kSide, 1, kSide).count(0), 0);
     }
-    EXPECT_EQ(count(drawn(floatsOf({{{{0, 0}, {16, 0}, {0, 16}}}}), QMatrix4x4() * 0.0F, 1, kSide), 0), 0);
+    EXPECT_EQ(drawn(floatsOf({{{{0, 0}, {16, 0}, {0, 16}}}}), QMatrix4x4() * 0.0F, kSide, 1, kSide).count(0), 0);
 }
 
 } // namespace
