@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
-#include "desktop/kde/thumbnail_creator.h"
+// The plug-in for file managers of KDE.
 
+#include <KIO/ThumbnailCreator>
 #include <KPluginFactory>
 
 #include <QImage>
@@ -11,6 +12,18 @@
 
 namespace zr
 {
+
+/// Makes thumbnails for KDE's file managers by running zrthumbnailer. What a damaged file may do to that program stays
+/// in its process.
+class ThumbnailCreator : public KIO::ThumbnailCreator
+{
+    Q_OBJECT
+
+public:
+    using KIO::ThumbnailCreator::ThumbnailCreator;
+
+    KIO::ThumbnailResult create(const KIO::ThumbnailRequest& request) override;
+};
 
 K_PLUGIN_CLASS_WITH_JSON(ThumbnailCreator, "zrthumb_kde.json")
 
