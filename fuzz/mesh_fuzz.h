@@ -62,12 +62,12 @@ bool parses(MeshType& mesh, const QByteArray& input, int recordFloats)
     return parsed;
 }
 
-/// Parses the input on machines with too little memory. It either fails or needed no memory.
-template <typename MeshType>
-void parseWithoutMemory(const QByteArray& input, int recordFloats)
+/// Parses the input on machines with too little memory. It either fails or needed no memory. `settings` are the mesh's.
+template <typename MeshType, typename... Settings>
+void parseWithoutMemory(const QByteArray& input, int recordFloats, Settings... settings)
 {
     for (const MemoryProbe probe : {noMemory, scarceMemory}) {
-        MeshType mesh(ChunkLayout::PositionsAndNormals, probe);
+        MeshType mesh(ChunkLayout::PositionsAndNormals, settings..., probe);
         parses(mesh, input, recordFloats);
     }
 }

@@ -32,7 +32,7 @@ void compareStl(const QByteArray& input)
 
 void compareObj(const QByteArray& input)
 {
-    ObjMesh mesh(ChunkLayout::PositionsAndNormals, fuzz::endlessMemory);
+    ObjMesh mesh(ChunkLayout::PositionsAndNormals, ObjReading::Server, fuzz::endlessMemory);
     if (fuzz::parses(mesh, input, kFloatsPerTriangle))
         require(test::sameBits(test::cornersOf(mesh.chunks()), test::referenceObj(input).corners));
 }

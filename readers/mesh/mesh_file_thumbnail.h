@@ -54,7 +54,11 @@ protected:
 
     /// Makes the renderer, which exists even if OpenGL fails, and the mesh that suits it.
     void makeRenderer(bool perspective) { m_renderer = makeMeshRenderer(perspective); }
-    void makeMesh() { m_mesh = std::make_unique<MeshType>(m_renderer->chunkLayout()); }
+    template <typename... Settings>
+    void makeMesh(Settings... settings)
+    {
+        m_mesh = std::make_unique<MeshType>(m_renderer->chunkLayout(), settings...);
+    }
 
     QImage renderMesh()
     {
@@ -105,14 +109,16 @@ protected:
         return MeshFileThumbnail<MeshType>::withParts({kNotOpened, lines.failed});
     }
 
-    LoggedMeshThumbnail(const QString& filePath, bool perspective, const MakingLines& lines)
+    /// `settings` are those of the mesh.
+    template <typename... Settings>
+    LoggedMeshThumbnail(const QString& filePath, bool perspective, const MakingLines& lines, Settings... settings)
         : MeshFileThumbnail<MeshType>(filePath, {kNotOpened, kReadFailed})
     {
         try {
             logLine(lines.begun, QString());
             this->makeRenderer(perspective);
             logLine(lines.rendererMade, QString());
-            this->makeMesh();
+            this->makeMesh(settings...);
             logLine(lines.meshMade, QString());
         } catch (const QString&) {
             logLine(lines.failed);

@@ -14,7 +14,7 @@ public:
     /// The failures that it logs.
     static FailureLines failures() { return failuresWith(kLines); }
 
-    explicit ObjFileThumbnail(const QString& filePath) : LoggedMeshThumbnail(filePath, true, kLines) {}
+    explicit ObjFileThumbnail(const QString& filePath) : LoggedMeshThumbnail(filePath, true, kLines, objReading()) {}
 
 private:
     static constexpr MakingLines kLines{12, 14, 16, {18, "", FailureLine::Rest::None, reason::kOpenGlFailed}};

@@ -25,12 +25,17 @@ public:
         ++m_count;
     }
 
+    std::size_t count() const { return m_count; }
+
+    /// One of them.
+    Vec4 operator[](std::size_t index) const { return loadVec4(m_floats.data() + 3 * index); }
+
     /// The origin for an index that no position has.
     Vec4 at(qint32 index) const
     {
         if (index < 0 || static_cast<std::size_t>(index) >= m_count)
             return Vec4{};
-        return loadVec4(m_floats.data() + 3 * static_cast<std::size_t>(index));
+        return (*this)[static_cast<std::size_t>(index)];
     }
 
 private:

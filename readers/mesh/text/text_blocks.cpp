@@ -19,10 +19,10 @@ constexpr qint64 kBufferBytes = kTextPadding + TextBlocks::kBlockBytes + kTermin
 
 } // namespace
 
-TextBlocks::TextBlocks(QFile& file)
-    : m_file(file), m_memory(std::make_unique<char[]>(kBufferBytes)), m_buffer(m_memory.get() + kTextPadding),
-      m_rest(m_buffer), m_filled(m_rest), m_begin(m_rest), m_end(m_rest), m_position(file.pos()),
-      m_restPosition(m_position)
+TextBlocks::TextBlocks(QFile& file, LongLines longLines)
+    : m_file(file), m_longLines(longLines), m_memory(std::make_unique<char[]>(kBufferBytes)),
+      m_buffer(m_memory.get() + kTextPadding), m_rest(m_buffer), m_filled(m_rest), m_begin(m_rest), m_end(m_rest),
+      m_position(file.pos()), m_restPosition(m_position)
 {
 }
 
@@ -32,7 +32,7 @@ bool TextBlocks::next()
         if (takeLines())
             return true;
         if (m_rest == m_buffer && m_filled == m_rest + kBlockBytes)
-            return takeLongLine();
+            return m_longLines == LongLines::Condensed ? takeLongLine() : takePiece();
         if (!fill())
             return takeLastLine();
     }
@@ -69,8 +69,9 @@ bool TextBlocks::takeLines()
 
 bool TextBlocks::takeLastLine()
 {
-    if (m_rest == m_filled)
+    if (m_isAtEnd || (m_rest == m_filled && m_longLines == LongLines::Condensed))
         return false;
+    m_isAtEnd = true;
     m_filled[0] = '\0';
     m_filled[1] = '\n';
     m_begin = m_rest;
@@ -100,6 +101,17 @@ bool TextBlocks::takeLongLine()
     m_longLine.insert(0, kTextPadding, '\0').append(kTextPadding, '\0');
     m_begin = m_longLine.constData() + kTextPadding;
     m_end = m_longLine.constData() + m_longLine.size() - kTextPadding;
+    return true;
+}
+
+// The same, as it is.
+bool TextBlocks::takePiece()
+{
+    m_begin = m_rest;
+    m_end = m_filled;
+    m_position = m_restPosition;
+    m_restPosition += m_filled - m_rest;
+    m_rest = m_filled;
     return true;
 }
 

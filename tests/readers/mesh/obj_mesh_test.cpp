@@ -53,7 +53,7 @@ Failure failureOf(const QByteArray& content, MemoryProbe probe)
 {
     restartLog();
     SourceFile source(content);
-    ObjMesh mesh(ChunkLayout::PositionsAndNormals, probe);
+    ObjMesh mesh(ChunkLayout::PositionsAndNormals, ObjReading::Server, probe);
     try {
         mesh.parse(source.file());
     } catch (const QString& key) {
@@ -236,7 +236,7 @@ TEST_F(ObjMeshTest, MemoryIsAskedForEachFace)
 void expectChunks(ChunkLayout layout, int chunkTriangles)
 {
     SourceFile source(kPoints + QByteArray("f 0 1 2\n").repeated(chunkTriangles) + "f 3 1 2\n");
-    ObjMesh mesh(layout, muchMemory);
+    ObjMesh mesh(layout, ObjReading::Server, muchMemory);
     mesh.parse(source.file());
     ASSERT_EQ(mesh.chunks().size(), 2);
     const int floats = layout == ChunkLayout::PositionsAndNormals ? kFloatsPerTriangle : kFloatsPerBareTriangle;

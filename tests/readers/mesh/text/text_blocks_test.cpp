@@ -115,5 +115,37 @@ TEST(TextBlocksTest, CondensedLineHasTheTokensOfTheLine)
     }
 }
 
+TEST(TextBlocksTest, LongLineComesInPiecesIfAskedFor)
+{
+    const QByteArray longLine = QByteArray(2 * kBlock + 1000, 'x') + '\n';
+    const QByteArray content = "a\n" + longLine + "b\n" + longLine + "c";
+    SourceFile source(content);
+    TextBlocks blocks(source.file(), TextBlocks::LongLines::InPieces);
+    QByteArray joined;
+    int pieces = 0;
+    while (blocks.next()) {
+        EXPECT_EQ(blocks.position(), joined.size());
+        EXPECT_EQ(blocks.isPiece(), blocks.end()[-1] != '\n');
+        EXPECT_LT(blocks.begin(), blocks.end());
+        pieces += blocks.isPiece() ? 1 : 0;
+        joined += QByteArray(blocks.begin(), static_cast<int>(blocks.end() - blocks.begin()));
+    }
+    EXPECT_FALSE(blocks.next());
+    EXPECT_EQ(joined, content + kEndOfFile);
+    EXPECT_EQ(pieces, 4);
+}
+
+TEST(TextBlocksTest, PiecesAreFollowedByAnEmptyLineAtTheFilesEnd)
+{
+    for (const QByteArray& content : {QByteArray(), QByteArray("a\n"), QByteArray(kBlock, 'x')}) {
+        SourceFile source(content);
+        TextBlocks blocks(source.file(), TextBlocks::LongLines::InPieces);
+        QByteArray last;
+        while (blocks.next())
+            last = QByteArray(blocks.begin(), static_cast<int>(blocks.end() - blocks.begin()));
+        EXPECT_EQ(last, kEndOfFile);
+    }
+}
+
 } // namespace
 } // namespace zr::test
