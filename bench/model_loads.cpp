@@ -22,18 +22,24 @@ namespace zr::bench
 namespace
 {
 
-template <typename MeshType>
-qint64 load(const QString& path)
+// `settings` are those of the mesh.
+template <typename MeshType, typename... Settings>
+qint64 load(const QString& path, Settings... settings)
 {
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly))
         std::abort();
-    MeshType mesh(ChunkLayout::PositionsAndNormals);
+    MeshType mesh(ChunkLayout::PositionsAndNormals, settings...);
     mesh.parse(file);
     qint64 bytes = 0;
     for (const QVector<float>* chunk : mesh.chunks())
         bytes += chunk->size() * static_cast<qint64>(sizeof(float));
     return bytes;
+}
+
+qint64 loadStandardObj(const QString& path)
+{
+    return load<ObjMesh>(path, ObjReading::Standard);
 }
 
 void loadWithTinyObj(const QString& path)
@@ -75,6 +81,9 @@ const std::vector<ModelFormat>& modelFormats()
         {"ascii stl", writeAsciiStl, load<StlMesh>, false, 8.0, 8.0, nullptr, 0.0},
         {"obj", writePlainObj, load<ObjMesh>, false, 0.0, kObjExtraMiB, loadWithTinyObj, kObjPeerRatio},
         {"obj v-vt-vn", writeSlashedObj, load<ObjMesh>, false, 0.0, kObjExtraMiB, loadWithTinyObj, kObjPeerRatio},
+        {"obj standard", writePlainObj, loadStandardObj, false, 0.0, kObjExtraMiB, loadWithTinyObj, kObjPeerRatio},
+        {"obj standard v-vt-vn", writeSlashedObj, loadStandardObj, false, 0.0, kObjExtraMiB, loadWithTinyObj,
+         kObjPeerRatio},
         {"slc", writeSlc, load<SlcMesh>, true, 3.0, 8.0, nullptr, 0.0},
     };
     return formats;
