@@ -6,6 +6,7 @@
 #include "core/request_log.h"
 #include "desktop/source_file.h"
 #include "readers/mesh/memory_probe.h"
+#include "readers/mesh/obj_reading.h"
 #include "readers/reader_table.h"
 #include "readers/visibility.h"
 #include "render/renderer_choice.h"
@@ -77,6 +78,7 @@ Thumbnail makeThumbnail(const SourceFile& source, int sizePx)
     if (!supportedSuffixes().contains(source.suffix(), Qt::CaseInsensitive))
         return {{}, reason::kNotSupported};
     drawInSoftware(SoftwareSettings::smooth(sizePx));
+    readObjAs(ObjReading::Standard);
     try {
         const QImage picture = fitted(readPicture(source, path), sizePx);
         if (picture.isNull())

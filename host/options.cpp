@@ -57,6 +57,17 @@ std::optional<Options::Renderer> rendererOf(const QString& name)
     return std::nullopt;
 }
 
+constexpr char kServerReading[] = "server";
+
+std::optional<ObjReading> objReadingOf(const QString& name)
+{
+    if (name == QLatin1String(kServerReading))
+        return ObjReading::Server;
+    if (name == QLatin1String("standard"))
+        return ObjReading::Standard;
+    return std::nullopt;
+}
+
 struct CommandLine {
     CommandLine()
     {
@@ -68,7 +79,7 @@ struct CommandLine {
         if (talksToServer())
             parser.addOption(server);
         else
-            parser.addOptions({renderer, noCache});
+            parser.addOptions({renderer, obj, noCache});
         parser.addOptions({check, help, version});
     }
 
@@ -94,6 +105,10 @@ struct CommandLine {
                                       "Draw models with <WHICH>: opengl, software, which needs no display, or auto "
                                       "(the default), which is opengl where there is a display.",
                                       "WHICH", kAutoRenderer};
+    const QCommandLineOption obj{"obj",
+                                 "How to read OBJ files: <WHICH> is server (the default), or standard, as all other "
+                                 "programs do, which goes with -o or --sheet and leaves the cache alone.",
+                                 "WHICH", kServerReading};
     const QCommandLineOption noCache{"no-cache", "With -o or --sheet, leave the cache and the log alone."};
     const QCommandLineOption server{"dll", "Use the server in the DLL <PATH> without registration.", "PATH"};
     const QCommandLineOption check{"check", "Tell why no thumbnails show: check the installation and this machine."};
@@ -143,9 +158,13 @@ QString usageError(const CommandLine& line, const Options& options)
         return QStringLiteral("--size needs a number from 1 to %1").arg(kMaxSizePx);
     if (!talksToServer() && !rendererOf(line.parser.value(line.renderer)))
         return QStringLiteral("--renderer needs auto, opengl or software");
-    if (options.dataFolderUse == DataFolderUse::None && options.output.isEmpty() && options.sheet.isEmpty())
-        return QStringLiteral("--no-cache needs --output or --sheet: there is no other place for the picture");
-    return {};
+    if (!talksToServer() && !objReadingOf(line.parser.value(line.obj)))
+        return QStringLiteral("--obj needs server or standard");
+    if (options.dataFolderUse == DataFolderUse::Usual || !options.output.isEmpty() || !options.sheet.isEmpty())
+        return {};
+    if (options.objReading == ObjReading::Standard)
+        return QStringLiteral("--obj standard needs --output or --sheet: the cache holds the server's pictures only");
+    return QStringLiteral("--no-cache needs --output or --sheet: there is no other place for the picture");
 }
 
 } // namespace
@@ -173,7 +192,10 @@ Options parseOptions(const QStringList& arguments)
         options.server = line.parser.value(line.server);
     } else {
         options.renderer = rendererOf(line.parser.value(line.renderer)).value_or(Options::Renderer::Auto);
-        options.dataFolderUse = line.parser.isSet(line.noCache) ? DataFolderUse::None : DataFolderUse::Usual;
+        options.objReading = objReadingOf(line.parser.value(line.obj)).value_or(ObjReading::Server);
+        // The pictures in the cache are the server's.
+        const bool usesCache = !line.parser.isSet(line.noCache) && options.objReading == ObjReading::Server;
+        options.dataFolderUse = usesCache ? DataFolderUse::Usual : DataFolderUse::None;
     }
     const QString error = usageError(line, options);
     return error.isEmpty() ? options : reject(error);

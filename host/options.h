@@ -2,6 +2,7 @@
 #pragma once
 
 #include "host/thumbnail_client.h"
+#include "readers/mesh/obj_reading.h"
 
 #include <QString>
 #include <QStringList>
@@ -22,6 +23,7 @@ struct Options {
     int sizePx = 0;                     ///< side of the square that the output is fitted into; 0 leaves it as it is
     QString sheet;                      ///< PNG for the contact sheet; empty for none
     Renderer renderer = Renderer::Auto; ///< of models (Linux)
+    ObjReading objReading = ObjReading::Server; ///< any but the server's leaves the data folder alone (Linux)
     DataFolderUse dataFolderUse = DataFolderUse::Usual;
     QString server; ///< DLL to use without registration (Windows)
     bool recursive = false;

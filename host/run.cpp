@@ -21,6 +21,10 @@ namespace zr
 namespace
 {
 
+// Of faces in forms that only the standard reading of OBJ files understands.
+constexpr char kFacesNotUnderstood[] = ", which are not understood";
+constexpr char kFacesUnderstood[] = ": use '--obj standard' with -o or --sheet, which reads them";
+
 constexpr int kAllSucceeded = 0;
 constexpr int kSomeFailed = 1;
 constexpr int kWrongUsage = 2;
@@ -111,7 +115,8 @@ private:
         if (!m_options.quiet && !isPictureOnStdout && !result.pngPath.isEmpty())
             m_progress.print(stdout, result.pngPath);
         if (!m_options.quiet && isInvisible(result.picture))
-            printError(printable(file.shown) + QLatin1String(": ") + invisibilityReason(file.path));
+            printError(printable(file.shown) + QLatin1String(": ") +
+                       invisibilityReason(file.path, talksToServer() ? kFacesNotUnderstood : kFacesUnderstood));
         if (!m_options.output.isEmpty())
             write(fitted(result.picture, m_options.sizePx), m_options.output);
         if (m_sheet)
@@ -141,6 +146,7 @@ private:
 
 int makeThumbnails(const Options& options)
 {
+    readObjAs(options.objReading);
     Progress progress(options.quiet);
     const auto showFound = [&progress](std::size_t found) { progress.showListing(static_cast<int>(found)); };
     const FileList list = listFiles(options.files, options.recursive, showFound);

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "readers/visibility.h"
 
+#include "readers/mesh/obj_reading.h"
+
 #include <QFileInfo>
 
 #include <algorithm>
@@ -23,15 +25,15 @@ bool isInvisible(const QImage& picture)
     return true;
 }
 
-QString invisibilityReason(const QString& path)
+QString invisibilityReason(const QString& path, const char* aboutFaces)
 {
     const QString nothing = QStringLiteral("nothing can be seen in its thumbnail");
     const QString suffix = QFileInfo(path).suffix().toLower();
     // An index that is not a plain number counts as the first point, number 0.
-    if (suffix == QLatin1String("obj"))
-        return nothing + QStringLiteral("; mostly because its faces have slashes ('f 1/2/3') or negative numbers, "
-                                        "which are not understood");
-    if (suffix == QLatin1String("stl") || suffix == QLatin1String("slc"))
+    if (suffix == QLatin1String("obj") && objReading() == ObjReading::Server)
+        return nothing + QStringLiteral("; mostly because its faces have slashes ('f 1/2/3') or negative numbers") +
+               QLatin1String(aboutFaces);
+    if (suffix == QLatin1String("stl") || suffix == QLatin1String("slc") || suffix == QLatin1String("obj"))
         return nothing + QStringLiteral("; its triangles may have no area");
     return nothing + QStringLiteral("; the preview in it is empty");
 }

@@ -10,7 +10,8 @@ namespace zr
 /// Whether all of the picture is transparent.
 bool isInvisible(const QImage& picture);
 
-/// The likely reason for such a picture, by the file's suffix, one line for the user.
-QString invisibilityReason(const QString& path);
+/// The likely reason for such a picture, by the file's suffix and how OBJ files are read, one line for the user.
+/// `aboutFaces` is what the program can say of faces in forms that the server's reading does not understand.
+QString invisibilityReason(const QString& path, const char* aboutFaces = "");
 
 } // namespace zr

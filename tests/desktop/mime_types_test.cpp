@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Which types desktops see in our files, by the libraries that they ask: Qt for KDE, GLib for GNOME and Xfce.
 
-#include "core/job/reader_table.h"
+#include "readers/reader_table.h"
 #include "tests/support/files.h"
 #include "tests/support/program_run.h"
 #include "tests/support/qt_printers.h"

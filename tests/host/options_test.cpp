@@ -29,6 +29,7 @@ TEST(OptionsTest, FilesAloneHaveTheDefaults)
     EXPECT_FALSE(options.recursive);
     EXPECT_FALSE(options.quiet);
     EXPECT_EQ(options.renderer, Options::Renderer::Auto);
+    EXPECT_EQ(options.objReading, ObjReading::Server);
     EXPECT_EQ(options.dataFolderUse, DataFolderUse::Usual);
 }
 
@@ -116,7 +117,8 @@ TEST(OptionsTest, CheckAcceptsNoOtherArguments)
 TEST(OptionsTest, RendererAndCacheAreChosenWhereThereIsNoServer)
 {
     if (talksToServer()) {
-        for (const QStringList& more : {QStringList{"--renderer", "auto"}, QStringList{"--no-cache", "-o", "x.png"}})
+        for (const QStringList& more : {QStringList{"--renderer", "auto"}, QStringList{"--no-cache", "-o", "x.png"},
+                                        QStringList{"--obj", "server"}})
             EXPECT_EQ(parse(more + QStringList("a.stl")).action, Options::Action::RejectUsage);
         return;
     }
@@ -124,6 +126,24 @@ TEST(OptionsTest, RendererAndCacheAreChosenWhereThereIsNoServer)
     EXPECT_EQ(parse({"--renderer=opengl", "a"}).renderer, Options::Renderer::OpenGl);
     EXPECT_EQ(parse({"--renderer", "software", "a"}).renderer, Options::Renderer::Software);
     EXPECT_EQ(parse({"--no-cache", "-o", "x.png", "a"}).dataFolderUse, DataFolderUse::None);
+}
+
+TEST(OptionsTest, ObjIsReadAsTheServerDoesUnlessTheStandardIsChosen)
+{
+    if (talksToServer())
+        return;
+    for (const QStringList& more : {QStringList{}, QStringList{"--obj", "server"}}) {
+        EXPECT_EQ(parse(more + QStringList{"a"}).objReading, ObjReading::Server);
+        EXPECT_EQ(parse(more + QStringList{"a"}).dataFolderUse, DataFolderUse::Usual);
+        EXPECT_EQ(parse(more + QStringList{"--no-cache", "-o", "x.png", "a"}).dataFolderUse, DataFolderUse::None);
+    }
+    // It has no use for the cache, which holds the server's pictures.
+    for (const char* output : {"-o", "--sheet"}) {
+        const Options options = parse({"--obj=standard", output, "x.png", "a"});
+        EXPECT_EQ(options.action, Options::Action::MakeThumbnails);
+        EXPECT_EQ(options.objReading, ObjReading::Standard);
+        EXPECT_EQ(options.dataFolderUse, DataFolderUse::None);
+    }
 }
 
 TEST(OptionsTest, VersionIsOneLine)

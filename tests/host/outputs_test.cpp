@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // What zrthumb writes besides the cache: the files of --output and --sheet, and stdout.
 
+#include "host/thumbnail_client.h"
 #include "tests/host/zrthumb_fixture.h"
 #include "tests/support/program_run.h"
 #include "tests/support/qt_printers.h"
@@ -234,9 +235,12 @@ TEST_F(OutputsTest, InvisibleModelsAreReported)
     const ProgramRun outcome = run({slashed});
     EXPECT_EQ(outcome.status, 0);
     EXPECT_EQ(outcome.out, QStringList({png("s.objobj.png")}));
+    const QString whatToDo =
+        talksToServer() ? ", which are not understood" : ": use '--obj standard' with -o or --sheet, which reads them";
     EXPECT_EQ(outcome.err, QStringList({"zrthumb: " + slashed +
                                         ": nothing can be seen in its thumbnail; mostly because its faces have "
-                                        "slashes ('f 1/2/3') or negative numbers, which are not understood"}));
+                                        "slashes ('f 1/2/3') or negative numbers" +
+                                        whatToDo}));
     EXPECT_EQ(run({"-q", slashed}).err, QStringList());
     EXPECT_EQ(run({sourceOf("seen.obj", "v 0 0 0\nv 1 0 0\nv 0 1 0\nf 0 1 2\nf 0 2 1\n")}).err, QStringList());
 }

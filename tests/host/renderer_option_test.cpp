@@ -7,8 +7,6 @@
 #include "tests/support/unprivileged.h"
 #include "tools/samples/sample_files.h"
 
-#include <QDateTime>
-#include <QDirIterator>
 #include <QImage>
 
 namespace zr::test
@@ -115,21 +113,6 @@ TEST_F(RendererOptionTest, WithoutTheCacheAllFormatsHaveTheSamePicture)
         ASSERT_FALSE(direct.isNull());
         EXPECT_EQ(direct, cached);
     }
-}
-
-// Path, contents and time of all that is in the data folder.
-QStringList contentsOfDataFolder()
-{
-    QStringList contents;
-    QDirIterator each(dataFolder(), QDir::AllEntries | QDir::NoDotAndDotDot | QDir::Hidden,
-                      QDirIterator::Subdirectories);
-    while (each.hasNext()) {
-        const QFileInfo file(each.next());
-        contents += file.filePath() + ' ' + file.lastModified().toString(Qt::ISODateWithMs) + ' ' +
-                    QString::fromLatin1(file.isFile() ? readFile(file.filePath()).toHex() : QByteArray());
-    }
-    contents.sort();
-    return contents;
 }
 
 TEST_F(RendererOptionTest, NoCacheLeavesTheDataFolderAlone)

@@ -7,7 +7,9 @@
 #include "tests/support/program_run.h"
 #include "tools/samples/vrx_bytes.h"
 
+#include <QDateTime>
 #include <QDir>
+#include <QDirIterator>
 #include <QFileInfo>
 #include <QTemporaryDir>
 
@@ -42,6 +44,21 @@ protected:
     }
 
     static QString png(const QString& name) { return thumbnailImageFolder() + name; }
+
+    /// Path, time and bytes of all that is in the data folder.
+    static QStringList contentsOfDataFolder()
+    {
+        QStringList contents;
+        QDirIterator each(dataFolder(), QDir::AllEntries | QDir::NoDotAndDotDot | QDir::Hidden,
+                          QDirIterator::Subdirectories);
+        while (each.hasNext()) {
+            const QFileInfo file(each.next());
+            contents += file.filePath() + ' ' + file.lastModified().toString(Qt::ISODateWithMs) + ' ' +
+                        QString::fromLatin1(file.isFile() ? readFile(file.filePath()).toHex() : QByteArray());
+        }
+        contents.sort();
+        return contents;
+    }
 
     QTemporaryDir m_folder;
     QProcessEnvironment m_environment;
