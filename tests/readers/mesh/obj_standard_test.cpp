@@ -207,16 +207,25 @@ TEST_F(ObjStandardTest, ContinuedFacesMayLieAcrossTheBuffersEnd)
 TEST_F(ObjStandardTest, VertexLinesInAnyForm)
 {
     const QByteArray gap(2 * kBlock, ' ');
-    const char* const first[] = {"v 1 2 3", "V 1 2 3", " v\t+1 2.0 3e0 0.5", "v 1 2 3 1.0 0.5 0.25 0.125",
-                                 "v 1 2 3 # colour", "v 1 2 3#", "v 1 \\\n2 \\\n3", "v\\\n1 2 3",
-                                 // Whole with its third number.
-                                 "v 1 2 3 \\\nv 7 7 7", "\xEF\xBB\xBFv 1 2 3"};
+    const char* const first[] = {
+        "v 1 2 3",  "V 1 2 3",         " v\t+1 2.0 3e0 0.5", "v 1 2 3 1.0 0.5 0.25 0.125", "v 1 2 3 # colour",
+        "v 1 2 3#", "v 1 \\\n2 \\\n3", "v\\\n1 2 3",         "\xEF\xBB\xBFv 1 2 3"};
     for (const QByteArray line : first) {
         for (const QByteArray& lines : {line + '\n', line + "\r\n", QByteArray(line).replace(" ", gap) + '\n'}) {
             const QByteArray faces = "v 4 5 6\nv 7 8 9\nf 1 -2 -1\n";
             EXPECT_EQ(parsed(lines + faces), (std::vector<Vertex>{{1, 2, 3}, {4, 5, 6}, {7, 8, 9}}))
                 << line.constData();
         }
+    }
+}
+
+TEST_F(ObjStandardTest, VertexWithThreeNumbersDoesNotGoOn)
+{
+    for (const char* end : {"\\\n", " \\\n", " \\\r\n", " 1\\\n", " 1 \\\n"}) {
+        const QByteArray lines = QByteArray("v 1 2 3%1v 4 5 6%1v 7 8 9%1").replace("%1", end);
+        const std::vector<Vertex> expected = {{1, 2, 3}, {4, 5, 6}, {7, 8, 9}};
+        EXPECT_EQ(parsed(lines + "f 1 2 3\n"), expected) << end;
+        EXPECT_EQ(parsed(QByteArray(lines).replace(" ", QByteArray(kBlock, ' ')) + "f 1 2 3\n"), expected) << end;
     }
 }
 
