@@ -6,8 +6,8 @@
 namespace zr
 {
 
-/// Whether the file browser finds the server: its registration, its files, and the handlers of the suffixes. No
-/// findings on Linux, where there is only the host.
+/// Whether the file browser finds the program that makes the thumbnails: its registration, its files, and who makes the
+/// thumbnails of each suffix. On Windows that is the server, on Linux zrthumbnailer.
 Findings checkInstallation();
 
 } // namespace zr
