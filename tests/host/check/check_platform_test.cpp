@@ -174,7 +174,7 @@ TEST_F(NoPlugInTest, CheckReportsIt)
 {
     const ProgramRun outcome = run("--check");
     EXPECT_EQ(outcome.status, 1);
-    EXPECT_EQ(outcome.out, QStringList({QString("FAIL Qt: ") + kNoPlugIn, "1 problem found"}));
+    EXPECT_EQ(outcome.out, QStringList({kNotRegistered, QString("FAIL Qt: ") + kNoPlugIn, "1 problem found"}));
     EXPECT_EQ(outcome.err, QStringList());
 }
 

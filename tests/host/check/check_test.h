@@ -9,10 +9,12 @@
 namespace zr::test
 {
 
-/// A test of zrthumb --check in a data folder of its own.
+/// A test of zrthumb --check in a data folder of its own, on a machine whose file managers know nothing of us.
 class CheckTest : public DataFolderTest
 {
 protected:
+    void SetUp() override;
+
     ProgramRun check() const;
 
     /// Lets the checks that follow live by a FasterClock.
@@ -32,6 +34,9 @@ protected:
 
     /// The lines with that mark: "ok", "note" or "FAIL".
     static QStringList marked(const ProgramRun& run, const QString& mark);
+
+    /// The first line, since file managers know nothing of us.
+    static const QString kNotRegistered;
 
     static QString path(const QString& name);
 

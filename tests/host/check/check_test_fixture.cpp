@@ -44,6 +44,16 @@ QStringList rowsOfDatabase()
 
 } // namespace
 
+const QString CheckTest::kNotRegistered =
+    "note thumbnailer: zrthumb.thumbnailer is in none of the folders of data, so no file manager shows thumbnails: "
+    "install the package zrthumb";
+
+void CheckTest::SetUp()
+{
+    DataFolderTest::SetUp();
+    m_environment.insert("XDG_DATA_DIRS", m_folder.filePath("nothing-installed"));
+}
+
 ProgramRun CheckTest::check() const
 {
     return runProgram(QStringLiteral(ZRTHUMB_PROGRAM), {"--check"}, m_folder.path(), m_environment);
