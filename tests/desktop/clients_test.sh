@@ -6,6 +6,8 @@
 #   gnome  GNOME's library, which runs the program in its sandbox
 #   xfce   tumblerd, the service of Thunar
 #   kde    KIO's job for previews, with the installed plug-in (kde_previews_test)
+# And zrthumb finds out what they are told:
+#   check  zrthumb --check finds nothing to mend
 set -uo pipefail
 here=$(realpath "$(dirname "${BASH_SOURCE[0]}")")
 top=$(realpath "$here/../..")
@@ -42,8 +44,15 @@ check_xfce() { as_user /usr/bin/python3 "$work/tumbler_thumbnails.py" "$work/sam
 
 check_kde() { as_user "$work/kde_previews_test"; }
 
+check_check() {
+    as_user env -u QT_QPA_PLATFORM /usr/bin/zrthumb --check >"$work/lines" || { cat "$work/lines"; return 1; }
+    cat "$work/lines"
+    grep -qx 'ok   thumbnailer: /usr/share/thumbnailers/zrthumb.thumbnailer runs /usr/bin/zrthumbnailer' "$work/lines" &&
+        ! grep -qE '^(note|FAIL) (\.[a-z]+|KDE): ' "$work/lines"
+}
+
 failed=0
-for check in gnome xfce kde; do
+for check in gnome xfce kde check; do
     if "check_$check" >"$work/log" 2>&1; then echo "ok    $check"; else cat "$work/log"; echo "FAIL  $check"; failed=1; fi
 done
 exit $failed
