@@ -64,7 +64,11 @@ bool Thumbnailer::isOurs() const
 
 QStringList dataFolders()
 {
-    return QStandardPaths::standardLocations(QStandardPaths::GenericDataLocation);
+    QStringList folders = QStandardPaths::standardLocations(QStandardPaths::GenericDataLocation);
+    for (QString& folder : folders)
+        folder = QDir::cleanPath(folder);
+    folders.removeDuplicates();
+    return folders;
 }
 
 bool isOfUser(const QString& path)

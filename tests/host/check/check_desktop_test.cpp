@@ -164,6 +164,22 @@ TEST_F(CheckDesktopTest, FirstFolderOfDataCounts)
     expectLines({seenOnlyOutsideGnome(home() + kOurFile)});
 }
 
+TEST_F(CheckDesktopTest, FoldersOfDataMayBeWrittenInManyWays)
+{
+    const QString file = write(home() + "/thumbnailers/view.thumbnailer", kOtherProgram);
+    write(home() + kOurFile, readFile(kInstalled + kOurFile));
+    for (const QString& way : {home() + "/", home() + "//", m_folder.path() + "//home", home() + "/../home/."}) {
+        SCOPED_TRACE(way.toStdString());
+        m_environment.insert("XDG_DATA_HOME", way);
+        useSystem({home(), way, "relative", "", kInstalled + "/", kInstalled});
+        const QStringList lines = linesOfDesktop(check());
+        EXPECT_EQ(lines.value(0), seenOnlyOutsideGnome(home() + kOurFile));
+        EXPECT_TRUE(lines.value(1).endsWith(" by " + file + ": delete that file") ||
+                    lines.value(1).endsWith(" by " + file + ": if its pictures show, delete that file"))
+            << lines.value(1).toStdString();
+    }
+}
+
 TEST_F(CheckDesktopTest, ProgramThatIsNotInPathIsTold)
 {
     m_environment.insert("PATH", m_folder.path());
