@@ -54,6 +54,7 @@ expect "the begun one of them" inner inn
 case $name in
 zrthumb)
     expect "the renderers" $'auto\nopengl\nsoftware' --renderer ''
+    expect "the ways to read OBJ files" $'server\nstandard' --obj ''
     expect "more files after a file" "$readable" "a.$1" ''
     expect "a picture" a.png --sheet a.pn
     ;;
