@@ -15,6 +15,7 @@
 #include <QBuffer>
 #include <QFile>
 #include <QImageReader>
+#include <QLoggingCategory>
 #include <QSemaphore>
 #include <QThreadPool>
 
@@ -59,6 +60,8 @@ void prepareReading()
 {
     LogFile::instance()->keepInMemory();
     systemMemory();
+    // Its rules are read from a file at the first warning otherwise, even of those that are not printed.
+    QLoggingCategory::defaultCategory();
     // Looks for Qt's plug-ins.
     QBuffer nothing;
     nothing.open(QIODevice::ReadOnly);

@@ -183,6 +183,16 @@ TEST_F(ZrthumbnailerTest, OlderPictureSurvivesAFailure)
     EXPECT_EQ(readFile(file("out.png")), older);
 }
 
+// Qt reads its rules for warnings from a file before the first one, which would be the end. A negative offset in this
+// format makes it warn of a seek.
+TEST_F(ZrthumbnailerTest, WarningOfQtEndsNothing)
+{
+    write("negative.svgx", QByteArray(6000, '\xff'));
+    const ProgramRun result = run({"negative.svgx", "out.png"});
+    EXPECT_EQ(result.status, 0);
+    EXPECT_EQ(result.err, QStringList());
+}
+
 // The back of a triangle.
 TEST_F(ZrthumbnailerTest, ModelOfWhichNothingIsSeenFails)
 {
