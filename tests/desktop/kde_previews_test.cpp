@@ -1,46 +1,88 @@
 // SPDX-License-Identifier: MIT
-// Previews as Dolphin asks for them: a job of KIO, its worker process, the plug-in that this finds by the type of the
-// file, and zrthumbnailer.
+// Previews as Dolphin asks for them: a job of KIO, its worker process, the installed plug-in that this finds by the
+// type of the file, and zrthumbnailer. What they have to show is in the folder that make_client_cases.py has made;
+// clients_test.sh runs this.
 
 #include "tests/support/files.h"
 #include "tests/support/qt_printers.h"
-#include "tools/samples/sample_files.h"
 
 #include <KFileItem>
 #include <KIO/PreviewJob>
 
-#include <QDir>
+#include <QHash>
 #include <QImage>
-#include <QMap>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
 #include <QPixmap>
-#include <QTemporaryDir>
+#include <QTimer>
 
 #include <gtest/gtest.h>
+
+#include <cstdlib>
 
 namespace zr::test
 {
 namespace
 {
 
-// The size of each file's preview.
-QMap<QString, QSize> previews(const KFileItemList& files, QSize size, const QStringList& plugins)
+constexpr int kUsualSizePx = 256; // of files that have no picture
+constexpr int kTimeLimitMs = 120'000;
+
+struct Previews {
+    QHash<QString, QImage> pictures; // by path
+    QStringList failures;
+    bool isFinished = false;
+};
+
+Previews previews(const QStringList& paths, int sizePx)
 {
-    QMap<QString, QSize> sizes;
-    auto* job = new KIO::PreviewJob(files, size, &plugins);
-    QObject::connect(job, &KIO::PreviewJob::gotPreview,
-                     [&](const KFileItem& file, const QPixmap& picture) { sizes[file.name()] = picture.size(); });
+    Previews previews;
+    KFileItemList files;
+    for (const QString& path : paths)
+        files.append(KFileItem(QUrl::fromLocalFile(path)));
+    const QStringList plugins{"zrthumb_kde"};
+    auto* job = new KIO::PreviewJob(files, {sizePx, sizePx}, &plugins);
+    QObject::connect(job, &KIO::PreviewJob::gotPreview, [&](const KFileItem& file, const QPixmap& picture) {
+        previews.pictures[file.localPath()] = picture.toImage();
+    });
+    QObject::connect(job, &KIO::PreviewJob::failed,
+                     [&](const KFileItem& file) { previews.failures.append(file.localPath()); });
+    QTimer::singleShot(kTimeLimitMs, job, [job] { job->kill(KJob::EmitResult); });
     job->setIgnoreMaximumSize();
-    job->exec();
-    return sizes;
+    previews.isFinished = job->exec();
+    return previews;
 }
 
-class KdePreviewsTest : public ::testing::Test
+// The worker passes colours on that are multiplied by their alpha.
+bool areAlike(const QImage& first, const QImage& second)
+{
+    constexpr int kRounding = 2;
+    if (first.size() != second.size())
+        return false;
+    const QImage one = first.convertToFormat(QImage::Format_RGBA8888_Premultiplied);
+    const QImage other = second.convertToFormat(QImage::Format_RGBA8888_Premultiplied);
+    for (int y = 0; y < one.height(); ++y) {
+        for (int i = 0; i < 4 * one.width(); ++i) {
+            if (std::abs(one.constScanLine(y)[i] - other.constScanLine(y)[i]) > kRounding)
+                return false;
+        }
+    }
+    return true;
+}
+
+class KdePreviewsTest : public ::testing::TestWithParam<int>
 {
 protected:
-    // KIO's worker inherits it.
-    KdePreviewsTest() { qputenv("XDG_CACHE_HOME", m_cache.path().toUtf8()); }
+    void SetUp() override
+    {
+        ASSERT_NE(m_folder, "/") << "clients_test.sh runs this";
+        m_cases = QJsonDocument::fromJson(readFile(m_folder + "cases.json")).array();
+        ASSERT_GT(m_cases.size(), 0);
+    }
 
-    QTemporaryDir m_cache;
+    const QString m_folder = qEnvironmentVariable("ZRTHUMB_CLIENT_CASES") + '/';
+    QJsonArray m_cases;
 };
 
 TEST_F(KdePreviewsTest, DolphinKnowsThePluginAndUsesItUnlessToldOtherwise)
@@ -49,21 +91,31 @@ TEST_F(KdePreviewsTest, DolphinKnowsThePluginAndUsesItUnlessToldOtherwise)
     EXPECT_TRUE(KIO::PreviewJob::defaultPlugins().contains("zrthumb_kde"));
 }
 
-TEST_F(KdePreviewsTest, EverySampleFileHasAPreview)
+TEST_P(KdePreviewsTest, FilesShowTheirOwnPicturesAndDamagedOnesFail)
 {
-    const QTemporaryDir folder;
-    KFileItemList files;
-    for (const samples::SampleFile& sample : samples::sampleFiles())
-        files.append(KFileItem(QUrl::fromLocalFile(writeFile(folder.filePath(sample.name), sample.make()))));
-    files.append(KFileItem(QUrl::fromLocalFile(writeFile(folder.filePath("damaged.stl"), "solid"))));
-
-    const QMap<QString, QSize> sizes = previews(files, {256, 256}, {"zrthumb_kde"});
-    for (const samples::SampleFile& sample : samples::sampleFiles()) {
-        const QSize size = sizes.value(sample.name);
-        EXPECT_EQ(std::max(size.width(), size.height()), 256) << sample.name;
+    const int sizePx = GetParam();
+    QHash<QString, QString> expected; // the path of each file's picture, empty for none
+    for (const QJsonValue& row : m_cases) {
+        const QJsonObject pictures = row["pictures"].toObject();
+        const QString picture = pictures[QString::number(sizePx)].toString();
+        if (!picture.isEmpty() || (pictures.isEmpty() && sizePx == kUsualSizePx))
+            expected[m_folder + row["file"].toString()] = picture;
     }
-    EXPECT_FALSE(sizes.contains("damaged.stl"));
+    ASSERT_GT(expected.size(), 0);
+
+    const Previews shown = previews(expected.keys(), sizePx);
+    EXPECT_TRUE(shown.isFinished);
+    EXPECT_EQ(shown.pictures.size() + shown.failures.size(), expected.size());
+    for (auto row = expected.begin(); row != expected.end(); ++row) {
+        SCOPED_TRACE(row.key().toStdString());
+        EXPECT_EQ(shown.failures.contains(row.key()), row->isEmpty());
+        const QImage picture = row->isEmpty() ? QImage() : QImage(m_folder + *row);
+        EXPECT_TRUE(areAlike(shown.pictures.value(row.key()), picture));
+    }
 }
+
+INSTANTIATE_TEST_SUITE_P(Sizes, KdePreviewsTest, ::testing::Values(128, kUsualSizePx, 512),
+                         ::testing::PrintToStringParamName());
 
 } // namespace
 } // namespace zr::test
