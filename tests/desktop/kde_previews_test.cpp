@@ -95,7 +95,7 @@ TEST_P(KdePreviewsTest, FilesShowTheirOwnPicturesAndDamagedOnesFail)
 {
     const int sizePx = GetParam();
     QHash<QString, QString> expected; // the path of each file's picture, empty for none
-    for (const QJsonValue& row : m_cases) {
+    for (const auto& row : qAsConst(m_cases)) {
         const QJsonObject pictures = row["pictures"].toObject();
         const QString picture = pictures[QString::number(sizePx)].toString();
         if (!picture.isEmpty() || (pictures.isEmpty() && sizePx == kUsualSizePx))
