@@ -11,8 +11,6 @@ from gi.repository import GdkPixbuf, Gio  # noqa: E402 (the version comes first)
 
 # For what has no picture.
 USUAL_SIZE = 256
-# For one file: more than the program may take.
-TIME_LIMIT_S = 30
 
 
 class Case:
