@@ -20,6 +20,8 @@ namespace
 
 constexpr std::array<char, 8> kPngSignature = {'\x89', 'P', 'N', 'G', '\r', '\n', '\x1a', '\n'};
 
+constexpr char kIsInput[] = "this is INPUT itself; name the PNG to write";
+
 // As the shell's > makes them.
 constexpr mode_t kNewFileMode = 0666;
 
@@ -57,7 +59,7 @@ bool writeAll(int file, const char* bytes, std::size_t count)
 QByteArray TargetFile::open(const QByteArray& output, const SourceFile& source)
 {
     if (output == Options::kStdout)
-        return openStdout();
+        return openStdout(source);
     m_file = Descriptor(openForWriting(output));
     struct stat status = {};
     if (!m_file.isOpen() || fstat(m_file.number(), &status) != 0)
@@ -65,20 +67,22 @@ QByteArray TargetFile::open(const QByteArray& output, const SourceFile& source)
     m_descriptor = m_file.number();
     m_isRegular = S_ISREG(status.st_mode);
     if (source.isSame(status))
-        return refuse("this is INPUT itself; name the PNG to write");
+        return refuse(kIsInput);
     if (m_isRegular && !isEmptyOrPng(m_descriptor, status))
         return refuse("this file is no PNG, and is not overwritten");
     return {};
 }
 
-QByteArray TargetFile::openStdout()
+QByteArray TargetFile::openStdout(const SourceFile& source)
 {
     m_descriptor = STDOUT_FILENO;
     struct stat status = {};
     if (isatty(m_descriptor) == 1)
         return refuse("a picture is nothing for a terminal; lead it to a file or another program");
-    m_isRegular = fstat(m_descriptor, &status) == 0 && S_ISREG(status.st_mode);
-    return {};
+    if (fstat(m_descriptor, &status) != 0)
+        return "cannot be written: " + systemsWords(errno);
+    m_isRegular = S_ISREG(status.st_mode);
+    return source.isSame(status) ? refuse(kIsInput) : QByteArray();
 }
 
 QByteArray TargetFile::refuse(const QByteArray& reason)

@@ -27,7 +27,7 @@ public:
 
 private:
     QByteArray refuse(const QByteArray& reason);
-    QByteArray openStdout();
+    QByteArray openStdout(const SourceFile& source);
 
     Descriptor m_file;
     int m_descriptor = -1;

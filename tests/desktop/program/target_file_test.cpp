@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "desktop/target_file.h"
 
+#include "desktop/descriptor.h"
 #include "desktop/source_file.h"
 #include "tests/support/files.h"
 #include "tests/support/qt_printers.h"
@@ -10,11 +11,13 @@
 
 #include <gtest/gtest.h>
 
+#include <fcntl.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <csignal>
+#include <cstdio>
 
 namespace zr::desktop
 {
@@ -91,6 +94,20 @@ TEST_F(TargetFileTest, SourceIsNotOverwritten)
         EXPECT_EQ(target.open(path(name), m_source), "this is INPUT itself; name the PNG to write") << name;
         EXPECT_TRUE(target.isMistaken());
     }
+    EXPECT_EQ(bytes("part.stl"), "solid");
+}
+
+// As with "zrthumbnailer part.stl - >>part.stl".
+TEST_F(TargetFileTest, SourceIsNotOverwrittenThroughStdout)
+{
+    std::fflush(stdout);
+    const Descriptor stdoutBefore(dup(STDOUT_FILENO));
+    const Descriptor source(::open(path("part.stl").constData(), O_WRONLY | O_APPEND));
+    ASSERT_NE(dup2(source.number(), STDOUT_FILENO), -1);
+    const QByteArray reason = m_target.open("-", m_source);
+    ASSERT_NE(dup2(stdoutBefore.number(), STDOUT_FILENO), -1);
+    EXPECT_EQ(reason, "this is INPUT itself; name the PNG to write");
+    EXPECT_TRUE(m_target.isMistaken());
     EXPECT_EQ(bytes("part.stl"), "solid");
 }
 
