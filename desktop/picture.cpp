@@ -26,6 +26,9 @@ namespace zr::desktop
 namespace
 {
 
+// The machine's, or what the process may have of it.
+constexpr char kNoMemory[] = "there is not enough memory for it; see --memory-limit";
+
 // From its own reader, or null with the reason in the log of this thread.
 QImage readPicture(const SourceFile& source, const QString& path)
 {
@@ -44,6 +47,8 @@ QByteArray failureReason(const SourceFile& source, const QString& path)
         return "the file is empty";
     const RequestLog log(path, LogFile::instance()->keptLines());
     const QLatin1String reason = log.reasonAmong(readerFailures(source.suffix()));
+    if (reason == QLatin1String(reason::kMemoryShort))
+        return kNoMemory;
     return reason.isEmpty() ? QByteArray(reason::kDamagedOrNoMemory) : QByteArray(reason.data(), reason.size());
 }
 
@@ -90,7 +95,7 @@ Thumbnail makeThumbnail(const SourceFile& source, int sizePx)
             return {{}, invisibilityReason(path).toUtf8()};
         return {picture, {}};
     } catch (const std::bad_alloc&) {
-        return {{}, reason::kMemoryShort};
+        return {{}, kNoMemory};
     } catch (const std::exception&) {
         return {{}, reason::kDamagedOrNoMemory};
     }

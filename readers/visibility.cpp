@@ -34,7 +34,7 @@ QString invisibilityReason(const QString& path, const char* aboutFaces)
         return nothing + QStringLiteral("; mostly because its faces have slashes ('f 1/2/3') or negative numbers") +
                QLatin1String(aboutFaces);
     if (suffix == QLatin1String("stl") || suffix == QLatin1String("slc") || suffix == QLatin1String("obj"))
-        return nothing + QStringLiteral("; its triangles may have no area");
+        return nothing + QStringLiteral("; its triangles may have no area, or face away");
     return nothing + QStringLiteral("; the preview in it is empty");
 }
 

@@ -107,8 +107,9 @@ TEST_F(ObjOptionTest, HintLeadsToThePicture)
 TEST_F(ObjOptionTest, HintIsNotGivenToWhoFollowedIt)
 {
     const QString path = sourceOf("line.obj", kBoxPoints + "f 1 2 1\n");
-    pictureOf(path, {"--obj", "standard"},
-              {"zrthumb: " + path + ": nothing can be seen in its thumbnail; its triangles may have no area"});
+    pictureOf(
+        path, {"--obj", "standard"},
+        {"zrthumb: " + path + ": nothing can be seen in its thumbnail; its triangles may have no area, or face away"});
 }
 
 TEST_F(ObjOptionTest, FailuresAreToldInTheSameWords)

@@ -226,7 +226,8 @@ TEST_F(ZrthumbnailerTest, ModelBeyondTheMemoryLimitFails)
     write("many.stl", samples::binaryStlBytes(std::vector<samples::ModelTriangle>(3000000)));
     const ProgramRun result = run({"--memory-limit", "160", "many.stl", "out.png"});
     EXPECT_EQ(result.status, 1);
-    EXPECT_EQ(result.err, QStringList("zrthumbnailer: many.stl: no thumbnail: the machine is short of memory"));
+    EXPECT_EQ(result.err, QStringList("zrthumbnailer: many.stl: no thumbnail: there is not enough memory for it; "
+                                      "see --memory-limit"));
 }
 
 TEST_F(ZrthumbnailerTest, WorksWithoutAnyStandardStream)
