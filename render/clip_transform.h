@@ -35,6 +35,15 @@ public:
                m_columns[2] * broadcast<2>(placed) + m_columns[3];
     }
 
+    /// The greatest x, y, z and w of what lies in the box from `min` to `max`.
+    Vec4 greatestIn(Vec4 min, Vec4 max) const
+    {
+        const Vec4 a = min * m_scale + m_translation, b = max * m_scale + m_translation;
+        return greaterOf(m_columns[0] * broadcast<0>(a), m_columns[0] * broadcast<0>(b)) +
+               greaterOf(m_columns[1] * broadcast<1>(a), m_columns[1] * broadcast<1>(b)) +
+               greaterOf(m_columns[2] * broadcast<2>(a), m_columns[2] * broadcast<2>(b)) + m_columns[3];
+    }
+
     /// Four points, lane by lane.
     struct Points {
         Vec4 x, y, z, w;

@@ -14,7 +14,7 @@ namespace
 
 constexpr float kMargin = 0.04F; ///< of the side
 
-/// What lies between the two; only x and y count.
+/// What lies between the two.
 struct Extent {
     Vec4 min = Vec4{} + std::numeric_limits<float>::max();
     Vec4 max = Vec4{} + std::numeric_limits<float>::lowest();
@@ -39,10 +39,9 @@ public:
 
     void include(const TriangleStream::Run& run)
     {
-        const float* positions = run.positions;
-        for (quint32 i = 0; i < run.count; ++i, positions += kFloatsPerBareTriangle)
-            if (isBeyond(positions))
-                include(ClipTriangle(m_toClipSpace, positions));
+        for (quint32 first = 0; first < run.count; first += kBlock)
+            includeBlock(run.positions + std::size_t{first} * kFloatsPerBareTriangle,
+                         std::min(run.count - first, kBlock));
     }
 
 private:
@@ -58,7 +57,30 @@ private:
         return {distances * m_camera, m_model};
     }
 
-    /// Whether any corner is, as nearly none are when most of a mesh has been looked at. Also for what is not a number.
+    /// Triangles that follow each other mostly lie side by side, and nearly no block goes beyond when some of a mesh
+    /// have been looked at.
+    void includeBlock(const float* positions, quint32 count)
+    {
+        const Extent box = boxOf(positions, count);
+        if (holdsInAll(m_beyond.greatestIn(box.min, box.max) <= 0.0F))
+            return;
+        for (quint32 i = 0; i < count; ++i, positions += kFloatsPerBareTriangle)
+            if (isBeyond(positions))
+                include(ClipTriangle(m_toClipSpace, positions));
+    }
+
+    static Extent boxOf(const float* positions, quint32 count)
+    {
+        Extent box;
+        for (quint32 i = 0; i < count; ++i, positions += kFloatsPerBareTriangle) {
+            box.include(loadVec4(positions));
+            box.include(loadVec4(positions + 3));
+            box.include(loadLastVec3(reinterpret_cast<const char*>(positions + 6)));
+        }
+        return box;
+    }
+
+    /// Whether any corner is. Also for what is not a number.
     bool isBeyond(const float* positions) const
     {
         const Vec4 a = m_beyond(loadVec4(positions)), b = m_beyond(loadVec4(positions + 3));
@@ -78,6 +100,8 @@ private:
             m_extent.include(corner);
         m_beyond = beyond();
     }
+
+    static constexpr quint32 kBlock = 64; ///< triangles
 
     QMatrix4x4 m_camera;
     QMatrix4x4 m_model;

@@ -47,9 +47,7 @@ private:
     const TriangleStream& m_stream;
     const SamplePattern& m_pattern;
     QImage& m_picture;
-    std::vector<Part> m_parts;          ///< of one row of pixels, from left to right
-    const float* m_positions = nullptr; ///< of the triangle with m_normal
-    Vec4 m_normal{};
+    std::vector<Part> m_parts; ///< of one row of pixels, from left to right
 };
 
 } // namespace zr
