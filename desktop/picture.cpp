@@ -59,14 +59,9 @@ QImage fitted(const QImage& picture, int sizePx)
     return picture.scaled(sizePx, sizePx, Qt::KeepAspectRatio, Qt::SmoothTransformation);
 }
 
-} // namespace
-
-void prepareReading()
+// Not for models, which are drawn by what needs none of it, and a process with a single thread ends sooner.
+void preparePreviews()
 {
-    LogFile::instance()->keepInMemory();
-    systemMemory();
-    // Its rules are read from a file at the first warning otherwise, even of those that are not printed.
-    QLoggingCategory::defaultCategory();
     // Looks for Qt's plug-ins.
     QBuffer nothing;
     nothing.open(QIODevice::ReadOnly);
@@ -78,6 +73,20 @@ void prepareReading()
     QSemaphore isRunning;
     pool->start([&isRunning] { isRunning.release(); });
     isRunning.acquire();
+}
+
+} // namespace
+
+void prepareReading(const SourceFile& source)
+{
+    LogFile::instance()->keepInMemory();
+    systemMemory();
+    // Its rules are read from a file at the first warning otherwise, even of those that are not printed.
+    QLoggingCategory::defaultCategory();
+    // Reads how many processors there are.
+    QThreadPool::globalInstance();
+    if (!isModel(source.suffix()))
+        preparePreviews();
 }
 
 Thumbnail makeThumbnail(const SourceFile& source, int sizePx)

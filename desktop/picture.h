@@ -9,8 +9,8 @@ namespace zr::desktop
 
 class SourceFile;
 
-/// Uses once what opens files or makes threads when it is first used. Before confine().
-void prepareReading();
+/// Uses once what opens files or makes threads when it is first used for such a file. Before confine().
+void prepareReading(const SourceFile& source);
 
 /// A thumbnail, or why there is none.
 struct Thumbnail {

@@ -61,7 +61,7 @@ int makeThumbnailFile(const Options& options)
     if (!reason.isEmpty())
         return fail(options.output, reason, target.isMistaken() ? WrongUsage : NotWritten);
 
-    prepareReading();
+    prepareReading(source);
     const QByteArray timeout = shown(options.input) + ": no thumbnail: it takes more than " +
                                QByteArray::number(options.limits.seconds) + " seconds; see --time-limit";
     for (const QByteArray& refused : confine(options.limits, timeout))

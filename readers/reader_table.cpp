@@ -16,6 +16,7 @@ std::unique_ptr<FileReaderBase> make(const QString& filePath)
 
 struct ReaderRow {
     const char* suffix; ///< Latin-1
+    bool isModel;
     bool isRegistered;
     // Both null for a format that is only registered.
     std::unique_ptr<FileReaderBase> (*make)(const QString& filePath);
@@ -52,6 +53,12 @@ const ReaderRow* rowOf(const QString& suffix)
 QStringList supportedSuffixes()
 {
     return suffixesOf([](const ReaderRow& row) { return row.make != nullptr; });
+}
+
+bool isModel(const QString& suffix)
+{
+    const ReaderRow* const row = rowOf(suffix);
+    return row && row->isModel;
 }
 
 QStringList registeredSuffixes()

@@ -15,6 +15,9 @@ namespace zr
 /// The suffixes that have a reader.
 QStringList supportedSuffixes();
 
+/// Whether files with that suffix are models, which are drawn. Compared without regard to case.
+bool isModel(const QString& suffix);
+
 /// The suffixes for whose files the server is registered with the system.
 QStringList registeredSuffixes();
 

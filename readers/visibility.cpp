@@ -2,6 +2,7 @@
 #include "readers/visibility.h"
 
 #include "readers/mesh/obj_reading.h"
+#include "readers/reader_table.h"
 
 #include <QFileInfo>
 
@@ -33,7 +34,7 @@ QString invisibilityReason(const QString& path, const char* aboutFaces)
     if (suffix == QLatin1String("obj") && objReading() == ObjReading::Server)
         return nothing + QStringLiteral("; mostly because its faces have slashes ('f 1/2/3') or negative numbers") +
                QLatin1String(aboutFaces);
-    if (suffix == QLatin1String("stl") || suffix == QLatin1String("slc") || suffix == QLatin1String("obj"))
+    if (isModel(suffix))
         return nothing + QStringLiteral("; its triangles may have no area, or face away");
     return nothing + QStringLiteral("; the preview in it is empty");
 }

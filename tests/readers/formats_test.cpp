@@ -35,6 +35,17 @@ TEST(FormatsTest, AllRegisteredSuffixesExceptPhotonHaveAReader)
     EXPECT_EQ(unread, QStringList("photon"));
 }
 
+TEST(FormatsTest, ModelsAreThoseThatAreDrawn)
+{
+    QStringList models;
+    for (const QString& suffix : registeredSuffixes())
+        if (isModel(suffix))
+            models.append(suffix);
+    EXPECT_EQ(models, QStringList({"stl", "slc", "obj"}));
+    EXPECT_TRUE(isModel("STL"));
+    EXPECT_FALSE(isModel("txt"));
+}
+
 struct SuffixReader {
     const char* suffix;
     bool (*isOfType)(const FileReaderBase* reader);
