@@ -69,7 +69,8 @@ struct Picture {
     // Empty when there is none.
     std::optional<quint32> triangleAt(int column, int row) const
     {
-        const Sample& sample = samples.at(static_cast<std::size_t>(row * side + column));
+        const Sample& sample = samples.at(static_cast<std::size_t>(row) * static_cast<std::size_t>(side) +
+                                          static_cast<std::size_t>(column));
         return sample.isNothing() ? std::nullopt : std::optional(sample.triangle);
     }
 };

@@ -96,7 +96,7 @@ INSTANTIATE_TEST_SUITE_P(
         Deed{"Connecting",
              [] {
                  const sockaddr_in address{AF_INET, htons(80), {htonl(INADDR_LOOPBACK)}, {}};
-                 connect(0, reinterpret_cast<const sockaddr*>(&address), sizeof(address));
+                 static_cast<void>(connect(0, reinterpret_cast<const sockaddr*>(&address), sizeof(address)));
              }},
         Deed{"Executing", [] { execl("/bin/true", "true", nullptr); }},
         Deed{"ExecutingADescriptor", [] { syscall(SYS_execveat, 0, "", nullptr, nullptr, AT_EMPTY_PATH); }},

@@ -22,6 +22,12 @@ namespace zr::test
 namespace
 {
 
+#if defined(__SANITIZE_ADDRESS__)
+const QStringList kFirstArguments = {"--memory-limit=0"}; // AddressSanitizer reserves more than any
+#else
+const QStringList kFirstArguments;
+#endif
+
 class ZrthumbnailerTest : public ::testing::Test
 {
 protected:
@@ -46,12 +52,9 @@ protected:
     QString file(const QString& name) const { return m_folder.filePath(name); }
     QString write(const QString& name, const QByteArray& bytes) const { return writeFile(file(name), bytes); }
 
-    ProgramRun run(QStringList arguments) const
+    ProgramRun run(const QStringList& arguments) const
     {
-#if defined(__SANITIZE_ADDRESS__)
-        arguments.prepend("--memory-limit=0"); // AddressSanitizer reserves more than any
-#endif
-        return runProgram(ZRTHUMBNAILER_PROGRAM, arguments, m_folder.path(), m_environment);
+        return runProgram(ZRTHUMBNAILER_PROGRAM, kFirstArguments + arguments, m_folder.path(), m_environment);
     }
 
     // The picture of a run that has to succeed.
