@@ -176,22 +176,47 @@ inline Vec4Mask operator>(Double4 a, Double4 b)
     return __builtin_shufflevector(low, high, 0, 2, 4, 6);
 }
 
-/// The lesser and the greater of two numbers, lane by lane; the second one when either is NaN.
+/// The lesser and the greater of two numbers, lane by lane; the second one when either is NaN. GCC does not find these
+/// instructions by itself.
 inline Vec4 lesserOf(Vec4 a, Vec4 b)
 {
+#ifdef __SSE2__
+    return _mm_min_ps(a, b);
+#else
     return a < b ? a : b;
+#endif
 }
 inline Vec4 greaterOf(Vec4 a, Vec4 b)
 {
+#ifdef __SSE2__
+    return _mm_max_ps(a, b);
+#else
     return a > b ? a : b;
+#endif
+}
+inline Double2 lesserOf(Double2 a, Double2 b)
+{
+#ifdef __SSE2__
+    return _mm_min_pd(a, b);
+#else
+    return a < b ? a : b;
+#endif
+}
+inline Double2 greaterOf(Double2 a, Double2 b)
+{
+#ifdef __SSE2__
+    return _mm_max_pd(a, b);
+#else
+    return a > b ? a : b;
+#endif
 }
 inline Double4 lesserOf(Double4 a, Double4 b)
 {
-    return {a.low < b.low ? a.low : b.low, a.high < b.high ? a.high : b.high};
+    return {lesserOf(a.low, b.low), lesserOf(a.high, b.high)};
 }
 inline Double4 greaterOf(Double4 a, Double4 b)
 {
-    return {a.low > b.low ? a.low : b.low, a.high > b.high ? a.high : b.high};
+    return {greaterOf(a.low, b.low), greaterOf(a.high, b.high)};
 }
 
 /// Makes the columns of four rows rows.

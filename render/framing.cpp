@@ -21,8 +21,8 @@ struct Extent {
 
     void include(Vec4 v)
     {
-        min = v < min ? v : min;
-        max = v > max ? v : max;
+        min = lesserOf(v, min);
+        max = greaterOf(v, max);
     }
 };
 
@@ -101,7 +101,7 @@ private:
         m_beyond = beyond();
     }
 
-    static constexpr quint32 kBlock = 64; ///< triangles
+    static constexpr quint32 kBlock = 32; ///< triangles
 
     QMatrix4x4 m_camera;
     QMatrix4x4 m_model;

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "core/large_pages.h"
 #include "core/vec4.h"
 #include "render/sample_pattern.h"
 
@@ -10,6 +11,7 @@
 #include <cstddef>
 #include <cstring>
 #include <memory>
+#include <new>
 
 namespace zr
 {
@@ -46,7 +48,7 @@ inline void addToSamples(Sample* samples, Int4 depths, quint32 triangle, Vec4Mas
     const auto addToPair = [](Sample* pair, Double2 added) {
         Double2 seen;
         std::memcpy(&seen, pair, sizeof(seen));
-        seen = added < seen ? added : seen;
+        seen = lesserOf(added, seen);
         std::memcpy(pair, &seen, sizeof(seen));
     };
     const Int4 numbers = Int4{} + static_cast<int>(triangle);
@@ -62,7 +64,7 @@ class SampleBand
 public:
     /// Room for `maxRows` rows of `width` pixels.
     SampleBand(const SamplePattern& pattern, int width, int maxRows)
-        : m_pattern(pattern), m_width(width), m_samplesPerRow(samplesPerRow()), m_samples(new Sample[sizeOf(maxRows)])
+        : m_pattern(pattern), m_width(width), m_samplesPerRow(samplesPerRow()), m_samples(allocated(sizeOf(maxRows)))
     {
     }
 
@@ -100,6 +102,19 @@ public:
     }
 
 private:
+    struct Free {
+        void operator()(Sample* samples) const { ::operator delete(samples, std::align_val_t(kLargePageBytes)); }
+    };
+
+    /// Without values, for start() to give them.
+    static Sample* allocated(std::size_t count)
+    {
+        const std::size_t bytes = count * sizeof(Sample);
+        void* const samples = ::operator new(bytes, std::align_val_t(kLargePageBytes));
+        expectSequentialFill(samples, bytes);
+        return static_cast<Sample*>(samples);
+    }
+
     /// Of whole groups.
     std::size_t samplesPerRow() const
     {
@@ -115,7 +130,7 @@ private:
     int m_begin = 0;
     int m_end = 0;
     std::size_t m_samplesPerRow;
-    std::unique_ptr<Sample[]> m_samples; ///< without values, for start() to give them
+    std::unique_ptr<Sample[], Free> m_samples;
 };
 
 } // namespace zr

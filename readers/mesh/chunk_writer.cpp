@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "readers/mesh/chunk_writer.h"
 
+#include "core/large_pages.h"
 #include "readers/mesh/fill_estimate.h"
 
 namespace zr

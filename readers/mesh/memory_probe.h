@@ -53,11 +53,6 @@ private:
     int m_trianglesToReading = 1;
 };
 
-/// Prepares for `bytes` bytes from `begin` on being filled from front to back, so that the platform may back them with
-/// large pages: a chunk's first touch otherwise costs more than parsing what goes into it.
-/// Changes no content; does nothing where the platform has no such call.
-void expectSequentialFill(void* begin, std::size_t bytes);
-
 /// On Linux, where alone this exists: the figures in the text of /proc/meminfo; nullopt when a needed line is missing
 /// or makes no sense. The page cache does not count as used memory, since the kernel gives it away on demand.
 std::optional<MemoryFigures> memoryFiguresFromMeminfo(const char* text);

@@ -2,12 +2,10 @@
 #include "readers/mesh/memory_probe.h"
 
 #include <array>
-#include <cstdint>
 #include <cstdlib>
 #include <cstring>
 
 #include <fcntl.h>
-#include <sys/mman.h>
 #include <sys/sysinfo.h>
 #include <unistd.h>
 
@@ -20,7 +18,6 @@ namespace
 constexpr std::size_t kMeminfoBytes = 512;
 
 constexpr quint64 kBytesPerKilobyte = 1024;
-constexpr std::size_t kLargePageBytes = std::size_t{2} << 20U;
 
 // The number after `name` in kilobytes, 0 when there is none.
 quint64 kilobytes(const char* text, const char* name)
@@ -68,17 +65,6 @@ MemoryFigures systemMemory()
     const ssize_t bytes = pread(meminfo(), text.data(), kMeminfoBytes, 0);
     const auto figures = bytes > 0 ? memoryFiguresFromMeminfo(text.data()) : std::nullopt;
     return figures ? *figures : figuresWithoutProc();
-}
-
-void expectSequentialFill(void* begin, std::size_t bytes)
-{
-    const auto address = reinterpret_cast<std::uintptr_t>(begin);
-    const std::size_t toBoundary = (kLargePageBytes - address % kLargePageBytes) % kLargePageBytes;
-    if (bytes < toBoundary + kLargePageBytes)
-        return;
-    const std::size_t wholePages = (bytes - toBoundary) / kLargePageBytes * kLargePageBytes;
-    // A refusal costs speed only.
-    madvise(static_cast<char*>(begin) + toBoundary, wholePages, MADV_HUGEPAGE);
 }
 
 } // namespace zr

@@ -19,11 +19,4 @@ MemoryFigures systemMemory()
     return {status.ullAvailPhys, static_cast<quint32>(status.dwMemoryLoad)};
 }
 
-// The heap commits a chunk's pages as they are; there is nothing to advise.
-void expectSequentialFill(void* begin, std::size_t bytes)
-{
-    Q_UNUSED(begin)
-    Q_UNUSED(bytes)
-}
-
 } // namespace zr

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "readers/mesh/position_list.h"
 
-#include "readers/mesh/memory_probe.h"
+#include "core/large_pages.h"
 
 namespace zr
 {

@@ -50,15 +50,6 @@ TEST(MemoryProbeTest, WatchOfThisMachineCostsNothing)
         ASSERT_FALSE(watch.isShort());
 }
 
-TEST(MemoryProbeTest, ExpectingAFillChangesNothing)
-{
-    for (const std::size_t bytes : {std::size_t{0}, std::size_t{1}, std::size_t{5} << 20U}) {
-        std::vector<char> memory(bytes + 1, 'x');
-        expectSequentialFill(memory.data(), bytes);
-        EXPECT_EQ(std::count(memory.begin(), memory.end(), 'x'), static_cast<std::ptrdiff_t>(bytes + 1));
-    }
-}
-
 #ifdef Q_OS_LINUX
 
 MemoryFigures kernelFigures()
