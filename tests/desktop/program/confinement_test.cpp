@@ -210,15 +210,22 @@ TEST(ConfinementTest, TimeIsLimitedAndItsEndSaid)
     close(pipe[0]);
 }
 
+// What this process has reserved; under AddressSanitizer that is more than any machine has.
+int reservedMebibytes()
+{
+    const QByteArray pages = test::readFile("/proc/self/statm").split(' ').value(0);
+    return static_cast<int>(pages.toLongLong() * sysconf(_SC_PAGESIZE) >> 20);
+}
+
 TEST(ConfinementTest, AddressSpaceIsLimited)
 {
-    if (kMebibytes == 0)
-        GTEST_SKIP() << "AddressSanitizer reserves more than any limit";
+    const int reserved = reservedMebibytes();
+    ASSERT_GT(reserved, 0);
     const auto act = [] {
         if (mmap(nullptr, std::size_t{1} << 30U, PROT_READ, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0) != MAP_FAILED)
             _exit(1);
     };
-    EXPECT_TRUE(wentOn(statusAfter(act, {20, 512})));
+    EXPECT_TRUE(wentOn(statusAfter(act, {20, reserved + 512})));
     EXPECT_EQ(WEXITSTATUS(statusAfter(act, {20, 0})), 1);
 }
 
