@@ -16,9 +16,9 @@ namespace zr
 
 // The log lines that report database failures.
 constexpr FailureLine kDatabaseNotOpen{line::kDatabaseNotOpen, "database no open", FailureLine::Rest::None,
-                                       reason::kDatabaseNotOpen};
+                                       reason::kDatabaseNotOpen, key::kNotSaved};
 constexpr FailureLine kTableNotMade{line::kTableNotMade, "database create faild", FailureLine::Rest::None,
-                                    reason::kDatabaseNotUsable};
+                                    reason::kDatabaseNotUsable, key::kNotSaved};
 
 /// The statement that creates the cache's table. Needs no memory.
 QString createTableStatement();

@@ -17,7 +17,8 @@ struct FailureLine {
     int number;
     const char* text; ///< Latin-1
     Rest rest;
-    const char* reason; ///< one of core/reasons.h
+    const char* reason;        ///< one of core/reasons.h
+    const char* key = nullptr; ///< the error key that the failure ends with, if it has one of its own
 };
 
 /// In order of priority: when the log has several of them, the first one is the reason.
@@ -32,7 +33,7 @@ struct ThrownKey {
     const char* key;
     const char* reason;
 
-    constexpr operator FailureLine() const { return {number, kThrowText, FailureLine::Rest::None, reason}; }
+    constexpr operator FailureLine() const { return {number, kThrowText, FailureLine::Rest::None, reason, key}; }
 };
 
 /// The line's text after its number, for the source file at `path`; without a rest that is Rest::Anything.

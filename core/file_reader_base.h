@@ -16,7 +16,7 @@ struct ReadFailure {
     FailureLine line; ///< the " throw " line after it has the next number
     const char* key;  ///< error key, see FileReaderBase
 
-    constexpr operator FailureLine() const { return line; }
+    constexpr operator FailureLine() const { return {line.number, line.text, line.rest, line.reason, key}; }
 };
 
 /// The reader of one source file, made by the thumbnail job for a single getImage() call.

@@ -116,6 +116,14 @@ void LogFile::keepInMemory()
     ThreadInstance::set(shared_from_this());
     const std::lock_guard<std::mutex> guard(m_mutex);
     m_keptLines.emplace();
+    m_touchesFile = false;
+}
+
+void LogFile::keepCopy()
+{
+    ThreadInstance::set(shared_from_this());
+    const std::lock_guard<std::mutex> guard(m_mutex);
+    m_keptLines.emplace();
 }
 
 QStringList LogFile::keptLines()
@@ -127,10 +135,10 @@ QStringList LogFile::keptLines()
 void LogFile::write(const QString& message)
 {
     const std::lock_guard<std::mutex> guard(m_mutex);
-    if (m_keptLines) {
+    if (m_keptLines)
         m_keptLines->append(message);
+    if (!m_touchesFile)
         return;
-    }
     if (!m_file.isOpen() && (m_path.isEmpty() || !m_file.open(m_path)))
         return;
     const QString stamp = QDateTime::currentDateTime().toString(QStringLiteral("dd.MM.yyyy - hh:mm:ss "));

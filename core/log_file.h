@@ -48,6 +48,9 @@ public:
     /// Makes this the calling thread's instance, which from now on keeps its lines in memory and touches no file.
     void keepInMemory();
 
+    /// Makes this the calling thread's instance, which from now on keeps its lines in memory as well.
+    void keepCopy();
+
     /// The lines that it keeps, without time stamps.
     QStringList keptLines();
 
@@ -61,6 +64,7 @@ private:
     QString m_path;
     AppendFile m_file;
     std::optional<QStringList> m_keptLines;
+    bool m_touchesFile = true;
 };
 
 /// Writes the line "number text", the form of every line of the log.

@@ -12,10 +12,10 @@ bool RequestLog::has(const FailureLine& line) const
                        [&](const QString& message) { return isLine(message, line, m_path); });
 }
 
-QLatin1String RequestLog::reasonAmong(const FailureLines& lines) const
+std::optional<FailureLine> RequestLog::firstAmong(const FailureLines& lines) const
 {
     const auto line = std::find_if(lines.cbegin(), lines.cend(), [this](const auto& row) { return has(row); });
-    return line == lines.cend() ? QLatin1String() : QLatin1String(line->reason);
+    return line == lines.cend() ? std::nullopt : std::optional(*line);
 }
 
 } // namespace zr

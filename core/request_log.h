@@ -3,8 +3,9 @@
 
 #include "core/failure_line.h"
 
-#include <QLatin1String>
 #include <QStringList>
+
+#include <optional>
 
 namespace zr
 {
@@ -20,8 +21,8 @@ public:
 
     bool has(const FailureLine& line) const;
 
-    /// The reason of the first of `lines` that the log has; empty when it has none of them.
-    QLatin1String reasonAmong(const FailureLines& lines) const;
+    /// The first of `lines` that the log has.
+    std::optional<FailureLine> firstAmong(const FailureLines& lines) const;
 
 private:
     QString m_path;

@@ -46,10 +46,10 @@ QByteArray failureReason(const SourceFile& source, const QString& path)
     if (source.isEmpty())
         return "the file is empty";
     const RequestLog log(path, LogFile::instance()->keptLines());
-    const QLatin1String reason = log.reasonAmong(readerFailures(source.suffix()));
-    if (reason == QLatin1String(reason::kMemoryShort))
+    const auto failure = log.firstAmong(readerFailures(source.suffix()));
+    if (failure && failure->reason == QByteArray(reason::kMemoryShort))
         return kNoMemory;
-    return reason.isEmpty() ? QByteArray(reason::kDamagedOrNoMemory) : QByteArray(reason.data(), reason.size());
+    return failure ? failure->reason : reason::kDamagedOrNoMemory;
 }
 
 QImage fitted(const QImage& picture, int sizePx)

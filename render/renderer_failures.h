@@ -13,15 +13,15 @@ namespace zr
 // The lines by which a renderer's failure is found in the log. A construction that fails ends with kRendererNotMade.
 
 constexpr FailureLine kNothingToDraw{line::kNothingToDraw, "---------------renderListZero-----------------",
-                                     FailureLine::Rest::None, reason::kNothingToDraw};
+                                     FailureLine::Rest::None, reason::kNothingToDraw, key::kNothingToRender};
 constexpr FailureLine kContextNotValid{line::kContextNotValid, "opengl version is not valid", FailureLine::Rest::None,
-                                       reason::kNoOpenGl};
+                                       reason::kNoOpenGl, key::kNoContext};
 constexpr FailureLine kSurfaceNotValid{line::kSurfaceNotValid, "opengl surface is not valid", FailureLine::Rest::None,
-                                       reason::kNoOpenGl};
+                                       reason::kNoOpenGl, key::kNoContext};
 constexpr FailureLine kRendererNotMade{line::kRendererNotMade, "Builder function failed\t", FailureLine::Rest::Anything,
-                                       reason::kOpenGlFailed};
+                                       reason::kOpenGlFailed, key::kContext};
 constexpr FailureLine kBufferNotBound{line::kBufferNotBound, "render vbo bind err", FailureLine::Rest::None,
-                                      reason::kOpenGlFailed};
+                                      reason::kOpenGlFailed, key::kBufferBind};
 
 /// All of them. Without a mesh nothing could have been drawn anyway, so that comes first.
 inline FailureLines rendererFailures()

@@ -24,7 +24,7 @@ constexpr ThrownKey kShortTable{74, key::kReadShort, reason::kHeaderCut};
 constexpr ThrownKey kAddErr{107, key::kSlcAdd, reason::kMemoryShort};
 constexpr ThrownKey kSizeErr{124, key::kSlcSize, reason::kModelSizeWrong};
 constexpr ThrownKey kHeadErr{130, key::kSlcHead, reason::kSlcHeaderWrong};
-constexpr FailureLine kMemOut{198, "mem out err", FailureLine::Rest::None, reason::kMemoryShort};
+constexpr FailureLine kMemOut{198, "mem out err", FailureLine::Rest::None, reason::kMemoryShort, key::kSlcMemoryOut};
 
 constexpr char kHeadEnd[] = "\r\n\x1a";
 constexpr qint64 kHeadEndBytes = 3;

@@ -26,7 +26,8 @@ constexpr ThrownKey kOpenErr{15, key::kModelOpen, reason::kCannotBeOpened};
 constexpr ThrownKey kCountTooLarge{61, key::kModelTooLarge, reason::kMemoryShort};
 constexpr ThrownKey kShortBatch{97, key::kReadShort, reason::kTrianglesCut};
 constexpr ThrownKey kBatchMemOut{156, key::kMemoryOut, reason::kMemoryShort};
-constexpr FailureLine kBinarySizeErr{170, " throw size  ", FailureLine::Rest::Anything, reason::kModelSizeWrong};
+constexpr FailureLine kBinarySizeErr{170, " throw size  ", FailureLine::Rest::Anything, reason::kModelSizeWrong,
+                                     key::kModelSize};
 
 constexpr qint64 kCountOffset = 80;
 constexpr qint64 kRecordsOffset = 84;
