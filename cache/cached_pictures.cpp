@@ -38,7 +38,21 @@ bool matchesRow(const ThumbnailDatabase& database, const QString& sourcePath)
            modificationSeconds(source) - fileTime <= kToleranceSeconds;
 }
 
+bool showsPresentFile(const ThumbnailDatabase& database, const QString& sourcePath, const QVariant& pngPath)
+{
+    return !pngPath.isNull() && matchesRow(database, sourcePath) && QFileInfo::exists(pngPath.toString());
+}
+
 } // namespace
+
+bool hasFreshPicture(const QString& sourcePath)
+{
+    // The database would be made.
+    if (!QFileInfo(defaultDatabasePath()).isFile())
+        return false;
+    const ThumbnailDatabase database{QString()};
+    return showsPresentFile(database, sourcePath, recordedPicture(database, sourcePath));
+}
 
 // The suffix is doubled, as in every cache that users already have.
 QString picturePath(const QString& sourcePath)
@@ -50,7 +64,7 @@ QString picturePath(const QString& sourcePath)
 bool freshPicture(const ThumbnailDatabase& database, const QString& sourcePath)
 {
     const QVariant pngPath = recordedPicture(database, sourcePath);
-    const bool isFresh = !pngPath.isNull() && matchesRow(database, sourcePath) && QFileInfo::exists(pngPath.toString());
+    const bool isFresh = showsPresentFile(database, sourcePath, pngPath);
     if (!isFresh)
         logLine(pngPath.isNull() ? line::kNoEntry : line::kStaleEntry, QLatin1String(kThrowText));
     return isFresh;

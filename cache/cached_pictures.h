@@ -17,6 +17,9 @@ QString picturePath(const QString& sourcePath);
 /// Whether the cache has an up-to-date picture of the source file; if not, the log says what is missing.
 bool freshPicture(const ThumbnailDatabase& database, const QString& sourcePath);
 
+/// The same for the default database, without a line in the log; false when there is no database.
+bool hasFreshPicture(const QString& sourcePath);
+
 /// Stores the picture as the source file's current one: the PNG, then its row. False when either fails.
 bool store(ThumbnailDatabase& database, const QString& sourcePath, const QImage& picture);
 

@@ -66,23 +66,12 @@ SharedPictures::SharedPictures()
         m_sharedPngs.insert(query.value(0).toString().toCaseFolded());
 }
 
-bool SharedPictures::isShared(const QString& path, const QString& pngPath) const
-{
-    const QString key = pngPath.toCaseFolded();
-    return m_sharedPngs.contains(key) || m_lastFiles.value(key, path) != path;
-}
-
-void SharedPictures::prepare(const QString& path) const
+void SharedPictures::prepare(const QString& path, bool isRepeated) const
 {
     const CacheConnection connection;
     const QString pngPath = pngOf(path);
-    if (!pngPath.isEmpty() && isShared(path, pngPath))
+    if (!pngPath.isEmpty() && (isRepeated || m_sharedPngs.contains(pngPath.toCaseFolded())))
         makeStale(path);
-}
-
-void SharedPictures::handedOut(const QString& path, const QString& pngPath)
-{
-    m_lastFiles.insert(pngPath.toCaseFolded(), path);
 }
 
 } // namespace zr

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include <QHash>
 #include <QSet>
 #include <QString>
 
@@ -17,18 +16,13 @@ public:
     SharedPictures();
 
     /// To be called before a request for `path`: when its PNG may show another file, marks its row as stale, so that
-    /// the request makes a new picture. Other files' rows, and PNGs, are not touched.
-    void prepare(const QString& path) const;
-
-    /// Records that a request for `path` has just ended with the picture `pngPath`.
-    void handedOut(const QString& path, const QString& pngPath);
+    /// the request makes a new picture. Other files' rows, and PNGs, are not touched. `isRepeated` tells that requests
+    /// for other files of its name come before or after this one.
+    void prepare(const QString& path, bool isRepeated) const;
 
 private:
-    bool isShared(const QString& path, const QString& pngPath) const;
-
     // Case-folded, since some file systems ignore case.
     QSet<QString> m_sharedPngs;
-    QHash<QString, QString> m_lastFiles; ///< by PNG
 };
 
 } // namespace zr
