@@ -2,6 +2,7 @@
 #include "host/contact_sheet.h"
 
 #include "core/printable.h"
+#include "host/application.h"
 #include "host/platform.h"
 #include "host/sheet_text.h"
 
@@ -69,6 +70,11 @@ QStringList sheetFiles(const QString& file, int count)
     return files;
 }
 
+QImage ContactSheet::cellPicture(const QImage& picture)
+{
+    return picture.scaled(kPicturePx, kPicturePx, Qt::KeepAspectRatio, Qt::SmoothTransformation);
+}
+
 ContactSheet::ContactSheet(const QString& file, const QStringList& paths, SavePage savePage)
     : m_file(file), m_labels(cellLabels(paths)), m_savePage(std::move(savePage))
 {
@@ -77,7 +83,7 @@ ContactSheet::ContactSheet(const QString& file, const QStringList& paths, SavePa
 void ContactSheet::addPicture(const QImage& picture)
 {
     const QRect area = nextCell();
-    const QImage scaled = picture.scaled(kPicturePx, kPicturePx, Qt::KeepAspectRatio, Qt::SmoothTransformation);
+    const QImage scaled = cellPicture(picture);
     QPainter painter(&m_page);
     drawCheckerboard(painter, area);
     painter.drawImage(area.center() - scaled.rect().center(), scaled);
@@ -130,7 +136,7 @@ void ContactSheet::addCell(const Cell& cell)
 // Text comes last: it needs the application object, which the first request has to make, with a line in the log.
 void ContactSheet::endPage()
 {
-    prepareDrawing();
+    makeDrawingApplication();
     QPainter painter(&m_page);
     QFont font = painter.font();
     font.setPixelSize(kFontPx);

@@ -25,10 +25,13 @@ public:
     /// Saves a page as `file`, one of sheetFiles().
     using SavePage = std::function<void(const QImage& page, const QString& file)>;
 
+    /// The picture as a cell shows it.
+    static QImage cellPicture(const QImage& picture);
+
     /// The sheet of the files at `paths`.
     ContactSheet(const QString& file, const QStringList& paths, SavePage savePage);
 
-    /// Adds the next file's cell, with its picture.
+    /// Adds the next file's cell, with its picture, which may be a cellPicture() already.
     void addPicture(const QImage& picture);
 
     /// Adds the next file's cell, with the reason why it has no picture.

@@ -6,7 +6,11 @@
 
 #include <QCommandLineParser>
 #include <QCoreApplication>
+#include <QDir>
 
+#include <algorithm>
+#include <initializer_list>
+#include <limits>
 #include <optional>
 
 namespace zr
@@ -17,6 +21,11 @@ namespace
 // Ten times the size of the pictures; a larger output would show nothing more.
 constexpr int kMaxSizePx = 4096;
 
+constexpr int kMaxJobs = 256;
+
+// A worker that has read nothing yet takes some 60.
+constexpr int kMinWorkerMegabytes = 100;
+
 // Below the list of options.
 const char* const kMoreHelp = R"(
 Formats: %1
@@ -26,9 +35,11 @@ Examples:
   zrthumb -o part.png -s 256 part.stl    write the picture to a file
   zrthumb -o - part.stl | magick - part.jpg
   zrthumb -r --sheet all.png Models      one picture of a whole folder
+  zrthumb -r -j 0 --output-dir Pictures -s 256 Models
+                                         one PNG of each file, with all cores
 
 For each file, the path of its PNG goes to stdout, or one line to stderr:
-"zrthumb: FILE: no thumbnail: REASON".
+"zrthumb: FILE: no thumbnail: REASON". With --json, both are lines on stdout.
 
 Exit status:
   0    all files have a thumbnail, all outputs are written
@@ -75,7 +86,8 @@ struct CommandLine {
             QStringLiteral("Makes thumbnails of 3D-printing files and prints the path of each cached PNG."));
         parser.addPositionalArgument(QStringLiteral("FILE"), QStringLiteral("Files to make thumbnails of."),
                                      QStringLiteral("FILE..."));
-        parser.addOptions({output, size, sheet, recursive, quiet});
+        parser.addOptions(
+            {output, size, outputFolder, refresh, sheet, recursive, filesFrom, zero, json, quiet, jobs, workerMemory});
         if (talksToServer())
             parser.addOption(server);
         else
@@ -96,20 +108,42 @@ struct CommandLine {
     QCommandLineParser parser;
     const QCommandLineOption output{
         {"o", "output"}, "With a single FILE, save its picture as <PNG>; - is stdout.", "PNG"};
-    const QCommandLineOption size{{"s", "size"}, "With -o, fit the picture into <N> x <N> pixels.", "N"};
+    const QCommandLineOption size{
+        {"s", "size"}, "With -o or --output-dir, fit the picture into <N> x <N> pixels.", "N"};
+    const QCommandLineOption outputFolder{"output-dir",
+                                          "Save the picture of each file below <DIR>, with the folders that it has "
+                                          "below its FILE. A PNG that is newer than its file is left as it is.",
+                                          "DIR"};
+    const QCommandLineOption refresh{"refresh", "With --output-dir, write all pictures anew."};
     const QCommandLineOption sheet{"sheet", "Save a contact sheet of all pictures, with their names, as <PNG>.", "PNG"};
     const QCommandLineOption recursive{{"r", "recursive"},
                                        "A FILE that is a folder stands for all files below it but hidden ones."};
+    const QCommandLineOption filesFrom{"files-from",
+                                       "Read the names of the files from <LIST>, one a line; - is stdin. With "
+                                       "--output-dir, files keep the folders in their names.",
+                                       "LIST"};
+    const QCommandLineOption zero{{"0", "null"}, "Names end with a zero byte: in LIST, and those printed."};
+    const QCommandLineOption json{"json", "Print the result for each file as a line of JSON."};
     const QCommandLineOption quiet{{"q", "quiet"}, "Print nothing but failures."};
+    const QCommandLineOption jobs{
+        {"j", "jobs"},
+        "Read files in <N> processes at a time; 0 is one for each core. A file that makes one "
+        "crash fails alone. More than 100 files are read in 1 process at least.",
+        "N"};
+    const QCommandLineOption workerMemory{
+        "worker-memory", "With -j, replace a process before it takes more than <MB> megabytes (the default is 400).",
+        "MB", "400"};
     const QCommandLineOption renderer{"renderer",
                                       "Draw models with <WHICH>: opengl, software, which needs no display, or auto "
                                       "(the default), which is opengl where there is a display.",
                                       "WHICH", kAutoRenderer};
     const QCommandLineOption obj{"obj",
                                  "How to read OBJ files: <WHICH> is server (the default), or standard, as all other "
-                                 "programs do, which goes with -o or --sheet and leaves the cache alone.",
+                                 "programs do, which goes with -o, --output-dir or --sheet and leaves the "
+                                 "cache alone.",
                                  "WHICH", kServerReading};
-    const QCommandLineOption noCache{"no-cache", "With -o or --sheet, leave the cache and the log alone."};
+    const QCommandLineOption noCache{"no-cache",
+                                     "With -o, --output-dir or --sheet, leave the cache and the log alone."};
     const QCommandLineOption server{"dll", "Use the server in the DLL <PATH> without registration.", "PATH"};
     const QCommandLineOption check{"check", "Tell why no thumbnails show: check the installation and this machine."};
     const QCommandLineOption help{{"h", "help"}, "Show this help."};
@@ -141,30 +175,77 @@ Options check(const CommandLine& line)
     return options;
 }
 
+bool isBetween(const CommandLine& line, const QCommandLineOption& option, int min, int max)
+{
+    bool isNumber = false;
+    const int number = line.parser.value(option).toInt(&isNumber);
+    return !line.parser.isSet(option) || (isNumber && number >= min && number <= max);
+}
+
+// An empty name.
+bool lacksName(const CommandLine& line, const QCommandLineOption& option)
+{
+    return line.parser.isSet(option) && line.parser.value(option).isEmpty();
+}
+
+/// Something wrong with the command line.
+struct UsageError {
+    bool isSo;
+    QString text;
+};
+
+QString firstOf(std::initializer_list<UsageError> errors)
+{
+    const auto* const error = std::find_if(errors.begin(), errors.end(), [](const auto& each) { return each.isSo; });
+    return error == errors.end() ? QString() : error->text;
+}
+
+// What is wrong with what options take.
+QString valueError(const CommandLine& line)
+{
+    return firstOf({
+        {lacksName(line, line.output), QStringLiteral("--output needs a file name")},
+        {lacksName(line, line.sheet), QStringLiteral("--sheet needs a file name")},
+        {lacksName(line, line.outputFolder), QStringLiteral("--output-dir needs the name of a folder")},
+        {lacksName(line, line.filesFrom), QStringLiteral("--files-from needs a file name")},
+        {!isBetween(line, line.size, 1, kMaxSizePx),
+         QStringLiteral("--size needs a number from 1 to %1").arg(kMaxSizePx)},
+        {!isBetween(line, line.jobs, 0, kMaxJobs), QStringLiteral("--jobs needs a number from 0 to %1").arg(kMaxJobs)},
+        {!isBetween(line, line.workerMemory, kMinWorkerMegabytes, std::numeric_limits<int>::max()),
+         QStringLiteral("--worker-memory needs a number of megabytes from %1 on").arg(kMinWorkerMegabytes)},
+        {!talksToServer() && !rendererOf(line.parser.value(line.renderer)),
+         QStringLiteral("--renderer needs auto, opengl or software")},
+        {!talksToServer() && !objReadingOf(line.parser.value(line.obj)),
+         QStringLiteral("--obj needs server or standard")},
+    });
+}
+
 // What is wrong with the options together; empty when nothing is.
 QString usageError(const CommandLine& line, const Options& options)
 {
-    if (options.files.isEmpty())
-        return QStringLiteral("no FILE given");
-    if (line.parser.isSet(line.output) && (options.files.size() != 1 || options.recursive))
-        return QStringLiteral("--output needs a single FILE");
-    if (line.parser.isSet(line.output) && options.output.isEmpty())
-        return QStringLiteral("--output needs a file name");
-    if (line.parser.isSet(line.sheet) && options.sheet.isEmpty())
-        return QStringLiteral("--sheet needs a file name");
-    if (line.parser.isSet(line.size) && !line.parser.isSet(line.output))
-        return QStringLiteral("--size needs --output");
-    if (line.parser.isSet(line.size) && (options.sizePx < 1 || options.sizePx > kMaxSizePx))
-        return QStringLiteral("--size needs a number from 1 to %1").arg(kMaxSizePx);
-    if (!talksToServer() && !rendererOf(line.parser.value(line.renderer)))
-        return QStringLiteral("--renderer needs auto, opengl or software");
-    if (!talksToServer() && !objReadingOf(line.parser.value(line.obj)))
-        return QStringLiteral("--obj needs server or standard");
-    if (options.dataFolderUse == DataFolderUse::Usual || !options.output.isEmpty() || !options.sheet.isEmpty())
-        return {};
+    const auto isSet = [&line](const QCommandLineOption& option) { return line.parser.isSet(option); };
+    const bool isOfOneFile = options.files.size() == 1 && !options.recursive;
+    const QString error = firstOf({
+        {options.files.isEmpty() && !isSet(line.filesFrom), QStringLiteral("no FILE given")},
+        {!options.files.isEmpty() && isSet(line.filesFrom),
+         QStringLiteral("--files-from stands in place of FILE; put all names into the list")},
+        {isSet(line.output) && isSet(line.outputFolder),
+         QStringLiteral("--output and --output-dir exclude each other")},
+        {isSet(line.output) && !isOfOneFile, QStringLiteral("--output needs a single FILE")},
+        {isSet(line.output) && isSet(line.jobs), QStringLiteral("--jobs is for many files; leave out --output")},
+        {isSet(line.size) && !isSet(line.output) && !isSet(line.outputFolder),
+         QStringLiteral("--size needs --output or --output-dir")},
+        {isSet(line.refresh) && !isSet(line.outputFolder), QStringLiteral("--refresh needs --output-dir")},
+        {options.json && options.writesPictureToStdout(),
+         QStringLiteral("--json needs stdout for itself; save the picture as a file")},
+    });
+    if (!error.isEmpty() || options.dataFolderUse == DataFolderUse::Usual || options.hasOutputs())
+        return error.isEmpty() ? valueError(line) : error;
     if (options.objReading == ObjReading::Standard)
-        return QStringLiteral("--obj standard needs --output or --sheet: the cache holds the server's pictures only");
-    return QStringLiteral("--no-cache needs --output or --sheet: there is no other place for the picture");
+        return QStringLiteral(
+            "--obj standard needs --output, --output-dir or --sheet: the cache holds the server's pictures only");
+    return QStringLiteral(
+        "--no-cache needs --output, --output-dir or --sheet: there is no other place for the picture");
 }
 
 } // namespace
@@ -182,10 +263,19 @@ Options parseOptions(const QStringList& arguments)
         return check(line);
 
     Options options;
+    options.environment = QProcessEnvironment::systemEnvironment();
     options.files = line.parser.positionalArguments();
     options.output = line.parser.value(line.output);
     options.sizePx = line.parser.value(line.size).toInt();
+    options.outputFolder = QDir::fromNativeSeparators(line.parser.value(line.outputFolder));
+    options.refreshes = line.parser.isSet(line.refresh);
     options.sheet = line.parser.value(line.sheet);
+    options.filesFrom = line.parser.value(line.filesFrom);
+    options.endsWithZero = line.parser.isSet(line.zero);
+    options.json = line.parser.isSet(line.json);
+    if (line.parser.isSet(line.jobs))
+        options.jobs = line.parser.value(line.jobs).toInt();
+    options.workerMegabytes = line.parser.value(line.workerMemory).toInt();
     options.recursive = line.parser.isSet(line.recursive);
     options.quiet = line.parser.isSet(line.quiet);
     if (talksToServer()) {

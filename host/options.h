@@ -4,6 +4,7 @@
 #include "host/thumbnail_client.h"
 #include "readers/mesh/obj_reading.h"
 
+#include <QProcessEnvironment>
 #include <QString>
 #include <QStringList>
 
@@ -21,13 +22,29 @@ struct Options {
     QStringList files;                  ///< as given
     QString output;                     ///< PNG for the picture of the single file; empty for none
     int sizePx = 0;                     ///< side of the square that the output is fitted into; 0 leaves it as it is
+    QString outputFolder;               ///< folder for one PNG of each file; empty for none
     QString sheet;                      ///< PNG for the contact sheet; empty for none
+    QString filesFrom;                  ///< file with the names of the files, in place of `files`; "-" is stdin
+    bool endsWithZero = false;          ///< names end with a zero byte: those of `filesFrom`, and those on stdout
+    bool refreshes = false;             ///< also outputs in `outputFolder` that are newer than their files
+    bool json = false;                  ///< results as JSON
+    int jobs = kNoJobs;                 ///< number of worker processes; kNoJobs leaves the choice to the run
+    int workerMegabytes = 400;          ///< memory at which a worker process is replaced
+    QProcessEnvironment environment;    ///< of the program at its start, for the workers
     Renderer renderer = Renderer::Auto; ///< of models (Linux)
     ObjReading objReading = ObjReading::Server; ///< any but the server's leaves the data folder alone (Linux)
     DataFolderUse dataFolderUse = DataFolderUse::Usual;
     QString server; ///< DLL to use without registration (Windows)
     bool recursive = false;
     bool quiet = false;
+
+    static constexpr int kNoJobs = -1;
+
+    /// Whether pictures are handed out anywhere but in the cache.
+    bool hasOutputs() const { return !output.isEmpty() || !outputFolder.isEmpty() || !sheet.isEmpty(); }
+
+    /// The same for stdout, where then nothing else may be printed.
+    bool writesPictureToStdout() const { return output == QLatin1String("-") || sheet == QLatin1String("-"); }
 };
 
 /// Parses the arguments, the program's name first. To be called before the first request.

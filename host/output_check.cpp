@@ -4,6 +4,7 @@
 #include "core/printable.h"
 #include "host/contact_sheet.h"
 #include "host/output_file.h"
+#include "host/output_folder.h"
 #include "host/platform.h"
 #include "readers/reader_table.h"
 
@@ -30,6 +31,15 @@ bool isSameFile(const QString& path, const QString& other)
     }
 }
 
+bool isOneOf(const FileList& files, const QString& path)
+{
+    for (std::size_t i = 0; i < files.size(); ++i) {
+        if (isSameFile(path, files.at(i).path))
+            return true;
+    }
+    return false;
+}
+
 // Names that promise another kind of picture than a PNG.
 bool namesOtherFormat(const QString& output)
 {
@@ -49,7 +59,7 @@ QString faultOfStdout(const QString& option)
     return {};
 }
 
-QString faultOf(const QString& option, const QString& output, const std::vector<ListedFile>& files)
+QString faultOf(const QString& option, const QString& output, const FileList& files)
 {
     if (output.isEmpty())
         return {};
@@ -67,33 +77,54 @@ QString faultOf(const QString& option, const QString& output, const std::vector<
         return QStringLiteral("%1 %2: pictures are written as PNG; name a file that ends with .png").arg(option, name);
     if (supportedSuffixes().contains(target.suffix(), Qt::CaseInsensitive))
         return QStringLiteral("%1 %2: a picture is not written to a file of this kind; name a PNG").arg(option, name);
-    const auto isOutput = [&output](const ListedFile& file) { return isSameFile(output, file.path); };
-    if (target.exists() && std::any_of(files.cbegin(), files.cend(), isOutput))
+    if (target.exists() && isOneOf(files, output))
         return QStringLiteral("%1 %2: this is one of the files to make thumbnails of").arg(option, name);
     return {};
 }
 
+// What is wrong with the sheet, apart from other outputs.
+QString sheetFault(const QStringList& sheets, const FileList& files)
+{
+    for (const QString& sheet : sheets) {
+        const QString fault = faultOf(QStringLiteral("--sheet"), sheet, files);
+        if (!fault.isEmpty())
+            return fault;
+    }
+    if (sheets.size() > 1 && sheets.first() == QLatin1String(kStdoutName))
+        return QStringLiteral("--sheet -: so many files need several sheets; name a PNG");
+    return {};
+}
+
+bool isOutputOf(const Options& options, const FileList& files, const QString& sheet)
+{
+    const QString path = QFileInfo(sheet).absoluteFilePath();
+    if (!options.output.isEmpty())
+        return QFileInfo(options.output).absoluteFilePath() == path;
+    if (options.outputFolder.isEmpty())
+        return false;
+    for (std::size_t i = 0; i < files.size(); ++i) {
+        if (QFileInfo(outputIn(options.outputFolder, files.at(i))).absoluteFilePath() == path)
+            return true;
+    }
+    return false;
+}
+
 } // namespace
 
-QString outputFault(const Options& options, const std::vector<ListedFile>& files)
+QString outputFault(const Options& options, const FileList& files)
 {
     const int count = options.sheet.isEmpty() ? 0 : static_cast<int>(files.size());
     const QStringList sheets = sheetFiles(options.sheet, count);
     QString fault = faultOf(QStringLiteral("--output"), options.output, files);
-    for (const QString& sheet : sheets) {
-        if (fault.isEmpty())
-            fault = faultOf(QStringLiteral("--sheet"), sheet, files);
-    }
-    if (!fault.isEmpty())
-        return fault;
-    if (options.sheet == QLatin1String(kStdoutName) && sheets.size() > 1)
-        return QStringLiteral("--sheet -: so many files need several sheets; name a PNG");
-    const auto isOutput = [&options](const QString& sheet) {
-        return QFileInfo(options.output).absoluteFilePath() == QFileInfo(sheet).absoluteFilePath();
-    };
-    if (!options.output.isEmpty() && std::any_of(sheets.cbegin(), sheets.cend(), isOutput))
-        return QStringLiteral("--output and --sheet name the same file");
-    return {};
+    if (fault.isEmpty())
+        fault = outputFolderFault(options.outputFolder, files);
+    if (fault.isEmpty())
+        fault = sheetFault(sheets, files);
+    const auto isOutput = [&](const QString& sheet) { return isOutputOf(options, files, sheet); };
+    if (fault.isEmpty() && std::any_of(sheets.cbegin(), sheets.cend(), isOutput))
+        return options.output.isEmpty() ? QStringLiteral("--output-dir and --sheet name the same file")
+                                        : QStringLiteral("--output and --sheet name the same file");
+    return fault;
 }
 
 } // namespace zr

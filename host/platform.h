@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <QByteArray>
 #include <QStringList>
 
 #include <cstdio>
@@ -8,8 +9,15 @@
 namespace zr
 {
 
-/// The program's arguments, its own name first, decoded without Qt's application object.
+/// The program's arguments, its own name first, decoded without Qt's application object. To be called first: on Linux
+/// it makes names survive that are not text.
 QStringList commandLineArguments(int argc, char** argv);
+
+/// The file name that `bytes` mean in lists of names: in the encoding of the system's names, on Windows in UTF-8.
+QString fileNameFromBytes(const QByteArray& bytes);
+
+/// How the system's folders compare names.
+Qt::CaseSensitivity caseOfNames();
 
 /// Whether the stream is a terminal.
 bool stderrIsTerminal();
@@ -35,6 +43,14 @@ bool writeText(std::FILE* stream, const QString& text);
 
 /// From now on, what is written to stdout is not translated.
 void makeStdoutBinary();
+
+/// Makes this process one that is led by another: stdin and stdout are not translated, and what asks a terminal's
+/// programs to end, such as Ctrl+C, leaves it alone. What libraries print to stdout goes nowhere. Returns the stream to
+/// what was stdout; null when there is none.
+std::FILE* followParent();
+
+/// The memory that this process has at the moment, in bytes; 0 when the system does not tell.
+qint64 ownMemory();
 
 /// Ends the process with `status` at once: the application object is never destroyed, so the usual teardown of Qt's
 /// libraries must not run.

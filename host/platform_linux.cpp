@@ -1,10 +1,12 @@
 // SPDX-License-Identifier: MIT
+#include "host/name_codec.h"
 #include "host/platform.h"
 
 #include <QFile>
 
 #include <cerrno>
 #include <clocale>
+#include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -20,10 +22,21 @@ QStringList commandLineArguments(int argc, char** argv)
 {
     // Qt's application object does this too, but only with the first request.
     std::setlocale(LC_ALL, "");
+    keepNamesThatAreNotText();
     QStringList arguments;
     for (int i = 0; i < argc; ++i)
         arguments.append(QFile::decodeName(argv[i]));
     return arguments;
+}
+
+QString fileNameFromBytes(const QByteArray& bytes)
+{
+    return QFile::decodeName(bytes);
+}
+
+Qt::CaseSensitivity caseOfNames()
+{
+    return Qt::CaseSensitive;
 }
 
 bool stderrIsTerminal()
@@ -69,10 +82,31 @@ QString diskFullText()
 
 bool writeText(std::FILE* stream, const QString& text)
 {
-    return std::fputs(text.toLocal8Bit().constData(), stream) >= 0 && std::fflush(stream) == 0;
+    const QByteArray bytes = text.toLocal8Bit();
+    const auto size = static_cast<std::size_t>(bytes.size());
+    return std::fwrite(bytes.constData(), 1, size, stream) == size && std::fflush(stream) == 0;
 }
 
 void makeStdoutBinary() {}
+
+std::FILE* followParent()
+{
+    for (const int signal : {SIGINT, SIGTERM, SIGHUP})
+        std::signal(signal, SIG_IGN);
+    const int channel = fcntl(STDOUT_FILENO, F_DUPFD_CLOEXEC, STDERR_FILENO + 1);
+    if (channel == -1 || !std::freopen("/dev/null", "w", stdout))
+        return nullptr;
+    return fdopen(channel, "w");
+}
+
+qint64 ownMemory()
+{
+    QFile file(QStringLiteral("/proc/self/statm"));
+    if (!file.open(QIODevice::ReadOnly | QIODevice::Unbuffered))
+        return 0;
+    // In pages: all, resident, shared and so on.
+    return file.read(256).split(' ').value(1).toLongLong() * sysconf(_SC_PAGESIZE);
+}
 
 void leave(int status)
 {

@@ -10,6 +10,7 @@
 #include <io.h>
 #include <windows.h>
 
+#include <psapi.h>
 #include <shellapi.h>
 
 namespace zr
@@ -25,6 +26,16 @@ QStringList commandLineArguments(int, char**)
         arguments.append(QString::fromWCharArray(texts[i]));
     LocalFree(texts);
     return arguments;
+}
+
+QString fileNameFromBytes(const QByteArray& bytes)
+{
+    return QString::fromUtf8(bytes);
+}
+
+Qt::CaseSensitivity caseOfNames()
+{
+    return Qt::CaseInsensitive;
 }
 
 bool stderrIsTerminal()
@@ -69,7 +80,8 @@ bool writeText(std::FILE* stream, const QString& text)
     DWORD mode = 0;
     if (!GetConsoleMode(handle, &mode)) {
         const QByteArray bytes = text.toUtf8();
-        return std::fputs(bytes.constData(), stream) >= 0 && std::fflush(stream) == 0;
+        const auto size = static_cast<std::size_t>(bytes.size());
+        return std::fwrite(bytes.constData(), 1, size, stream) == size && std::fflush(stream) == 0;
     }
     // Consoles take a limited number of characters at once.
     constexpr int kPieceLength = 8192;
@@ -87,6 +99,24 @@ bool writeText(std::FILE* stream, const QString& text)
 void makeStdoutBinary()
 {
     _setmode(_fileno(stdout), _O_BINARY);
+}
+
+std::FILE* followParent()
+{
+    SetConsoleCtrlHandler(nullptr, TRUE);
+    _setmode(_fileno(stdin), _O_BINARY);
+    const int channel = _dup(_fileno(stdout));
+    if (channel == -1 || !std::freopen("NUL", "w", stdout))
+        return nullptr;
+    return _fdopen(channel, "wb");
+}
+
+qint64 ownMemory()
+{
+    PROCESS_MEMORY_COUNTERS counters = {};
+    return K32GetProcessMemoryInfo(GetCurrentProcess(), &counters, sizeof counters)
+               ? static_cast<qint64>(counters.PagefileUsage)
+               : 0;
 }
 
 void leave(int status)

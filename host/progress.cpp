@@ -77,7 +77,7 @@ void Progress::print(std::FILE* stream, const QString& text)
         m_isStale = true;
         m_changed.notify_one();
     }
-    printLine(stream, text);
+    printText(stream, text);
 }
 
 void Progress::end(int done, int failures)

@@ -32,7 +32,7 @@ public:
     /// Shows that the file `name`, the `number`th, is being processed.
     void showFile(int number, const QString& name, int failures);
 
-    /// Prints a line to stdout or stderr. During a run, all lines must be printed by this.
+    /// Prints a line, with its end, to stdout or stderr. During a run, all lines must be printed by this.
     void print(std::FILE* stream, const QString& text);
 
     /// Erases the line for good, after `done` files. On terminals, reports how many failed, if any.

@@ -1,12 +1,11 @@
 // SPDX-License-Identifier: MIT
 #include "host/renderer_setup.h"
 
+#include "host/application.h"
 #include "host/qt_platform.h"
 #include "render/renderer_choice.h"
 #include "render/software_renderer.h"
 #include "request/qt_bootstrap.h"
-
-#include <QCoreApplication>
 
 namespace zr
 {
@@ -32,16 +31,6 @@ bool foundNoDisplay()
     return openGlLacksDisplay() && !isPlatformOfUser();
 }
 
-// Qt's plug-ins for databases need one. Never destroyed, as the one of a server.
-void makePlainApplication()
-{
-    static int argc = 1;
-    static char name[] = "zrthumb";
-    static char* argv[] = {name, nullptr};
-    static auto* const application = new QCoreApplication(argc, argv);
-    Q_UNUSED(application)
-}
-
 } // namespace
 
 void setUpRenderer(const Options& options)
@@ -59,7 +48,7 @@ void setUpRenderer(const Options& options)
     if (needsPlatform)
         chooseQtPlatform();
     else if (options.dataFolderUse == DataFolderUse::Usual)
-        makePlainApplication();
+        makePlainApplication(); // Qt's plug-ins for databases need one
 }
 
 void startQtForReader()

@@ -3,9 +3,10 @@
 
 #include "cache/cached_pictures.h"
 #include "core/data_location.h"
+#include "core/log_contract.h"
 #include "core/printable.h"
 #include "core/reasons.h"
-#include "host/failure_reason.h"
+#include "host/failure_keys.h"
 
 #include <QFileInfo>
 
@@ -17,6 +18,10 @@ namespace zr
 {
 namespace
 {
+
+constexpr char kNameNotText[] = "its name is not text in the encoding of this system; rename it";
+constexpr char kNameNotTextForCache[] = "its name is not text, which the cache cannot record: rename it, or use "
+                                        "--no-cache with --output-dir or --sheet";
 
 // Whether the file was loaded. An exception is a failure like any other: the server's DLL does not report them either.
 bool load(ThumbnailClient& client, const QString& path)
@@ -33,21 +38,21 @@ RequestResult requestFrom(ThumbnailClient& client, const QString& path, DataFold
     RequestResult result;
     const bool loaded = load(client, path);
     if (!loaded)
-        result.reason = failureReason(path, client.messages(path));
+        result.failure = failureOf(path, client.messages(path));
     // Also after a failure, since it ends the request's log instance.
     result.picture = client.extract();
     if (!loaded || use == DataFolderUse::None)
         return result;
     result.pngPath = findPicture(path);
     if (result.picture.isNull() || result.pngPath.isEmpty())
-        result.reason = lostPictureReason(path, result.pngPath);
+        result.failure = lostPicture(path, result.pngPath);
     return result;
 }
 
-RequestResult failed(const QString& reason)
+RequestResult failed(const Failure& failure)
 {
     RequestResult result;
-    result.reason = reason;
+    result.failure = failure;
     return result;
 }
 
@@ -57,7 +62,7 @@ RequestResult requestOnce(const QString& path, const QString& serverPath, DataFo
     try {
         client = makeThumbnailClient(serverPath, use);
     } catch (const std::runtime_error& error) {
-        return failed(QString::fromLocal8Bit(error.what()));
+        return failed({key::kServer, QString::fromLocal8Bit(error.what())});
     }
     return requestFrom(*client, path, use);
 }
@@ -76,14 +81,16 @@ RequestResult requestUpToTwice(const QString& path, const QString& serverPath, D
 
 RequestResult requestThumbnail(const QString& path, const QString& serverPath, DataFolderUse use)
 {
+    if (use == DataFolderUse::Usual && !path.isValidUtf16())
+        return failed({key::kNameNotText, talksToServer() ? kNameNotText : kNameNotTextForCache});
     try {
         RequestResult result = requestUpToTwice(path, serverPath, use);
         // It contains names of files and folders.
-        result.reason = printable(result.reason);
+        result.failure.reason = printable(result.failure.reason);
         return result;
     } catch (const std::exception&) {
         // Memory ran out while the result was described, not in the request itself. Other files may succeed.
-        return failed(QLatin1String(reason::kMemoryShort));
+        return failed({key::kMemoryOut, reason::kMemoryShort});
     }
 }
 

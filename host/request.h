@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "host/failure_reason.h"
 #include "host/thumbnail_client.h"
 
 #include <QImage>
@@ -13,9 +14,9 @@ namespace zr
 struct RequestResult {
     QImage picture;  ///< what extract handed back; null when there is no thumbnail
     QString pngPath; ///< absolute path of the cached PNG; empty without the cache
-    QString reason;  ///< why there is no thumbnail, one line; empty when there is one
+    Failure failure; ///< why there is no thumbnail; its reason is empty when there is one
 
-    bool succeeded() const { return reason.isEmpty(); }
+    bool succeeded() const { return failure.reason.isEmpty(); }
 };
 
 /// Runs one request for the file at the absolute `path`, with the server `serverPath` (see makeThumbnailClient).

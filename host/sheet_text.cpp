@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "host/sheet_text.h"
 
-#include <QGuiApplication>
 #include <QPainter>
 #include <QTextLayout>
 #include <QTextOption>
@@ -48,16 +47,6 @@ QStringList wrapped(const QString& text, const QFont& font, const QSize& size)
 }
 
 } // namespace
-
-void prepareDrawing()
-{
-    static int argc = 1;
-    static char name[] = "zrthumb";
-    static char* argv[] = {name, nullptr};
-    // Never destroyed, see leave().
-    static auto* const application = QCoreApplication::startingUp() ? new QGuiApplication(argc, argv) : nullptr;
-    Q_UNUSED(application)
-}
 
 QString elided(const CellLabel& label, const QFontMetrics& metrics, int widthPx)
 {

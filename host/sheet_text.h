@@ -11,9 +11,6 @@ class QRect;
 namespace zr
 {
 
-/// Makes the application object without which Qt draws no text, if the program has none: a server in a DLL has its own.
-void prepareDrawing();
-
 /// The label within `widthPx`, with dots in place of what is left out. The part that distinguishes it is left out last.
 QString elided(const CellLabel& label, const QFontMetrics& metrics, int widthPx);
 

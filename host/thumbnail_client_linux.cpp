@@ -3,7 +3,6 @@
 
 #include "core/job/thumbnail_job.h"
 #include "core/log_file.h"
-#include "host/log_tail.h"
 #include "host/renderer_setup.h"
 #include "request/thumbnail_extractor.h"
 
@@ -14,15 +13,17 @@ namespace zr
 namespace
 {
 
+// What its request logs is kept in memory as well, since other processes log to the same file.
 class NativeClient final : public ThumbnailClient
 {
 public:
+    NativeClient() { LogFile::instance()->keepCopy(); }
+
     bool load(const QString& path) override { return m_extractor.load(path); }
     QImage extract() override { return m_extractor.extract(); }
-    QStringList messages(const QString& path) const override { return m_log.messagesOf(path); }
+    QStringList messages(const QString&) const override { return LogFile::instance()->keptLines(); }
 
 private:
-    LogTail m_log;
     ThumbnailExtractor m_extractor;
 };
 

@@ -20,8 +20,9 @@ Finding outcome(const QString& what, const RequestResult& result, const QStringL
         return {Verdict::Ok, what, QStringLiteral("its thumbnail was made, and taken away again")};
     const QString sentence = QStringLiteral("no thumbnail: %1; mend what is marked FAIL above, if anything is");
     if (messages.isEmpty())
-        return {Verdict::Fail, what, sentence.arg(result.reason)};
-    return {Verdict::Fail, what, sentence.arg(result.reason) + QStringLiteral(". The request logged"), messages};
+        return {Verdict::Fail, what, sentence.arg(result.failure.reason)};
+    return {Verdict::Fail, what, sentence.arg(result.failure.reason) + QStringLiteral(". The request logged"),
+            messages};
 }
 
 } // namespace

@@ -7,6 +7,8 @@
 #include "host/platform.h"
 #include "host/renderer_setup.h"
 #include "host/run.h"
+#include "host/worker.h"
+#include "host/worker_messages.h"
 
 #include <QtGlobal>
 
@@ -26,6 +28,12 @@ void dropWarnings(QtMsgType type, const QMessageLogContext& context, const QStri
         zr::printLine(stderr, qFormatLogMessage(type, context, message));
 }
 
+void keepToOwnMessages()
+{
+    if (qEnvironmentVariableIsEmpty("QT_LOGGING_RULES"))
+        qInstallMessageHandler(dropWarnings);
+}
+
 int run(const zr::Options& options)
 {
     switch (options.action) {
@@ -39,8 +47,7 @@ int run(const zr::Options& options)
     case zr::Options::Action::RunChecks:
         break;
     }
-    if (qEnvironmentVariableIsEmpty("QT_LOGGING_RULES"))
-        qInstallMessageHandler(dropWarnings);
+    keepToOwnMessages();
     const bool usesDataFolder = options.dataFolderUse == zr::DataFolderUse::Usual;
     const QString fault = usesDataFolder ? zr::homeFault() : QString();
     if (!fault.isEmpty()) {
@@ -49,6 +56,15 @@ int run(const zr::Options& options)
     }
     zr::setUpRenderer(options);
     return options.action == zr::Options::Action::RunChecks ? zr::runChecks() : zr::makeThumbnails(options);
+}
+
+int runAsWorker()
+{
+    keepToOwnMessages();
+    const int status = zr::runWorker();
+    if (status == kWrongUsage)
+        zr::printLine(stderr, QStringLiteral("zrthumb: %1 is for what -j starts").arg(zr::kWorkerArgument));
+    return status;
 }
 
 // Output that did not get to stdout counts as a failure.
@@ -65,5 +81,7 @@ int withFaultOfStdout(int status)
 int main(int argc, char** argv)
 {
     zr::openStandardStreams();
-    zr::leave(withFaultOfStdout(run(zr::parseOptions(zr::commandLineArguments(argc, argv)))));
+    const QStringList arguments = zr::commandLineArguments(argc, argv);
+    const bool isWorker = arguments.mid(1) == QStringList(zr::kWorkerArgument);
+    zr::leave(isWorker ? runAsWorker() : withFaultOfStdout(run(zr::parseOptions(arguments))));
 }

@@ -1,0 +1,103 @@
+// SPDX-License-Identifier: MIT
+#include "host/name_list.h"
+
+#include "core/printable.h"
+#include "host/output_file.h"
+#include "host/platform.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+
+namespace zr
+{
+namespace
+{
+
+constexpr qint64 kBlockBytes = 1 << 16;
+
+// More than any system's paths have; what is longer is no list of names.
+constexpr int kMaxNameBytes = 1 << 17;
+
+// Splits blocks of bytes into names.
+class NameSplitter
+{
+public:
+    NameSplitter(char separator, const std::function<void(const QString&)>& onName)
+        : m_separator(separator), m_onName(onName)
+    {
+    }
+
+    /// Takes the next bytes. False when a name is too long.
+    bool add(const QByteArray& block)
+    {
+        int start = 0;
+        for (int end = block.indexOf(m_separator); end >= 0; end = block.indexOf(m_separator, start)) {
+            m_name += QByteArray::fromRawData(block.constData() + start, end - start);
+            endName();
+            start = end + 1;
+        }
+        m_name += QByteArray::fromRawData(block.constData() + start, block.size() - start);
+        return m_name.size() <= kMaxNameBytes;
+    }
+
+    /// The last name needs no separator.
+    void endName()
+    {
+        // Lines of a file from Windows end with two bytes, and it may begin with a mark.
+        if (m_separator == '\n' && isWindowsText() && m_name.endsWith('\r'))
+            m_name.chop(1);
+        if (!m_name.isEmpty())
+            m_onName(fileNameFromBytes(m_name));
+        m_name.clear();
+    }
+
+private:
+    static bool isWindowsText() { return QDir::separator() == QLatin1Char('\\'); }
+
+    const char m_separator;
+    const std::function<void(const QString&)>& m_onName;
+    QByteArray m_name;
+};
+
+QString opened(QFile& file, const QString& path)
+{
+    if (path == QLatin1String(kStdoutName))
+        return file.open(stdin, QIODevice::ReadOnly) ? QString() : file.errorString();
+    if (QFileInfo(path).isDir())
+        return QStringLiteral("it is a folder");
+    file.setFileName(path);
+    return file.open(QIODevice::ReadOnly) ? QString() : file.errorString();
+}
+
+} // namespace
+
+QString readNames(const QString& path, char separator, const std::function<void(const QString&)>& onName)
+{
+    const auto fault = [&path](const QString& reason) {
+        return QLatin1String("--files-from ") + printable(path) + QLatin1String(": ") + reason;
+    };
+    QFile file;
+    const QString reason = opened(file, path);
+    if (!reason.isEmpty())
+        return fault(reason);
+    NameSplitter names(separator, onName);
+    bool isFirst = true;
+    for (QByteArray block = file.read(kBlockBytes); !block.isEmpty(); block = file.read(kBlockBytes)) {
+        if (isFirst && (block.startsWith("\xFF\xFE") || block.startsWith("\xFE\xFF")))
+            return fault(QStringLiteral("its names are in UTF-16; save them as UTF-8"));
+        if (isFirst && block.startsWith("\xEF\xBB\xBF"))
+            block.remove(0, 3);
+        isFirst = false;
+        if (separator != '\0' && block.contains('\0'))
+            return fault(QStringLiteral("its names end with zero bytes: add -0"));
+        if (!names.add(block))
+            return fault(QStringLiteral("this is not a list of names, or they do not end as -0 says"));
+    }
+    if (file.error() != QFileDevice::NoError)
+        return fault(file.errorString());
+    names.endName();
+    return {};
+}
+
+} // namespace zr
