@@ -41,11 +41,11 @@ Batch::Batch(const Options& options, int jobs, const FileList& files, OnResult o
 
 Batch::~Batch() = default;
 
-void Batch::run(const Interruption& interruption)
+void Batch::run(const std::function<bool()>& mustStop)
 {
     QTimer look;
-    QObject::connect(&look, &QTimer::timeout, &look, [this, &interruption] {
-        m_isInterrupted = interruption.isRequested();
+    QObject::connect(&look, &QTimer::timeout, &look, [this, &mustStop] {
+        m_isStopping = mustStop();
         goOn();
     });
     look.start(kMsBetweenLooks);
@@ -60,8 +60,7 @@ void Batch::run(const Interruption& interruption)
 bool Batch::isDone() const
 {
     const auto isBusy = [](const auto& worker) { return !worker->tasks().empty(); };
-    return m_reported == m_files.size() ||
-           (m_isInterrupted && std::none_of(m_workers.begin(), m_workers.end(), isBusy));
+    return m_reported == m_files.size() || (m_isStopping && std::none_of(m_workers.begin(), m_workers.end(), isBusy));
 }
 
 // What there is to do after any event. Not called from within a worker's calls, since it destroys those that ended.
@@ -117,7 +116,7 @@ void Batch::startWorkers()
         QMetaObject::invokeMethod(
             &m_loop, [this] { goOn(); }, Qt::QueuedConnection);
     };
-    while (!m_isInterrupted && left > 0 && m_workers.size() < m_jobs)
+    while (!m_isStopping && left > 0 && m_workers.size() < m_jobs)
         m_workers.push_back(std::make_unique<WorkerProcess>(m_options, listener));
 }
 
@@ -137,7 +136,7 @@ void Batch::assign()
 void Batch::assignTo(WorkerProcess& worker)
 {
     const std::size_t index = next();
-    if (m_isInterrupted || index >= m_files.size() || index >= m_reported + m_maxAhead)
+    if (m_isStopping || index >= m_files.size() || index >= m_reported + m_maxAhead)
         return;
     const ListedFile file = m_files.at(index);
     const WorkerProcess* const reader = file.isShared ? readerOfSameName(index) : nullptr;

@@ -3,7 +3,6 @@
 
 #include "host/file_list.h"
 #include "host/file_task.h"
-#include "host/interruption.h"
 #include "host/options.h"
 #include "host/worker_process.h"
 
@@ -31,8 +30,8 @@ public:
     ~Batch();
     Q_DISABLE_COPY(Batch)
 
-    /// Returns when all files are done, or, after an interruption, those that had been begun.
-    void run(const Interruption& interruption);
+    /// Returns when all files are done, or, once `mustStop` says so, those that had been begun.
+    void run(const std::function<bool()>& mustStop);
 
 private:
     bool isDone() const;
@@ -58,7 +57,7 @@ private:
     std::size_t m_reported = 0;                  ///< the first file without a reported result
     std::map<std::size_t, FileResult> m_results; ///< not reported yet
     int m_startFailures = 0;                     ///< in succession
-    bool m_isInterrupted = false;
+    bool m_isStopping = false;
     QEventLoop m_loop;
 };
 

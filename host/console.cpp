@@ -11,10 +11,12 @@ namespace
 {
 
 QString fault;
+bool isGone = false;
 
 // Uses errno, so it has to come right after the failed call.
 void noteFault()
 {
+    isGone = isGone || errno == EPIPE;
     if (fault.isEmpty())
         fault = qt_error_string(errno);
 }
@@ -44,6 +46,11 @@ QString writeStdout(const QByteArray& bytes)
 QString stdoutFault()
 {
     return fault;
+}
+
+bool stdoutIsGone()
+{
+    return isGone;
 }
 
 } // namespace zr

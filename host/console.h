@@ -22,4 +22,7 @@ QString writeStdout(const QByteArray& bytes);
 /// Why something that was printed to stdout did not get there, in the system's words; empty when everything did.
 QString stdoutFault();
 
+/// Whether what read stdout has ended, so that nothing else will get there.
+bool stdoutIsGone();
+
 } // namespace zr

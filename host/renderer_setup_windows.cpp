@@ -2,6 +2,7 @@
 #include "host/renderer_setup.h"
 
 #include "host/qt_platform.h"
+#include "request/qt_bootstrap.h"
 
 namespace zr
 {
@@ -10,6 +11,11 @@ namespace zr
 void setUpRenderer(const Options&)
 {
     chooseQtPlatform();
+}
+
+void startQtForReader()
+{
+    startQt();
 }
 
 } // namespace zr

@@ -3,6 +3,7 @@
 
 #include "host/application.h"
 #include "host/batch.h"
+#include "host/console.h"
 #include "host/file_list.h"
 #include "host/file_task.h"
 #include "host/interruption.h"
@@ -64,7 +65,8 @@ void runInWorkers(const Options& options, int jobs, const FileList& list, const 
         if (index + 1 < list.size())
             progress.showFile(report.done() + 1, QFileInfo(list.at(index + 1).path).fileName(), report.failures());
     };
-    Batch(options, jobs, list, onResult).run(interruption);
+    // The system ends programs whose output nobody reads, but not those that lead others.
+    Batch(options, jobs, list, onResult).run([&interruption] { return interruption.isRequested() || stdoutIsGone(); });
 }
 
 int run(const Options& options, const FileList& list, Progress& progress)

@@ -33,6 +33,10 @@ public:
 /// Whether clients talk to a server, which can be named.
 bool talksToServer();
 
+/// Tells that other processes of the same run ask for thumbnails at the same time, so that the log has their lines
+/// among those of a request. To be called before the first request.
+void expectOthersInLog();
+
 /// A new client. `serverPath` names the DLL to use without registration (Windows only), empty for the registered one.
 /// Throws std::runtime_error with a sentence for the user when there is no server to talk to.
 std::unique_ptr<ThumbnailClient> makeThumbnailClient(const QString& serverPath, DataFolderUse use);

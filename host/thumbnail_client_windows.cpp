@@ -1,8 +1,12 @@
 // SPDX-License-Identifier: MIT
 #include "host/thumbnail_client.h"
 
+#include "cache/thumbnail_database.h"
+#include "core/job/thumbnail_job.h"
+#include "core/request_log.h"
 #include "host/bitmap_to_image.h"
 #include "host/log_tail.h"
+#include "host/reader_client.h"
 #include "request/server_class.h"
 
 #include <QDir>
@@ -77,6 +81,30 @@ ComPtr<IPersistFile> makeObject(const QString& serverPath)
     return object;
 }
 
+bool othersLog = false;
+
+// Of the job that the reader serves.
+QStringList jobsLines(const QString& path, const QStringList& messages)
+{
+    QStringList lines;
+    for (const FailureLine& line : FailureLines{kNoPicture, kDatabaseNotOpen, kTableNotMade, kNotSaved, kJobFailed}) {
+        if (RequestLog(asLogged(path), messages).has(line))
+            lines += QStringLiteral("%1 ").arg(line.number) + textOf(line, path);
+    }
+    return lines;
+}
+
+// What the reader logs for the file when it reads it again, here. Empty when it makes a picture.
+QStringList readersLines(const QString& path)
+{
+    ReaderClient reader;
+    try {
+        return reader.load(path) ? QStringList() : reader.messages(path);
+    } catch (const std::exception&) {
+        return reader.messages(path);
+    }
+}
+
 class ComClient final : public ThumbnailClient
 {
 public:
@@ -105,7 +133,15 @@ public:
         return image;
     }
 
-    QStringList messages(const QString& path) const override { return m_log.messagesOf(path); }
+    // Between other processes' lines, those of the reader cannot be told from theirs.
+    QStringList messages(const QString& path) const override
+    {
+        const QStringList logged = m_log.messagesOf(path);
+        if (!othersLog)
+            return logged;
+        const QStringList readers = readersLines(path);
+        return readers.isEmpty() ? jobsLines(path, logged) : readers;
+    }
 
 private:
     LogTail m_log;
@@ -117,6 +153,11 @@ private:
 bool talksToServer()
 {
     return true;
+}
+
+void expectOthersInLog()
+{
+    othersLog = true;
 }
 
 std::unique_ptr<ThumbnailClient> makeThumbnailClient(const QString& serverPath, DataFolderUse)

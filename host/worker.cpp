@@ -107,6 +107,7 @@ int runWorker()
         return kFailed;
     readObjAs(start->options.objReading);
     setUpRenderer(start->options);
+    expectOthersInLog();
     Worker(start->options, run).work();
     return 0;
 }

@@ -1,0 +1,235 @@
+// SPDX-License-Identifier: MIT
+// Runs in worker processes that are killed, interrupted or cannot be started.
+
+#include "tests/reliability/setting.h"
+#include "tests/support/child_processes.h"
+#include "tests/support/data_folder_fixture.h"
+#include "tests/support/files.h"
+#include "tests/support/mixed_files.h"
+#include "tests/support/program_run.h"
+#include "tests/support/qt_printers.h"
+
+#include <QDir>
+#include <QElapsedTimer>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QMap>
+#include <QTemporaryDir>
+
+#include <algorithm>
+#include <csignal>
+#include <cstdio>
+#include <functional>
+#include <random>
+
+#include <unistd.h>
+
+namespace zr::test
+{
+namespace
+{
+
+constexpr int kTimeoutMs = 120000;
+
+// A process in a group of its own, as a shell with a terminal starts its commands.
+class GroupLeader : public QProcess
+{
+public:
+    pid_t id() const { return static_cast<pid_t>(processId()); }
+
+protected:
+    void setupChildProcess() override { setpgid(0, 0); }
+};
+
+class BatchFaultsTest : public DataFolderTest
+{
+protected:
+    void makeFiles(int count) { m_names = makeMixedFiles(m_folder.filePath("Models"), count); }
+
+    void start(QProcess& program, const QStringList& arguments) const
+    {
+        program.setWorkingDirectory(m_folder.path());
+        startProgram(program, QStringLiteral(ZRTHUMB_PROGRAM), arguments);
+    }
+
+    // Each line as an object, by its file.
+    static QMap<QString, QJsonObject> resultsOf(const QByteArray& lines)
+    {
+        QMap<QString, QJsonObject> results;
+        for (const QByteArray& line : lines.split('\n')) {
+            if (line.isEmpty())
+                continue;
+            const QJsonObject result = QJsonDocument::fromJson(line).object();
+            EXPECT_FALSE(results.contains(result["file"].toString())) << line.constData();
+            results.insert(result["file"].toString(), result);
+        }
+        return results;
+    }
+
+    static int count(const QMap<QString, QJsonObject>& results,
+                     const std::function<bool(const QJsonObject&)>& isCounted)
+    {
+        return static_cast<int>(std::count_if(results.cbegin(), results.cend(), isCounted));
+    }
+
+    QTemporaryDir m_folder;
+    QStringList m_names;
+};
+
+bool awaited(const std::function<bool()>& happens)
+{
+    QElapsedTimer timer;
+    timer.start();
+    while (!happens()) {
+        if (timer.elapsed() > kTimeoutMs)
+            return false;
+        usleep(2000);
+    }
+    return true;
+}
+
+bool hasCrashed(const QJsonObject& result)
+{
+    return result["error"].toString() == "readerCrashed";
+}
+
+bool failed(const QJsonObject& result)
+{
+    return result.contains("error");
+}
+
+TEST_F(BatchFaultsTest, EachOfManyKillsCostsAtMostOneFile)
+{
+    const int kills = setting("ZRTHUMB_BATCH_KILLS", 25);
+    makeFiles(20 * kills);
+    QProcess whole;
+    start(whole, {"-r", "--json", "--no-cache", "--output-dir", "whole", "-j", "2", "Models"});
+    ASSERT_TRUE(whole.waitForFinished(kTimeoutMs));
+    const auto expected = resultsOf(whole.readAllStandardOutput());
+
+    QProcess program;
+    start(program, {"-r", "--json", "--no-cache", "--output-dir", "killed", "-j", "2", "Models"});
+    std::mt19937 random(std::random_device{}());
+    int killed = 0;
+    while (killed < kills && program.state() == QProcess::Running) {
+        program.waitForReadyRead(static_cast<int>(random() % 40));
+        const auto workers = childrenOf(program.processId());
+        if (workers.empty())
+            continue;
+        killProcess(*std::next(workers.begin(), static_cast<long>(random() % workers.size())));
+        ++killed;
+    }
+    ASSERT_TRUE(program.waitForFinished(kTimeoutMs));
+    EXPECT_EQ(program.exitStatus(), QProcess::NormalExit);
+    EXPECT_EQ(program.exitCode(), 1);
+    EXPECT_EQ(killed, kills);
+    const auto results = resultsOf(program.readAllStandardOutput());
+    EXPECT_EQ(results.keys(), expected.keys());
+    for (const QString& file : results.keys()) {
+        const QString png = file.mid(6) + ".png";
+        if (hasCrashed(results[file]))
+            continue;
+        EXPECT_EQ(failed(results[file]), failed(expected[file])) << file.toStdString();
+        EXPECT_EQ(results[file]["reason"], expected[file]["reason"]) << file.toStdString();
+        EXPECT_TRUE(failed(results[file]) ||
+                    readFile(m_folder.filePath("killed" + png)) == readFile(m_folder.filePath("whole" + png)))
+            << file.toStdString();
+    }
+    const int crashed = count(results, hasCrashed);
+    EXPECT_LE(crashed, kills);
+    EXPECT_GT(crashed, 0);
+    std::printf("%d kills cost %d of %d files\n", killed, crashed, results.size());
+}
+
+TEST_F(BatchFaultsTest, InterruptedRunIsGoneOnWith)
+{
+    makeFiles(400);
+    const QStringList arguments{"-r", "--json", "--no-cache", "--output-dir", "out", "-j", "2", "Models"};
+    GroupLeader program;
+    start(program, arguments);
+    QByteArray lines;
+    ASSERT_TRUE(awaited([&] {
+        program.waitForReadyRead(10);
+        lines += program.readAllStandardOutput();
+        return lines.count('\n') >= 20;
+    }));
+    // As Ctrl+C does it: to the run and its workers.
+    ASSERT_EQ(::kill(-program.id(), SIGINT), 0);
+    ASSERT_TRUE(program.waitForFinished(kTimeoutMs));
+    lines += program.readAllStandardOutput();
+    EXPECT_EQ(program.exitCode(), 128 + SIGINT);
+    const auto first = resultsOf(lines);
+    EXPECT_LT(first.size(), 400);
+    EXPECT_EQ(count(first, hasCrashed), 0);
+    EXPECT_EQ(QString::fromUtf8(program.readAllStandardError()),
+              QString("zrthumb: interrupted after %1 of 400 files\n").arg(first.size()));
+
+    QProcess again;
+    start(again, arguments);
+    ASSERT_TRUE(again.waitForFinished(kTimeoutMs));
+    const auto second = resultsOf(again.readAllStandardOutput());
+    EXPECT_EQ(second.size(), 400);
+    for (const QString& file : second.keys())
+        EXPECT_TRUE(failed(second[file]) || second[file]["cached"].toBool() == first.contains(file))
+            << file.toStdString();
+}
+
+TEST_F(BatchFaultsTest, WorkersEndWithTheirRun)
+{
+    makeFiles(400);
+    for (const int signal : {SIGKILL, SIGTERM}) {
+        QProcess program;
+        start(program, {"-r", "--json", "--no-cache", "--output-dir", QString::number(signal), "-j", "3", "Models"});
+        ASSERT_TRUE(program.waitForReadyRead(kTimeoutMs));
+        const auto workers = childrenOf(program.processId());
+        EXPECT_EQ(workers.size(), 3U);
+        ASSERT_EQ(::kill(static_cast<pid_t>(program.processId()), signal), 0);
+        ASSERT_TRUE(program.waitForFinished(kTimeoutMs));
+        EXPECT_TRUE(awaited([&] { return std::none_of(workers.begin(), workers.end(), isRunning); })) << signal;
+    }
+}
+
+// As in "zrthumb ... | head".
+TEST_F(BatchFaultsTest, RunEndsWithWhatReadsItsOutput)
+{
+    makeFiles(400);
+    QProcess shell;
+    shell.setWorkingDirectory(m_folder.path());
+    shell.start("sh", {"-c", QStringLiteral(
+                                 "{ %1 -r -j 2 --no-cache --output-dir out Models; echo status $? >&2; } | head -n 3")
+                                 .arg(QStringLiteral(ZRTHUMB_PROGRAM))});
+    ASSERT_TRUE(shell.waitForFinished(kTimeoutMs));
+    EXPECT_EQ(shell.readAllStandardOutput().count('\n'), 3);
+    const QByteArray errors = shell.readAllStandardError();
+    EXPECT_TRUE(errors.contains("zrthumb: stdout cannot be written: Broken pipe\n")) << errors.constData();
+    EXPECT_TRUE(errors.endsWith("status 1\n")) << errors.constData();
+    EXPECT_LT(QDir(m_folder.filePath("out")).entryList(QDir::Dirs | QDir::NoDotAndDotDot).size(), 20);
+}
+
+// The program is gone when the names arrive, and with it what workers are made of.
+TEST_F(BatchFaultsTest, EveryFileIsReportedWhenNoWorkerStarts)
+{
+    makeFiles(30);
+    const QString copy = m_folder.filePath("zrthumb");
+    ASSERT_TRUE(QFile::copy(QStringLiteral(ZRTHUMB_PROGRAM), copy));
+    QProcess program;
+    program.setWorkingDirectory(m_folder.path());
+    startProgram(program, copy, {"--json", "-j", "2", "--files-from", "-"});
+    ASSERT_TRUE(
+        awaited([&] { return QFile::symLinkTarget(QString("/proc/%1/exe").arg(program.processId())) == copy; }));
+    ASSERT_TRUE(QFile::remove(copy));
+    for (const QString& name : m_names)
+        program.write("Models/" + name.toUtf8() + '\n');
+    program.closeWriteChannel();
+    ASSERT_TRUE(program.waitForFinished(kTimeoutMs));
+    EXPECT_EQ(program.exitCode(), 1);
+    const auto results = resultsOf(program.readAllStandardOutput());
+    EXPECT_EQ(results.size(), 30);
+    for (const QJsonObject& result : results) {
+        EXPECT_EQ(result["error"].toString(), "noWorker");
+        EXPECT_TRUE(result["reason"].toString().startsWith("no process to read it could be started: "));
+    }
+}
+
+} // namespace
+} // namespace zr::test
