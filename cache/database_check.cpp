@@ -64,6 +64,11 @@ QStringList columnNamesOfTheCache()
 
 } // namespace
 
+bool hasTableOfTheCache(const QSqlDatabase& database)
+{
+    return columnNames(database) == columnNamesOfTheCache();
+}
+
 // An immutable file is read without locks and without the files that SQLite keeps beside it.
 DatabaseState inspectDatabase(const QString& path)
 {
@@ -79,7 +84,7 @@ DatabaseState inspectDatabase(const QString& path)
         QStringLiteral("select type from sqlite_master where name = '%1' collate nocase").arg(QLatin1String(kTable)));
     if (type.isNull())
         return DatabaseState::Usable;
-    const bool isOurs = type == QLatin1String("table") && columnNames(connection.database) == columnNamesOfTheCache();
+    const bool isOurs = type == QLatin1String("table") && hasTableOfTheCache(connection.database);
     return isOurs ? DatabaseState::Usable : DatabaseState::Foreign;
 }
 

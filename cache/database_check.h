@@ -3,6 +3,8 @@
 
 #include <QString>
 
+class QSqlDatabase;
+
 namespace zr
 {
 
@@ -16,5 +18,8 @@ enum class DatabaseState {
 /// Inspects the file at `path`, which must be a regular file; one that another process is changing counts as usable.
 /// Takes no lock, so neither side waits for the other, and writes nothing.
 DatabaseState inspectDatabase(const QString& path);
+
+/// Whether what is called as the cache's table in the open database has that table's columns.
+bool hasTableOfTheCache(const QSqlDatabase& database);
 
 } // namespace zr

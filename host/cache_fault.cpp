@@ -32,24 +32,14 @@ QString apostropheFault(const QString& path)
 
 QString folderFault(const QString& folder)
 {
-    const QFileInfo info(folder);
-    if (info.isDir())
-        return QString();
-    if (info.exists() || info.isSymLink())
-        return QStringLiteral("%1 is in the place of a folder: move it away").arg(folder);
-    const QString parent = info.path();
-    const QString fault = folderFault(parent);
+    QString fault = misplacedFolderFault(folder);
+    if (!fault.isEmpty() || QFileInfo(folder).isDir())
+        return fault;
+    const QString parent = QFileInfo(folder).path();
+    fault = folderFault(parent);
     if (!fault.isEmpty() || writeFault(parent).isEmpty())
         return fault;
     return QStringLiteral("the data folder cannot be made in %1: %2").arg(parent, writeFault(parent));
-}
-
-QString spaceFault()
-{
-    const QStorageInfo disk(dataFolder());
-    if (!disk.isValid() || disk.bytesAvailable() >= kMinFreeBytes)
-        return QString();
-    return QStringLiteral("the disk is full: make room for the data folder, %1").arg(dataFolder());
 }
 
 // An existing file that may not be written, or a folder that takes no new files.
@@ -78,6 +68,24 @@ QString pictureFault(const QString& path)
     return fileFault(path);
 }
 
+} // namespace
+
+QString misplacedFolderFault(const QString& folder)
+{
+    const QFileInfo info(folder);
+    if (info.isDir() || !(info.exists() || info.isSymLink()))
+        return QString();
+    return QStringLiteral("%1 is in the place of a folder: move it away").arg(folder);
+}
+
+QString spaceFault()
+{
+    const QStorageInfo disk(dataFolder());
+    if (!disk.isValid() || disk.bytesAvailable() >= kMinFreeBytes)
+        return QString();
+    return QStringLiteral("the disk is full: make room for the data folder, %1").arg(dataFolder());
+}
+
 QString databaseFault(const QString& path)
 {
     QString fault = fileFault(path);
@@ -97,8 +105,6 @@ QString databaseFault(const QString& path)
     }
     return QString();
 }
-
-} // namespace
 
 QString cacheFault(const QString& path)
 {

@@ -43,7 +43,8 @@ For each file, the path of its PNG goes to stdout, or one line to stderr:
 
 Exit status:
   0    all files have a thumbnail, all outputs are written
-  1    a file has none, a folder could not be listed or an output not written
+  1    a file has none, a folder could not be listed or an output not written;
+       something could not be removed
   2    wrong usage; nothing was done
   130  interrupted (128 + the signal's number)
 )";
@@ -92,7 +93,7 @@ struct CommandLine {
             parser.addOption(server);
         else
             parser.addOptions({renderer, obj, noCache});
-        parser.addOptions({check, help, version});
+        parser.addOptions({prune, clear, check, help, version});
     }
 
     // The parser takes the program's name from the application object, which does not exist at this point.
@@ -145,6 +146,8 @@ struct CommandLine {
     const QCommandLineOption noCache{"no-cache",
                                      "With -o, --output-dir or --sheet, leave the cache and the log alone."};
     const QCommandLineOption server{"dll", "Use the server in the DLL <PATH> without registration.", "PATH"};
+    const QCommandLineOption prune{"prune", "Remove from the cache what belongs to files that are gone."};
+    const QCommandLineOption clear{"clear", "Remove all pictures from the cache."};
     const QCommandLineOption check{"check", "Tell why no thumbnails show: check the installation and this machine."};
     const QCommandLineOption help{{"h", "help"}, "Show this help."};
     const QCommandLineOption version{{"v", "version"}, "Show the version."};
@@ -166,12 +169,12 @@ Options reject(const QString& reason)
     return options;
 }
 
-Options check(const CommandLine& line)
+Options standAlone(const CommandLine& line, const QCommandLineOption& option, Options::Action action)
 {
     if (line.parser.optionNames().size() > 1 || !line.parser.positionalArguments().isEmpty())
-        return reject(QStringLiteral("--check stands alone"));
+        return reject(QStringLiteral("--%1 stands alone").arg(option.names().first()));
     Options options;
-    options.action = Options::Action::RunChecks;
+    options.action = action;
     return options;
 }
 
@@ -260,7 +263,11 @@ Options parseOptions(const QStringList& arguments)
     if (line.parser.isSet(line.version))
         return show(QStringLiteral("zrthumb " ZRTHUMB_VERSION "\n"));
     if (line.parser.isSet(line.check))
-        return check(line);
+        return standAlone(line, line.check, Options::Action::RunChecks);
+    if (line.parser.isSet(line.prune))
+        return standAlone(line, line.prune, Options::Action::PruneCache);
+    if (line.parser.isSet(line.clear))
+        return standAlone(line, line.clear, Options::Action::ClearCache);
 
     Options options;
     options.environment = QProcessEnvironment::systemEnvironment();

@@ -14,7 +14,7 @@ namespace zr
 /// What the command line asks for.
 struct Options {
     enum class Renderer { Auto, OpenGl, Software };
-    enum class Action { MakeThumbnails, RunChecks, ShowText, RejectUsage };
+    enum class Action { MakeThumbnails, RunChecks, PruneCache, ClearCache, ShowText, RejectUsage };
 
     Action action = Action::MakeThumbnails;
     QString text; ///< what to show: help or version on stdout, a usage error on stderr

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // zrthumb: makes thumbnails from the command line, by the same requests as the file browser.
 
+#include "host/care.h"
 #include "host/check/check.h"
 #include "host/console.h"
 #include "host/options.h"
@@ -45,6 +46,8 @@ int run(const zr::Options& options)
         return kWrongUsage;
     case zr::Options::Action::MakeThumbnails:
     case zr::Options::Action::RunChecks:
+    case zr::Options::Action::PruneCache:
+    case zr::Options::Action::ClearCache:
         break;
     }
     keepToOwnMessages();
@@ -54,6 +57,8 @@ int run(const zr::Options& options)
         zr::printLine(stderr, QLatin1String("zrthumb: ") + fault);
         return kFailed;
     }
+    if (options.action == zr::Options::Action::PruneCache || options.action == zr::Options::Action::ClearCache)
+        return zr::careForCache(options.action);
     zr::setUpRenderer(options);
     return options.action == zr::Options::Action::RunChecks ? zr::runChecks() : zr::makeThumbnails(options);
 }

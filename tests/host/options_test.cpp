@@ -87,7 +87,7 @@ TEST(OptionsTest, HelpNamesEveryOption)
         const Options options = parse({form});
         EXPECT_EQ(options.action, Options::Action::ShowText);
         for (const char* part : {"Usage: zrthumb", "FILE...", "--output", "--size", "--sheet", "--recursive", "--quiet",
-                                 "--check", "--version", "--help"})
+                                 "--prune", "--clear", "--check", "--version", "--help"})
             EXPECT_TRUE(options.text.contains(part)) << part;
     }
 }
@@ -104,13 +104,21 @@ TEST(OptionsTest, HelpHasFormatsExamplesAndStatuses)
         EXPECT_LE(line.size(), 80) << line.toStdString();
 }
 
-TEST(OptionsTest, CheckAcceptsNoOtherArguments)
+TEST(OptionsTest, SomeOptionsAcceptNoOtherArguments)
 {
-    EXPECT_EQ(parse({"--check"}).action, Options::Action::RunChecks);
-    for (const QStringList& more : {QStringList{"--check", "a.stl"}, QStringList{"-q", "--check"}}) {
-        EXPECT_EQ(parse(more).action, Options::Action::RejectUsage);
-        EXPECT_TRUE(parse(more).text.contains("--check stands alone"));
+    const std::pair<QString, Options::Action> cases[] = {
+        {"--check", Options::Action::RunChecks},
+        {"--prune", Options::Action::PruneCache},
+        {"--clear", Options::Action::ClearCache},
+    };
+    for (const auto& [option, action] : cases) {
+        EXPECT_EQ(parse({option}).action, action);
+        for (const QStringList& more : {QStringList{option, "a.stl"}, QStringList{"-q", option}}) {
+            EXPECT_EQ(parse(more).action, Options::Action::RejectUsage);
+            EXPECT_TRUE(parse(more).text.contains(option + " stands alone"));
+        }
     }
+    EXPECT_EQ(parse({"--prune", "--clear"}).action, Options::Action::RejectUsage);
 }
 
 // The server always draws with OpenGL, and always caches.

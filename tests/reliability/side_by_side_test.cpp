@@ -30,8 +30,10 @@ protected:
         makeSources(setting("ZRTHUMB_SIDE_BY_SIDE_FILES", 40));
     }
 
+    enum class Outcome { AllSucceed, SomeMayFail };
+
     // Every process requests every file, while this process keeps reading the pictures.
-    void runAll()
+    void runAll(Outcome outcome = Outcome::AllSucceed)
     {
         std::vector<std::unique_ptr<QProcess>> programs;
         for (int i = 0; i < m_processes; ++i) {
@@ -40,16 +42,49 @@ protected:
         }
         const auto isRunning = [](const auto& program) { return program->state() != QProcess::NotRunning; };
         while (std::any_of(programs.begin(), programs.end(), isRunning)) {
-            readPictures();
+            if (outcome == Outcome::AllSucceed)
+                readPictures();
             for (const auto& program : programs)
                 program->waitForFinished(1);
         }
         for (const auto& program : programs) {
             EXPECT_EQ(program->exitStatus(), QProcess::NormalExit);
+            if (outcome == Outcome::SomeMayFail)
+                continue;
             EXPECT_EQ(program->exitCode(), 0);
             EXPECT_EQ(program->readAllStandardOutput().count('\n'), sources().size());
             EXPECT_EQ(program->readAllStandardError(), QByteArray());
         }
+    }
+
+    // All that is done meanwhile, over and over, is done to files that have changed.
+    void runAllDuring(const QString& option, Outcome outcome)
+    {
+        QProcess care;
+        care.start(QStringLiteral(ZRTHUMB_PROGRAM), {option});
+        ASSERT_TRUE(care.waitForStarted());
+        while (!care.waitForFinished(1) && care.state() != QProcess::NotRunning) {
+            touchSources();
+            runAll(outcome);
+        }
+        EXPECT_EQ(care.exitStatus(), QProcess::NormalExit);
+        EXPECT_EQ(care.readAllStandardError(), QByteArray());
+        EXPECT_EQ(care.exitCode(), 0);
+        EXPECT_TRUE(care.readAllStandardOutput().startsWith("removed "));
+    }
+
+    // Something to remove: pictures that no row names, one of them too young.
+    static void addOrphans()
+    {
+        for (const char* const name : {"old.png", ".leftover.png", "young.png"})
+            writeFile(thumbnailImageFolder() + name, "orphan");
+        for (const char* const name : {"old.png", ".leftover.png"})
+            moveTimeStamp(thumbnailImageFolder() + name, -100);
+    }
+
+    static bool hasOrphans()
+    {
+        return QDir(thumbnailImageFolder()).exists("old.png") || QDir(thumbnailImageFolder()).exists("young.png");
     }
 
     const int m_processes = setting("ZRTHUMB_SIDE_BY_SIDE_PROCESSES", 8);
@@ -59,7 +94,7 @@ private:
     void readPictures()
     {
         const QDir folder(thumbnailImageFolder());
-        const QStringList names = folder.entryList(QDir::Files);
+        const QStringList names = folder.entryList({"[0-9]*"}, QDir::Files); // no orphans
         for (const QString& name : names) {
             EXPECT_FALSE(QImage(folder.filePath(name)).isNull()) << name.toStdString();
             ++m_picturesRead;
@@ -98,6 +133,29 @@ TEST_F(SideBySideTest, EveryRequestSucceedsAndNothingIsLostOrTorn)
     EXPECT_EQ(counts.size(), 3U);
     std::printf("%d processes, %d files, twice: %d complete pictures read meanwhile, %d pictures made again\n",
                 m_processes, sources().size(), m_picturesRead, counts["106  throw "]);
+}
+
+TEST_F(SideBySideTest, PruningTakesNothingFromOthers)
+{
+    runAll();
+    addOrphans();
+    runAllDuring("--prune", Outcome::AllSucceed);
+    expectCompleteCache();
+    EXPECT_FALSE(hasOrphans());
+    EXPECT_EQ(unfinishedPictures(), QStringList());
+}
+
+// A request fails whose row is removed before it has looked at it again.
+TEST_F(SideBySideTest, ClearingLeavesASoundCache)
+{
+    runAll();
+    addOrphans();
+    runAllDuring("--clear", Outcome::SomeMayFail);
+    expectSoundCache();
+    EXPECT_FALSE(hasOrphans());
+    runAll();
+    expectCompleteCache();
+    EXPECT_EQ(unfinishedPictures(), QStringList());
 }
 
 } // namespace
