@@ -22,6 +22,7 @@ Qt::CaseSensitivity caseOfNames();
 /// Whether the stream is a terminal.
 bool stderrIsTerminal();
 bool stdoutIsTerminal();
+bool stdinIsTerminal();
 
 /// Opens the null device for each of stdin, stdout and stderr that is closed, so that no file that is opened later
 /// becomes one of them. To be called before anything else.

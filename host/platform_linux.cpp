@@ -49,6 +49,11 @@ bool stdoutIsTerminal()
     return isatty(STDOUT_FILENO) == 1;
 }
 
+bool stdinIsTerminal()
+{
+    return isatty(STDIN_FILENO) == 1;
+}
+
 void openStandardStreams()
 {
     for (int descriptor = STDIN_FILENO; descriptor <= STDERR_FILENO; ++descriptor) {

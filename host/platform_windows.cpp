@@ -48,6 +48,11 @@ bool stdoutIsTerminal()
     return _isatty(_fileno(stdout)) != 0;
 }
 
+bool stdinIsTerminal()
+{
+    return _isatty(_fileno(stdin)) != 0;
+}
+
 void openStandardStreams()
 {
     const std::pair<std::FILE*, const char*> streams[] = {{stdin, "r"}, {stdout, "w"}, {stderr, "w"}};

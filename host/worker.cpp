@@ -98,7 +98,7 @@ private:
 
 int runWorker()
 {
-    std::FILE* const run = followParent();
+    std::FILE* const run = stdinIsTerminal() ? nullptr : followParent();
     const auto bytes = run ? readMessage() : std::nullopt;
     const auto start = bytes ? startFrom(*bytes) : std::nullopt;
     if (!start)

@@ -127,10 +127,18 @@ TEST_F(BatchTest, FewFilesAndManyProcesses)
 // Nobody but a run starts workers.
 TEST_F(BatchTest, WorkerOnItsOwnDoesNothing)
 {
-    const ProgramRun worker = run({"--worker"});
-    EXPECT_EQ(worker.status, 2);
-    EXPECT_EQ(worker.out, QStringList());
-    EXPECT_EQ(worker.err, QStringList("zrthumb: --worker is for what -j starts"));
+    for (const QByteArray& input : {QByteArray(), QByteArray("a"), QByteArray("\0\0\0\2ab", 6),
+                                    QByteArray("\xff\xff\xff\xff") + QByteArray(100, 'a')}) {
+        QProcess worker;
+        worker.setWorkingDirectory(m_folder.path());
+        startProgram(worker, QStringLiteral(ZRTHUMB_PROGRAM), {"--worker"});
+        worker.write(input);
+        worker.closeWriteChannel();
+        ASSERT_TRUE(worker.waitForFinished(kTimeoutMs));
+        EXPECT_EQ(worker.exitCode(), 2);
+        EXPECT_EQ(worker.readAllStandardOutput(), "");
+        EXPECT_EQ(worker.readAllStandardError().trimmed(), "zrthumb: --worker is for what -j starts");
+    }
 }
 
 // Of a run with many files, of which each may be killed with the worker that reads it.

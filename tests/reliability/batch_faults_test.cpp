@@ -29,7 +29,14 @@ namespace zr::test
 namespace
 {
 
-constexpr int kTimeoutMs = 120000;
+constexpr int kTimeoutMs = 300000;
+
+// Sanitizers take ten times as long.
+#ifdef __SANITIZE_ADDRESS__
+constexpr int kKills = 15;
+#else
+constexpr int kKills = 100;
+#endif
 
 // A process in a group of its own, as a shell with a terminal starts its commands.
 class GroupLeader : public QProcess
@@ -100,7 +107,7 @@ bool failed(const QJsonObject& result)
 
 TEST_F(BatchFaultsTest, EachOfManyKillsCostsAtMostOneFile)
 {
-    const int kills = setting("ZRTHUMB_BATCH_KILLS", 25);
+    const int kills = setting("ZRTHUMB_BATCH_KILLS", kKills);
     makeFiles(20 * kills);
     QProcess whole;
     start(whole, {"-r", "--json", "--no-cache", "--output-dir", "whole", "-j", "2", "Models"});

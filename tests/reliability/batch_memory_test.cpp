@@ -81,7 +81,7 @@ TEST_F(BatchMemoryTest, RunAndWorkersStayWithinTheirLimits)
         m_runPeak = 0;
         m_workerPeaks.clear();
         run({"-r", "-q", "-j", "2", "--worker-memory", QString::number(kWorkerMegabytes), "--renderer", renderer,
-             "Models"});
+             "--no-cache", "--output-dir", renderer, "Models"});
         EXPECT_LT(m_runPeak, kMaxRunBytes) << renderer.toStdString();
         EXPECT_LT(largestWorker(), kWorkerMegabytes * kMegabyte) << renderer.toStdString();
         std::printf("%s: the run took %lld MB, the largest of %zu workers %lld MB\n", qPrintable(renderer),
