@@ -41,6 +41,11 @@ int jobsFor(const Options& options, std::size_t files)
     return options.jobs == 0 ? QThread::idealThreadCount() : options.jobs;
 }
 
+void showReading(Progress& progress, const ListedFile& file, const Report& report)
+{
+    progress.showFile(report.done() + 1, QFileInfo(file.path).fileName(), report.failures());
+}
+
 void runHere(const Options& options, const FileList& list, const Interruption& interruption, Progress& progress,
              Report& report)
 {
@@ -48,7 +53,7 @@ void runHere(const Options& options, const FileList& list, const Interruption& i
     FileTask task(options);
     for (std::size_t i = 0; i < list.size() && !interruption.isRequested(); ++i) {
         const ListedFile file = list.at(i);
-        progress.showFile(report.done() + 1, QFileInfo(file.path).fileName(), report.failures());
+        showReading(progress, file, report);
         report.add(file, task.run(file));
     }
 }
@@ -63,9 +68,11 @@ void runInWorkers(const Options& options, int jobs, const FileList& list, const 
     const auto onResult = [&](std::size_t index, FileResult&& result) {
         report.add(list.at(index), result);
         if (index + 1 < list.size())
-            progress.showFile(report.done() + 1, QFileInfo(list.at(index + 1).path).fileName(), report.failures());
+            showReading(progress, list.at(index + 1), report);
     };
     // The system ends programs whose output nobody reads, but not those that lead others.
+    if (list.size() > 0)
+        showReading(progress, list.at(0), report);
     Batch(options, jobs, list, onResult).run([&interruption] { return interruption.isRequested() || stdoutIsGone(); });
 }
 

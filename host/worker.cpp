@@ -105,6 +105,8 @@ int runWorker()
         return kWrongUsage;
     if (start->version != QLatin1String(ZRTHUMB_VERSION))
         return kFailed;
+    // The run has found that there is one, or has no use for it.
+    Q_UNUSED(homeFault())
     readObjAs(start->options.objReading);
     setUpRenderer(start->options);
     expectOthersInLog();
