@@ -52,9 +52,10 @@ private:
         level.prefix = folder.endsWith(QDir::separator()) ? folder : folder + QDir::separator();
         level.below = below;
         sortByPath(level.entries);
+        m_waiting += filesOf(level);
         m_levels.push_back(std::move(level));
         if (m_onFound)
-            m_onFound(m_list.size() + filesOf(m_levels.back()));
+            m_onFound(m_list.size() + m_waiting);
     }
 
     // Each folder's files come where the folder's name with a separator belongs: as if all paths were sorted.
@@ -82,6 +83,7 @@ private:
         const QString path = level.prefix + entry.name;
         if (!entry.isFolder && !isSupported(entry.name))
             return;
+        m_waiting -= entry.isFolder ? 0 : 1;
         if (!entry.isText)
             m_list.faults.push_back({path, QStringLiteral("left out: its name is not text in the encoding of this "
                                                           "system; rename it")});
@@ -100,6 +102,7 @@ private:
     const std::function<void(std::size_t)>& m_onFound;
     const QStringList m_suffixes = supportedSuffixes();
     std::vector<Level> m_levels; ///< from the top to the present folder
+    std::size_t m_waiting = 0;   ///< files of these that are not in the list yet
 };
 
 // The folder part of a path, with its last separator.
