@@ -45,40 +45,40 @@ TEST_F(SharedPicturesTest, OnlyRowsThatShareTheirPngBecomeStale)
     addRow("/d/other.stl", "/i/other.png");
     const SharedPictures pictures;
     for (const char* const path : {"/a/part.stl", "/d/other.stl", "/e/unknown.stl", "/e/o'brien.stl"})
-        pictures.prepare(path);
+        pictures.prepare(path, false);
     EXPECT_TRUE(isStale("/a/part.stl"));
     EXPECT_FALSE(isStale("/b/part.stl"));
     EXPECT_FALSE(isStale("/d/other.stl"));
     // In a case-insensitive file system these two are one file.
-    pictures.prepare("/c/Part.stl");
+    pictures.prepare("/c/Part.stl", false);
     EXPECT_TRUE(isStale("/c/Part.stl"));
 }
 
-TEST_F(SharedPicturesTest, PngThatWasHandedOutForAnotherFileIsShared)
+// Requests for other files of its name may put their pictures into its PNG, also if they have no rows yet.
+TEST_F(SharedPicturesTest, RowOfARepeatedNameBecomesStale)
 {
     createDataFolder();
     addRow("/b/part.stl", "/i/part.png");
-    SharedPictures pictures;
-    pictures.prepare("/b/part.stl");
+    addRow("/d/other.stl", "/i/other.png");
+    const SharedPictures pictures;
+    pictures.prepare("/b/part.stl", false);
     EXPECT_FALSE(isStale("/b/part.stl"));
-    pictures.handedOut("/b/part.stl", "/i/part.png");
-    pictures.prepare("/b/part.stl");
-    EXPECT_FALSE(isStale("/b/part.stl"));
-    pictures.handedOut("/a/part.stl", "/i/part.png");
-    pictures.prepare("/b/part.stl");
+    pictures.prepare("/e/unknown.stl", true);
+    pictures.prepare("/b/part.stl", true);
     EXPECT_TRUE(isStale("/b/part.stl"));
+    EXPECT_FALSE(isStale("/d/other.stl"));
 }
 
 TEST_F(SharedPicturesTest, MissingCacheIsNotCreated)
 {
-    SharedPictures().prepare("/a/part.stl");
+    SharedPictures().prepare("/a/part.stl", true);
     EXPECT_FALSE(QFileInfo::exists(dataFolder()));
     createDataFolder();
-    SharedPictures().prepare("/a/part.stl");
+    SharedPictures().prepare("/a/part.stl", true);
     EXPECT_FALSE(QFileInfo::exists(defaultDatabasePath()));
     const QByteArray garbage(4096, 'x');
     writeFile(defaultDatabasePath(), garbage);
-    SharedPictures().prepare("/a/part.stl");
+    SharedPictures().prepare("/a/part.stl", true);
     EXPECT_EQ(readFile(defaultDatabasePath()), garbage);
 }
 

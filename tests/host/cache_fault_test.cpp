@@ -53,7 +53,7 @@ protected:
         return writeFile(path, samples::vrxBytes(parts));
     }
 
-    static QString reasonOf(const QString& path) { return requestThumbnail(path, QString()).reason; }
+    static QString reasonOf(const QString& path) { return requestThumbnail(path, QString()).failure.reason; }
 
     static void expectReason(const QString& path, const QString& reason)
     {

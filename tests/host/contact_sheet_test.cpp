@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "host/contact_sheet.h"
 
+#include "host/application.h"
 #include "host/sheet_text.h"
 #include "tests/support/qt_printers.h"
 
@@ -314,7 +315,7 @@ TEST(CellLabelsTest, UnprintableCharactersAreMasked)
 
 TEST(CellLabelsTest, ShortenedLabelsStillDistinguishEqualNames)
 {
-    prepareDrawing();
+    makeDrawingApplication();
     QFont font;
     font.setPixelSize(13);
     const QFontMetrics metrics(font);

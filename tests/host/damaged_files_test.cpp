@@ -239,7 +239,7 @@ protected:
     {
         const RequestResult result = requestThumbnail(path, QString(), use);
         EXPECT_TRUE(result.picture.isNull());
-        return result.reason;
+        return result.failure.reason;
     }
 
     QTemporaryDir m_folder;

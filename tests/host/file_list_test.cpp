@@ -14,6 +14,7 @@
 #ifdef Q_OS_WIN
 #include <windows.h>
 #else
+#include <malloc.h>
 #include <sys/stat.h>
 #include <unistd.h>
 #endif
@@ -31,6 +32,23 @@ protected:
         const QString path = m_folder.filePath(name);
         QDir().mkpath(QFileInfo(path).path());
         writeFile(path, "x");
+    }
+
+    // The places of the files below an output's folder.
+    static QStringList places(const FileList& list)
+    {
+        QStringList found;
+        for (std::size_t i = 0; i < list.size(); ++i)
+            found += list.at(i).below;
+        return found;
+    }
+
+    FileList listNamed(const QStringList& names, bool recursive) const
+    {
+        QString fault;
+        const FileList list = listNamedFiles(writeFile(m_listFile, names.join('\n').toUtf8()), '\n', recursive, fault);
+        EXPECT_EQ(fault, "");
+        return list;
     }
 
     static void hide(const QString& path)
@@ -51,22 +69,32 @@ protected:
     QStringList names(const FileList& list) const
     {
         QStringList found;
-        for (const ListedFile& file : list.files)
-            found += QDir::fromNativeSeparators(file.path).mid(m_folder.path().size() + 1);
+        for (std::size_t i = 0; i < list.size(); ++i)
+            found += QDir::fromNativeSeparators(list.at(i).path).mid(m_folder.path().size() + 1);
         return found;
     }
 
+    // "NAME: REASON" of each.
+    static QStringList faults(const FileList& list)
+    {
+        QStringList texts;
+        for (const ListFault& fault : list.faults)
+            texts += fault.shown + ": " + fault.reason;
+        return texts;
+    }
+
     QTemporaryDir m_folder;
+    const QString m_listFile = m_folder.filePath("names.txt");
 };
 
 TEST_F(FileListTest, PathsAreAbsoluteAndNative)
 {
     const FileList list = listFiles({"a.stl", "sub/../b.stl"}, false);
-    ASSERT_EQ(list.files.size(), 2U);
-    EXPECT_EQ(list.files[0].shown, "a.stl");
-    EXPECT_EQ(list.files[0].path, QDir::toNativeSeparators(QDir::currentPath() + "/a.stl"));
-    EXPECT_EQ(list.files[1].shown, "sub/../b.stl");
-    EXPECT_EQ(list.files[1].path, QDir::toNativeSeparators(QDir::currentPath() + "/b.stl"));
+    ASSERT_EQ(list.size(), 2U);
+    EXPECT_EQ(list.at(0).shown, "a.stl");
+    EXPECT_EQ(list.at(0).path, QDir::toNativeSeparators(QDir::currentPath() + "/a.stl"));
+    EXPECT_EQ(list.at(1).shown, "sub/../b.stl");
+    EXPECT_EQ(list.at(1).path, QDir::toNativeSeparators(QDir::currentPath() + "/b.stl"));
 }
 
 TEST_F(FileListTest, SupportedFilesBelowAFolderAreSortedByPath)
@@ -76,8 +104,122 @@ TEST_F(FileListTest, SupportedFilesBelowAFolderAreSortedByPath)
         make(name);
     const FileList found = list();
     EXPECT_EQ(names(found), QStringList({"a/b/c/d.stl", "a/c.vrx", "a/z.VRXDLP", "b.vrx", "folder.stl/x.obj"}));
-    EXPECT_EQ(found.faults, QStringList());
+    EXPECT_EQ(faults(found), QStringList());
     EXPECT_EQ(found.notes, QStringList());
+}
+
+// A folder's files are together, and where its name with a separator belongs.
+TEST_F(FileListTest, OrderIsThatOfTheWholePaths)
+{
+    for (const char* const name : {"a/x.stl", "a-b/x.stl", "a.stl", "a b/x.stl", "a0.stl", "a/b/x.stl", "a/b.stl",
+                                   "a/b-c.stl", "B.stl", "a_/x.stl", "b/a.stl", "a.stl.obj", "a/c.txt"})
+        make(name);
+    const FileList found = list();
+    EXPECT_EQ(found.size(), 12U);
+    QStringList paths;
+    for (std::size_t i = 0; i < found.size(); ++i)
+        paths += found.at(i).path;
+    QStringList sorted = paths;
+    sorted.sort();
+    EXPECT_EQ(paths, sorted);
+}
+
+TEST_F(FileListTest, NamesAreTheUsersAndPathsAbsolute)
+{
+    make("a/b/c.stl");
+    make("a/d.stl");
+    for (const QString& folder : {m_folder.filePath("a"), m_folder.filePath("a/"), m_folder.filePath("a/b/..")}) {
+        const FileList found = listFiles({folder}, true);
+        ASSERT_EQ(found.size(), 2U);
+        const QString prefix = QDir::toNativeSeparators(folder.endsWith('/') ? folder : folder + '/');
+        EXPECT_EQ(found.at(0).shown, prefix + QDir::toNativeSeparators("b/c.stl"));
+        EXPECT_EQ(found.at(1).shown, prefix + "d.stl");
+        EXPECT_EQ(names(found), QStringList({"a/b/c.stl", "a/d.stl"}));
+    }
+}
+
+TEST_F(FileListTest, PlacesAreBelowTheArgument)
+{
+    make("a/b/c.stl");
+    make("a/d.stl");
+    make("e.stl");
+    EXPECT_EQ(places(listFiles({m_folder.filePath("e.stl"), m_folder.filePath("a"), m_folder.filePath("a/b/c.stl"),
+                                m_folder.filePath("a/b/")},
+                               true)),
+              QStringList({"e.stl", "b/c.stl", "d.stl", "c.stl", "c.stl"}));
+    EXPECT_EQ(places(listFiles({"x.stl", "m/x.stl", "../x.stl", "./m/../x.stl"}, false)),
+              QStringList({"x.stl", "x.stl", "x.stl", "x.stl"}));
+}
+
+TEST_F(FileListTest, PlacesOfListedNamesKeepTheirFolders)
+{
+    const QString drive = QDir::separator() == '\\' ? "C:" : "";
+    const std::pair<QString, const char*> cases[] = {
+        {"a.stl", "a.stl"},
+        {"m/a.stl", "m/a.stl"},
+        {"./m/a.stl", "m/a.stl"},
+        {"m//n///a.stl", "m/n/a.stl"},
+        {"m/../n/a.stl", "n/a.stl"},
+        {"../a.stl", "a.stl"},
+        {"../../m/../../a.stl", "a.stl"},
+        {"m/./a.stl", "m/a.stl"},
+        {"..a/b../a.stl", "..a/b../a.stl"},
+        {drive + "/m/a.stl", drive.isEmpty() ? "m/a.stl" : "C/m/a.stl"},
+        {drive + "/../m/a.stl", drive.isEmpty() ? "m/a.stl" : "C/m/a.stl"},
+    };
+    for (const auto& [name, place] : cases) {
+        const FileList list = listNamed({name}, false);
+        ASSERT_EQ(list.size(), 1U);
+        EXPECT_EQ(list.at(0).shown, name);
+        EXPECT_EQ(list.at(0).below, place);
+        EXPECT_EQ(list.at(0).path, QDir::toNativeSeparators(QFileInfo(name).absoluteFilePath()));
+    }
+}
+
+TEST_F(FileListTest, ListedFoldersKeepTheirNames)
+{
+    make("tree/sub/a.stl");
+    make("tree/b.stl");
+    const FileList found = listNamed({m_folder.filePath("tree"), m_folder.filePath("tree/b.stl")}, true);
+    QString place = m_folder.filePath("tree").mid(1);
+    if (QDir::separator() == '\\')
+        place = m_folder.filePath("tree").remove(':');
+    EXPECT_EQ(places(found), QStringList({place + "/b.stl", place + "/sub/a.stl", place + "/b.stl"}));
+    EXPECT_EQ(names(found), QStringList({"tree/b.stl", "tree/sub/a.stl", "tree/b.stl"}));
+    EXPECT_EQ(listNamed({m_folder.filePath("tree")}, false).size(), 1U) << "a folder is a file without -r";
+}
+
+TEST_F(FileListTest, ListThatCannotBeReadIsAFault)
+{
+    QString fault;
+    EXPECT_EQ(listNamedFiles(m_folder.path(), '\n', false, fault).size(), 0U);
+    EXPECT_EQ(fault, "--files-from " + m_folder.path() + ": it is a folder");
+}
+
+TEST_F(FileListTest, EqualNamesAreShared)
+{
+    const FileList list = listFiles({"a/part.stl", "b/part.stl", "a/alone.stl", "c/PART.STL", "part.obj", "x/twice.stl",
+                                     "x/twice.stl", "x/part.stl.stl"},
+                                    false);
+    const bool expected[] = {true, true, false, true, false, true, true, false};
+    for (std::size_t i = 0; i < list.size(); ++i)
+        EXPECT_EQ(list.at(i).isShared, expected[i]) << list.at(i).shown.toStdString();
+    EXPECT_EQ(list.nameHash(0), list.nameHash(1));
+    EXPECT_EQ(list.nameHash(0), list.nameHash(3));
+    EXPECT_NE(list.nameHash(0), list.nameHash(2));
+}
+
+// Names that are not at the end of their absolute paths.
+TEST_F(FileListTest, UnusualNamesStayWhole)
+{
+    for (const char* const name : {".", "..", "/", "a/..", "a/.", "a/", "", "m//a.stl", "a.stl/."}) {
+        const FileList list = listFiles({name, "next.stl"}, false);
+        ASSERT_EQ(list.size(), 2U);
+        EXPECT_EQ(list.at(0).shown, name);
+        EXPECT_EQ(list.at(0).path, QDir::toNativeSeparators(QFileInfo(name).absoluteFilePath())) << name;
+        EXPECT_EQ(list.at(1).shown, "next.stl");
+        EXPECT_EQ(list.at(1).path, QDir::toNativeSeparators(QDir::currentPath() + "/next.stl"));
+    }
 }
 
 TEST_F(FileListTest, HiddenFilesAndFoldersAreLeftOutUnlessNamed)
@@ -97,8 +239,8 @@ TEST_F(FileListTest, FolderWithoutSupportedFilesIsReported)
     make("b/c.stl");
     const QString a = m_folder.filePath("a");
     const FileList list = listFiles({a, m_folder.filePath("b")}, true);
-    EXPECT_EQ(list.files.size(), 1U);
-    EXPECT_EQ(list.faults, QStringList());
+    EXPECT_EQ(list.size(), 1U);
+    EXPECT_EQ(faults(list), QStringList());
     EXPECT_EQ(list.notes, QStringList(QDir::toNativeSeparators(a) + ": no files here that thumbnails can be made of"));
 }
 
@@ -130,10 +272,27 @@ TEST_F(FileListTest, FolderThatCannotBeListedIsReported)
     ASSERT_TRUE(!isRoot || seteuid(0) == 0);
     ASSERT_EQ(chmod(locked.constData(), 0755), 0);
     EXPECT_EQ(names(found), QStringList({"a/b.stl"}));
-    EXPECT_EQ(found.faults, QStringList(m_folder.filePath("locked") + ": cannot be listed: Permission denied"));
+    EXPECT_EQ(faults(found), QStringList(m_folder.filePath("locked") + ": cannot be listed: Permission denied"));
     EXPECT_EQ(found.notes, QStringList());
 }
 
+// Libraries have a million files.
+TEST_F(FileListTest, ManyNamesTakeLittleMemory)
+{
+    constexpr std::size_t kCount = 100000;
+    constexpr std::size_t kMaxBytes = 100;
+    QStringList names;
+    for (std::size_t i = 0; i < kCount; ++i)
+        names += QStringLiteral("a folder with a long name/%1/part %2.stl").arg(i / 1000).arg(i);
+    const auto before = mallinfo2().uordblks + mallinfo2().hblkhd;
+    const FileList list = listNamed(names, false);
+    EXPECT_LT(mallinfo2().uordblks + mallinfo2().hblkhd - before, kCount * kMaxBytes);
+    ASSERT_EQ(list.size(), kCount);
+    EXPECT_EQ(list.at(kCount - 1).shown, names.last());
+    EXPECT_EQ(list.at(kCount / 2).below, names.at(kCount / 2));
+}
+
+// Without the codec for them (host/name_codec.h), as in locales for which there is none.
 TEST_F(FileListTest, NamesThatAreNotTextAreReported)
 {
     make("a.stl");
@@ -145,13 +304,12 @@ TEST_F(FileListTest, NamesThatAreNotTextAreReported)
         else
             ASSERT_EQ(mkdir(path.constData(), 0755), 0);
     }
-    FileList found = list();
+    const FileList found = list();
     EXPECT_EQ(names(found), QStringList({"a.stl"}));
-    found.faults.sort();
-    ASSERT_EQ(found.faults.size(), 2);
-    for (const QString& fault : qAsConst(found.faults))
-        EXPECT_TRUE(fault.endsWith(": left out: its name is not text in the encoding of this system; rename it"))
-            << fault.toStdString();
+    ASSERT_EQ(found.faults.size(), 2U);
+    for (const ListFault& fault : found.faults)
+        EXPECT_EQ(fault.reason, "left out: its name is not text in the encoding of this system; rename it")
+            << fault.shown.toStdString();
 }
 
 TEST_F(FileListTest, LinksToFilesCountAndLinksToFoldersAreNotFollowed)

@@ -82,10 +82,10 @@ TEST_P(HostileNameTest, FailsOrGetsItsOwnPicture)
     for (int i = 0; i < 2; ++i) {
         const RequestResult result = requestThumbnail(hostile, QString());
         if (GetParam().reason) {
-            EXPECT_EQ(result.reason, GetParam().reason);
+            EXPECT_EQ(result.failure.reason, GetParam().reason);
             EXPECT_TRUE(result.picture.isNull());
         } else {
-            EXPECT_EQ(result.reason, "");
+            EXPECT_EQ(result.failure.reason, "");
             EXPECT_EQ(QFileInfo(result.pngPath).path() + '/', thumbnailImageFolder());
             EXPECT_FALSE(result.picture.isNull());
             EXPECT_NE(result.picture, m_victimsPicture);
@@ -134,9 +134,11 @@ TEST_F(HostileRequestTest, NamesThatLeaveNoRoomForThePngsNameFail)
     constexpr int kMaxNameBytes = 255;
     const QByteArray fits(kMaxNameBytes - 2 * 4 - 3, 'n');
     const QByteArray tooLong = fits + 'n';
-    EXPECT_EQ(requestThumbnail(writeFile(path(fits + ".vrx"), samples::oneColourVrxBytes(1)), QString()).reason, "");
-    EXPECT_EQ(requestThumbnail(writeFile(path(tooLong + ".vrx"), samples::oneColourVrxBytes(1)), QString()).reason,
-              "its name is too long for that of its picture in the cache: shorten it");
+    EXPECT_EQ(requestThumbnail(writeFile(path(fits + ".vrx"), samples::oneColourVrxBytes(1)), QString()).failure.reason,
+              "");
+    EXPECT_EQ(
+        requestThumbnail(writeFile(path(tooLong + ".vrx"), samples::oneColourVrxBytes(1)), QString()).failure.reason,
+        "its name is too long for that of its picture in the cache: shorten it");
     expectVictimUntouched();
 }
 
@@ -148,7 +150,7 @@ TEST_F(HostileRequestTest, NamesThatAreNotTextFail)
     ASSERT_NE(stream, nullptr);
     std::fclose(stream);
     const RequestResult result = requestThumbnail(QFile::decodeName(name), QString());
-    EXPECT_EQ(result.reason, "its name is not text (UTF-8): rename it");
+    EXPECT_EQ(result.failure.reason, "its name is not text (UTF-8): rename it");
     expectVictimUntouched();
     std::remove(name.constData());
 }
@@ -174,7 +176,7 @@ TEST_F(HostileRequestTest, ForgedLogLinesOnlyConcernTheForger)
         "short");
     const QString damaged = writeFile(m_folder.filePath("damaged.vrx"), "short");
     EXPECT_FALSE(requestThumbnail(forged, QString()).succeeded());
-    EXPECT_EQ(requestThumbnail(damaged, QString()).reason, "the file ends before its header is complete");
+    EXPECT_EQ(requestThumbnail(damaged, QString()).failure.reason, "the file ends before its header is complete");
     expectVictimUntouched();
 }
 
@@ -189,7 +191,7 @@ TEST_F(HostileRequestTest, ExtremeTimeStampsAreHarmless)
         file.close();
         for (int i = 0; i < 3; ++i) {
             restartLog();
-            EXPECT_EQ(requestThumbnail(old, QString()).reason, "") << seconds;
+            EXPECT_EQ(requestThumbnail(old, QString()).failure.reason, "") << seconds;
             const bool fromCache = logMessages().size() == 2;
             EXPECT_EQ(fromCache, seconds >= 0 && i > 0) << seconds << ", request " << i;
         }

@@ -95,11 +95,12 @@ TEST_F(ObjOptionTest, StandardNeverTouchesTheCache)
 TEST_F(ObjOptionTest, HintLeadsToThePicture)
 {
     const QString path = sourceOf("box.obj", kSlashedBox.left(kSlashedBox.indexOf("f 2 3")));
-    const QImage empty = pictureOf(path, {},
-                                   {"zrthumb: " + path +
-                                    ": nothing can be seen in its thumbnail; mostly because its faces have slashes "
-                                    "('f 1/2/3') or negative numbers: use '--obj standard' with -o or --sheet, which "
-                                    "reads them"});
+    const QImage empty =
+        pictureOf(path, {},
+                  {"zrthumb: " + path +
+                   ": nothing can be seen in its thumbnail; mostly because its faces have slashes "
+                   "('f 1/2/3') or negative numbers: use '--obj standard' with -o, --output-dir or --sheet, which "
+                   "reads them"});
     EXPECT_EQ(meshPixelCount(empty), 0);
     EXPECT_GT(meshPixelCount(pictureOf(path, {"--obj", "standard"})), 2000);
 }
@@ -134,9 +135,9 @@ TEST_F(ObjOptionTest, WrongUsesAreTold)
         {{"--obj", "", "a.obj"}, "--obj needs server or standard"},
         {{"--obj=Standard", "-o", "x.png", "a.obj"}, "--obj needs server or standard"},
         {{"--obj", "standard", "a.obj"},
-         "--obj standard needs --output or --sheet: the cache holds the server's pictures only"},
+         "--obj standard needs --output, --output-dir or --sheet: the cache holds the server's pictures only"},
         {{"--obj", "standard", "--no-cache", "a.obj"},
-         "--obj standard needs --output or --sheet: the cache holds the server's pictures only"},
+         "--obj standard needs --output, --output-dir or --sheet: the cache holds the server's pictures only"},
         {{"--check", "--obj", "standard"}, "--check stands alone"},
     };
     for (const auto& [arguments, reason] : wrong) {

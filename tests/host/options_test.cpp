@@ -24,8 +24,17 @@ TEST(OptionsTest, FilesAloneHaveTheDefaults)
     EXPECT_EQ(options.action, Options::Action::MakeThumbnails);
     EXPECT_EQ(options.files, QStringList({"a.stl", "b.stl"}));
     EXPECT_EQ(options.output, "");
+    EXPECT_EQ(options.outputFolder, "");
     EXPECT_EQ(options.sheet, "");
+    EXPECT_EQ(options.filesFrom, "");
     EXPECT_EQ(options.sizePx, 0);
+    EXPECT_EQ(options.jobs, Options::kNoJobs);
+    EXPECT_EQ(options.workerMegabytes, 400);
+    EXPECT_FALSE(options.endsWithZero);
+    EXPECT_FALSE(options.refreshes);
+    EXPECT_FALSE(options.json);
+    EXPECT_FALSE(options.hasOutputs());
+    EXPECT_FALSE(options.writesPictureToStdout());
     EXPECT_FALSE(options.recursive);
     EXPECT_FALSE(options.quiet);
     EXPECT_EQ(options.renderer, Options::Renderer::Auto);
@@ -50,6 +59,35 @@ TEST(OptionsTest, LongAndShortFormsMeanTheSame)
     EXPECT_EQ(parse({"--sheet", "s.png", "a"}).sheet, "s.png");
 }
 
+TEST(OptionsTest, OptionsForManyFilesHaveTheirForms)
+{
+    for (const QStringList& form :
+         {QStringList{"-r", "-j", "4", "-0", "--json", "-s", "64", "--refresh", "--output-dir", "p/q", "m"},
+          QStringList{"-0rj4", "--json", "-s64", "--refresh", "--output-dir=p/q", "m"},
+          QStringList{"m", "--recursive", "--jobs=4", "--null", "--json", "--size=64", "--refresh", "--output-dir",
+                      "p/q"}}) {
+        const Options options = parse(form);
+        EXPECT_EQ(options.action, Options::Action::MakeThumbnails) << options.text.toStdString();
+        EXPECT_EQ(options.files, QStringList({"m"}));
+        EXPECT_EQ(options.outputFolder, "p/q");
+        EXPECT_EQ(options.jobs, 4);
+        EXPECT_EQ(options.sizePx, 64);
+        EXPECT_TRUE(options.recursive && options.endsWithZero && options.json && options.refreshes);
+        EXPECT_TRUE(options.hasOutputs());
+        EXPECT_FALSE(options.writesPictureToStdout());
+    }
+    for (const char* const list : {"names.txt", "-"})
+        EXPECT_EQ(parse({"--files-from", list}).filesFrom, list);
+}
+
+TEST(OptionsTest, NumbersReachFromTheLeastToTheMost)
+{
+    for (const int jobs : {0, 1, 256})
+        EXPECT_EQ(parse({"-j", QString::number(jobs), "a"}).jobs, jobs);
+    for (const int megabytes : {100, 2147483647})
+        EXPECT_EQ(parse({"--worker-memory", QString::number(megabytes), "a"}).workerMegabytes, megabytes);
+}
+
 TEST(OptionsTest, NamesThatLookLikeOptionsComeAfterTwoDashes)
 {
     EXPECT_EQ(parse({"--", "-q"}).files, QStringList({"-q"}));
@@ -66,12 +104,46 @@ TEST(OptionsTest, WrongUsageIsRejectedWithAReason)
         {{"a", "-o"}, "Missing value"},
         {{"-o", "", "a"}, "--output needs a file name"},
         {{"--sheet", "", "a"}, "--sheet needs a file name"},
-        {{"-s", "64", "a"}, "--size needs --output"},
+        {{"-s", "64", "a"}, "--size needs --output or --output-dir"},
+        {{"-s", "64", "--sheet", "x.png", "a"}, "--size needs --output or --output-dir"},
         {{"-o", "x.png", "-s", "0", "a"}, "--size needs a number"},
         {{"-o", "x.png", "-s", "-5", "a"}, "--size needs a number"},
         {{"-o", "x.png", "-s", "many", "a"}, "--size needs a number"},
         {{"-o", "x.png", "-s", "4097", "a"}, "--size needs a number from 1 to 4096"},
         {{"-o", "x.png", "-s", "99999999999", "a"}, "--size needs a number"},
+        {{"--output-dir", "d", "-s", "0", "a"}, "--size needs a number"},
+
+        {{"--output-dir", "", "a"}, "--output-dir needs the name of a folder"},
+        {{"--output-dir", "d"}, "no FILE given"},
+        {{"a", "--output-dir"}, "Missing value"},
+        {{"-o", "x.png", "--output-dir", "d", "a"}, "--output and --output-dir exclude each other"},
+        {{"--refresh", "a"}, "--refresh needs --output-dir"},
+        {{"--refresh", "-o", "x.png", "a"}, "--refresh needs --output-dir"},
+        {{"--refresh=yes", "--output-dir", "d", "a"}, "refresh"},
+
+        {{"--files-from", "", "-q"}, "--files-from needs a file name"},
+        {{"--files-from", "l", "a"}, "--files-from stands in place of FILE"},
+        {{"--files-from", "l", "-o", "x.png"}, "--output needs a single FILE"},
+        {{"-q", "--files-from"}, "Missing value"},
+        {{"-0"}, "no FILE given"},
+
+        {{"--json"}, "no FILE given"},
+        {{"--json", "-o", "-", "a"}, "--json needs stdout for itself"},
+        {{"--json", "--sheet", "-", "a"}, "--json needs stdout for itself"},
+        {{"--json=yes", "a"}, "json"},
+
+        {{"-j", "-1", "a"}, "--jobs needs a number from 0 to 256"},
+        {{"-j", "257", "a"}, "--jobs needs a number from 0 to 256"},
+        {{"-j", "", "a"}, "--jobs needs a number"},
+        {{"-j", "1.5", "a"}, "--jobs needs a number"},
+        {{"-j", "a.stl", "b.stl"}, "--jobs needs a number"},
+        {{"-j", "99999999999", "a"}, "--jobs needs a number"},
+        {{"a", "-j"}, "Missing value"},
+        {{"-j", "2", "-o", "x.png", "a"}, "--jobs is for many files; leave out --output"},
+        {{"--worker-memory", "99", "a"}, "--worker-memory needs a number of megabytes from 100 on"},
+        {{"--worker-memory", "-400", "a"}, "--worker-memory needs a number of megabytes"},
+        {{"--worker-memory", "400M", "a"}, "--worker-memory needs a number of megabytes"},
+        {{"--worker-memory", "2147483648", "a"}, "--worker-memory needs a number of megabytes"},
     };
     for (const auto& [arguments, reason] : cases) {
         const Options options = parse(arguments);
@@ -87,7 +159,8 @@ TEST(OptionsTest, HelpNamesEveryOption)
         const Options options = parse({form});
         EXPECT_EQ(options.action, Options::Action::ShowText);
         for (const char* part : {"Usage: zrthumb", "FILE...", "--output", "--size", "--sheet", "--recursive", "--quiet",
-                                 "--prune", "--clear", "--check", "--version", "--help"})
+                                 "--output-dir", "--refresh", "--files-from", "--null", "--json", "--jobs",
+                                 "--worker-memory", "--prune", "--clear", "--check", "--version", "--help"})
             EXPECT_TRUE(options.text.contains(part)) << part;
     }
 }
@@ -146,11 +219,29 @@ TEST(OptionsTest, ObjIsReadAsTheServerDoesUnlessTheStandardIsChosen)
         EXPECT_EQ(parse(more + QStringList{"--no-cache", "-o", "x.png", "a"}).dataFolderUse, DataFolderUse::None);
     }
     // It has no use for the cache, which holds the server's pictures.
-    for (const char* output : {"-o", "--sheet"}) {
+    for (const char* output : {"-o", "--sheet", "--output-dir"}) {
         const Options options = parse({"--obj=standard", output, "x.png", "a"});
         EXPECT_EQ(options.action, Options::Action::MakeThumbnails);
         EXPECT_EQ(options.objReading, ObjReading::Standard);
         EXPECT_EQ(options.dataFolderUse, DataFolderUse::None);
+    }
+}
+
+TEST(OptionsTest, PicturesOutsideTheCacheNeedAPlace)
+{
+    if (talksToServer())
+        return;
+    const std::pair<QStringList, const char*> cases[] = {
+        {{"--no-cache"}, "--no-cache needs --output, --output-dir or --sheet"},
+        {{"--no-cache", "--json", "-j", "2"}, "--no-cache needs --output, --output-dir or --sheet"},
+        {{"--obj", "standard"}, "--obj standard needs --output, --output-dir or --sheet"},
+        {{"--obj", "other"}, "--obj needs server or standard"},
+        {{"--renderer", "other"}, "--renderer needs auto, opengl or software"},
+    };
+    for (const auto& [arguments, reason] : cases) {
+        const Options options = parse(arguments + QStringList("a"));
+        EXPECT_EQ(options.action, Options::Action::RejectUsage) << arguments.join(' ').toStdString();
+        EXPECT_TRUE(options.text.contains(reason)) << options.text.toStdString();
     }
 }
 

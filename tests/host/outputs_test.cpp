@@ -235,8 +235,9 @@ TEST_F(OutputsTest, InvisibleModelsAreReported)
     const ProgramRun outcome = run({slashed});
     EXPECT_EQ(outcome.status, 0);
     EXPECT_EQ(outcome.out, QStringList({png("s.objobj.png")}));
-    const QString whatToDo =
-        talksToServer() ? ", which are not understood" : ": use '--obj standard' with -o or --sheet, which reads them";
+    const QString whatToDo = talksToServer()
+                                 ? ", which are not understood"
+                                 : ": use '--obj standard' with -o, --output-dir or --sheet, which reads them";
     EXPECT_EQ(outcome.err, QStringList({"zrthumb: " + slashed +
                                         ": nothing can be seen in its thumbnail; mostly because its faces have "
                                         "slashes ('f 1/2/3') or negative numbers" +

@@ -213,7 +213,7 @@ TEST(ProgressTest, SlowFileIsShownEvenSoonAfterAnother)
         progress.showFile(2, "second.stl", 0);
         progress.showFile(3, "slow.stl", 1);
         waitFor("slow.stl (1 failed)\x1b[K");
-        progress.print(stderr, "a line");
+        progress.print(stderr, "a line\n");
         waitFor("slow.stl (1 failed)\x1b[K");
     });
     const TerminalScreen screen(bytes, kColumns);

@@ -155,7 +155,8 @@ TEST_F(RendererOptionTest, WrongUsesAreTold)
         {{"--renderer", "directx", "a.vrx"}, "--renderer needs auto, opengl or software"},
         {{"--renderer", "", "a.vrx"}, "--renderer needs auto, opengl or software"},
         {{"--renderer=Software", "a.vrx"}, "--renderer needs auto, opengl or software"},
-        {{"--no-cache", "a.vrx"}, "--no-cache needs --output or --sheet: there is no other place for the picture"},
+        {{"--no-cache", "a.vrx"},
+         "--no-cache needs --output, --output-dir or --sheet: there is no other place for the picture"},
         {{"--check", "--renderer", "software"}, "--check stands alone"},
         {{"--check", "--no-cache"}, "--check stands alone"},
     };

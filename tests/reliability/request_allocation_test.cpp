@@ -179,7 +179,7 @@ TEST_P(RequestAllocationTest, EachMayFailInTheHost)
             EXPECT_NO_THROW(result = requestThumbnail(m_path, QString()));
             EXPECT_GE(allocations.made(), number);
         }
-        EXPECT_TRUE(result.succeeded() || !result.reason.isEmpty());
+        EXPECT_TRUE(result.succeeded() || !result.failure.reason.isEmpty());
         expectRequestWorksAfter(++failures);
     }
     EXPECT_EQ(picture(), m_picture);

@@ -72,11 +72,11 @@ TEST_F(CheckDiskTest, FailedRequestReportsTheFullDisk)
     {
         const InjectedFault writing({SystemCall::Write, "/thumbnailImage/", ENOSPC});
         const InjectedFault asking({SystemCall::AskForRoom, "/"});
-        EXPECT_EQ(requestThumbnail(path, QString()).reason,
+        EXPECT_EQ(requestThumbnail(path, QString()).failure.reason,
                   "the disk is full: make room for the data folder, " + dataFolder());
         EXPECT_GT(asking.hits(), 0);
     }
-    EXPECT_EQ(requestThumbnail(path, QString()).reason, "");
+    EXPECT_EQ(requestThumbnail(path, QString()).failure.reason, "");
 }
 
 } // namespace
