@@ -6,6 +6,7 @@
 
 #include <QDateTime>
 #include <QDir>
+#include <QFile>
 #include <QFileInfo>
 #include <QHash>
 #include <QImageReader>
@@ -29,7 +30,8 @@ QString folderFault(const QString& folder)
 {
     if (folder.startsWith(QLatin1Char('-')))
         return QStringLiteral("the name of the folder is missing (or is ./%1)").arg(printable(folder));
-    const QFileInfo info(folder);
+    // A separator at the end would make it its own parent.
+    const QFileInfo info(QDir::cleanPath(folder));
     if (info.exists() && !info.isDir())
         return QStringLiteral("this is not a folder");
     if (!info.exists() && !QFileInfo(info.absolutePath()).isDir())
@@ -77,6 +79,19 @@ std::optional<std::pair<ListedFile, ListedFile>> filesOfOneOutput(const FileList
     return std::nullopt;
 }
 
+// Invalid for what is not a whole PNG: where files cannot be replaced, a run that was killed leaves a part of one.
+QSize sizeOfWholePng(const QString& path)
+{
+    constexpr char kEnd[] = "IEND\xAE\x42\x60\x82";
+    constexpr qint64 kEndBytes = sizeof kEnd - 1;
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly) || file.size() < kEndBytes || !file.seek(file.size() - kEndBytes) ||
+        file.read(kEndBytes) != kEnd || !file.seek(0))
+        return {};
+    QImageReader reader(&file, "png");
+    return reader.canRead() ? reader.size() : QSize();
+}
+
 } // namespace
 
 QString outputIn(const QString& folder, const ListedFile& file)
@@ -111,7 +126,7 @@ std::optional<QSize> currentOutput(const QString& output, const QString& source)
     const QFileInfo model(source);
     if (!picture.isFile() || !model.isFile() || picture.lastModified() <= model.lastModified())
         return std::nullopt;
-    const QSize size = QImageReader(output, "png").size();
+    const QSize size = sizeOfWholePng(output);
     return size.isValid() ? std::optional(size) : std::nullopt;
 }
 
