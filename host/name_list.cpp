@@ -44,7 +44,7 @@ public:
     /// The last name needs no separator.
     void endName()
     {
-        // Lines of a file from Windows end with two bytes, and it may begin with a mark.
+        // Lines of a file from Windows end with two bytes.
         if (m_separator == '\n' && isWindowsText() && m_name.endsWith('\r'))
             m_name.chop(1);
         if (!m_name.isEmpty())
@@ -70,6 +70,15 @@ QString opened(QFile& file, const QString& path)
     return file.open(QIODevice::ReadOnly) ? QString() : file.errorString();
 }
 
+// Takes the mark of an encoding from the start of a list of lines. False when that is UTF-16. Lists with zero bytes
+// come from programs, and may begin with a name that begins so.
+bool takeMark(QByteArray& block)
+{
+    if (block.startsWith("\xEF\xBB\xBF"))
+        block.remove(0, 3);
+    return !block.startsWith("\xFF\xFE") && !block.startsWith("\xFE\xFF");
+}
+
 } // namespace
 
 QString readNames(const QString& path, char separator, const std::function<void(const QString&)>& onName)
@@ -84,10 +93,8 @@ QString readNames(const QString& path, char separator, const std::function<void(
     NameSplitter names(separator, onName);
     bool isFirst = true;
     for (QByteArray block = file.read(kBlockBytes); !block.isEmpty(); block = file.read(kBlockBytes)) {
-        if (isFirst && (block.startsWith("\xFF\xFE") || block.startsWith("\xFE\xFF")))
+        if (isFirst && separator == '\n' && !takeMark(block))
             return fault(QStringLiteral("its names are in UTF-16; save them as UTF-8"));
-        if (isFirst && block.startsWith("\xEF\xBB\xBF"))
-            block.remove(0, 3);
         isFirst = false;
         if (separator != '\0' && block.contains('\0'))
             return fault(QStringLiteral("its names end with zero bytes: add -0"));
