@@ -37,28 +37,41 @@ auto fieldsOf(WorkerReply& reply)
                     result.failure.key, result.failure.reason, result.writeFault, result.note);
 }
 
+constexpr int kCellDepth = 32;
+
 // As it is in memory: a PNG would take ten times as long.
 void write(QDataStream& stream, const QImage& cell)
 {
     // Other formats have colours elsewhere.
-    const QImage sent = cell.isNull() || cell.depth() == 32 ? cell : cell.convertToFormat(QImage::Format_ARGB32);
-    stream << sent.size() << sent.format()
+    QImage sent = cell.isNull() || cell.depth() == kCellDepth ? cell : cell.convertToFormat(QImage::Format_ARGB32);
+    // Lines of pixels that belong to another picture have more behind them.
+    if (sent.bytesPerLine() != sent.width() * kCellDepth / 8)
+        sent = sent.copy();
+    stream << sent.size() << static_cast<qint32>(sent.format())
            << QByteArray(reinterpret_cast<const char*>(sent.constBits()), static_cast<int>(sent.sizeInBytes()));
+}
+
+// Qt divides by the depth, which unknown formats do not have.
+bool isCellFormat(qint32 format)
+{
+    return format > QImage::Format_Invalid && format < QImage::NImageFormats &&
+           QImage(1, 1, static_cast<QImage::Format>(format)).depth() == kCellDepth;
 }
 
 QImage readCell(QDataStream& stream)
 {
     QSize size;
-    auto format = QImage::Format_Invalid;
+    qint32 format = 0;
     QByteArray bytes;
     stream >> size >> format >> bytes;
     if (bytes.isEmpty())
         return {};
-    QImage cell(size, format);
-    if (cell.sizeInBytes() != bytes.size()) {
+    const bool fits = !size.isEmpty() && qint64(size.width()) * size.height() * (kCellDepth / 8) == bytes.size();
+    if (!fits || !isCellFormat(format)) {
         stream.setStatus(QDataStream::ReadCorruptData);
         return {};
     }
+    QImage cell(size, static_cast<QImage::Format>(format));
     std::copy(bytes.cbegin(), bytes.cend(), reinterpret_cast<char*>(cell.bits()));
     return cell;
 }
