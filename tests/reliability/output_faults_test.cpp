@@ -1,10 +1,12 @@
 // SPDX-License-Identifier: MIT
 // Outputs to a full disk or to something other than a file.
 
+#include "host/file_task.h"
 #include "host/output_file.h"
 #include "tests/reliability/fault_hooks.h"
 #include "tests/support/files.h"
 #include "tests/support/qt_printers.h"
+#include "tools/samples/vrx_bytes.h"
 
 #include <QDir>
 #include <QFile>
@@ -51,6 +53,32 @@ TEST_F(OutputFaultsTest, FullDiskKeepsTheOlderFile)
         EXPECT_EQ(readFile(m_path), older);
         EXPECT_EQ(names(), QStringList({"out.png"}));
     }
+}
+
+TEST_F(OutputFaultsTest, FullDiskFailsAFileOfAnOutputFolder)
+{
+    Options options;
+    options.outputFolder = m_folder.filePath("out");
+    options.dataFolderUse = DataFolderUse::None;
+    const QString source = writeFile(m_folder.filePath("a.vrx"), samples::oneColourVrxBytes(1));
+    const ListedFile file = listFiles({source}, false).at(0);
+    const QString output = options.outputFolder + "/a.vrx.png";
+    FileTask task(options);
+    {
+        const InjectedFault fault({SystemCall::Write, QFile::encodeName(options.outputFolder), ENOSPC, 0, -1, 20});
+        const FileResult result = task.run(file);
+        EXPECT_TRUE(result.hasThumbnail());
+        EXPECT_EQ(result.picture, output);
+        EXPECT_EQ(result.writeFault, "No space left on device");
+        EXPECT_EQ(QDir(options.outputFolder).entryList(QDir::Files | QDir::Hidden), QStringList());
+    }
+    EXPECT_EQ(task.run(file).writeFault, "");
+    const QByteArray older = readFile(output);
+    moveTimeStamp(output, -1000);
+    const InjectedFault fault({SystemCall::Write, QFile::encodeName(options.outputFolder), ENOSPC, 0, -1, 20});
+    EXPECT_EQ(task.run(file).writeFault, "No space left on device");
+    EXPECT_EQ(readFile(output), older);
+    EXPECT_EQ(QDir(options.outputFolder).entryList(QDir::Files | QDir::Hidden), QStringList("a.vrx.png"));
 }
 
 TEST_F(OutputFaultsTest, FullDiskLeavesNoPartOfANewFile)
