@@ -57,6 +57,9 @@ zrthumb)
     expect "the ways to read OBJ files" $'server\nstandard' --obj ''
     expect "more files after a file" "$readable" "a.$1" ''
     expect "a picture" a.png --sheet a.pn
+    expect "folders for pictures" inner --output-dir in
+    expect "any file with names" a.txt --files-from a.tx
+    expect "numbers of processes" $'0\n1\n2\n4\n8' --jobs ''
     ;;
 zrthumbnailer)
     expect "sizes" $'1024\n128\n256\n512' --size ''

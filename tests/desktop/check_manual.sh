@@ -10,5 +10,5 @@ complaints=$(groff -man -ww -z "$page" 2>&1; mandoc -T lint -W warning "$page" 2
 [ -z "$complaints" ] || { echo "$complaints" >&2; exit 1; }
 
 # The line after .TP names options, before what they take.
-options() { sed -n '/^\.SH OPTIONS/,/^\.SH EXIT/p' "$page" | sed -n '/^\.TP/{n;s/\\-/-/g;p}' | grep -oE -- '(^| )--?[a-z][a-z-]*'; }
+options() { sed -n '/^\.SH OPTIONS/,/^\.SH EXIT/p' "$page" | sed -n '/^\.TP/{n;s/\\-/-/g;p}' | grep -oE -- '(^| )--?[a-z0-9][a-z-]*'; }
 diff <("$here/options-of" "$program") <(options | tr -d ' ' | LC_ALL=C sort)
