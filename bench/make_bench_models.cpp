@@ -33,7 +33,8 @@ constexpr Model kModels[] = {
     {"binary-1.stl", writeSmallest, 1},          {"binary-10k.stl", writeBinaryStl, 10000},
     {"binary-100k.stl", writeBinaryStl, 100000}, {"binary-1M.stl", writeBinaryStl, 1000000},
     {"binary-3M.stl", writeBinaryStl, 3000000},  {"ascii-1M.stl", writeAsciiStl, 1000000},
-    {"plain-100k.obj", writePlainObj, 100000},   {"plain-1M.obj", writePlainObj, 1000000},
+    {"plain-10k.obj", writePlainObj, 10000},     {"plain-100k.obj", writePlainObj, 100000},
+    {"plain-1M.obj", writePlainObj, 1000000},
 };
 
 } // namespace
