@@ -12,7 +12,6 @@
 
 #include <QDir>
 #include <QFileInfo>
-#include <QTextCodec>
 
 #include <cstdio>
 
@@ -23,16 +22,6 @@ namespace
 
 constexpr int kDone = 0;
 constexpr int kFailed = 1;
-
-// Jobs that run at set times often have a locale with ASCII only, while the names of files are UTF-8 all the same.
-void readNamesAsUtf8()
-{
-    // As IANA numbers them.
-    constexpr int kAscii = 3;
-    constexpr int kUtf8 = 106;
-    if (QTextCodec::codecForLocale()->mibEnum() == kAscii)
-        QTextCodec::setCodecForLocale(QTextCodec::codecForMib(kUtf8));
-}
 
 void printError(const QString& text)
 {
@@ -129,7 +118,6 @@ void tellOfTheWait()
 int careForCache(Options::Action action)
 {
     makePlainApplication();
-    readNamesAsUtf8();
     const QString fault = cacheAsAWholeFault();
     if (!fault.isEmpty()) {
         printError(fault);
