@@ -55,30 +55,57 @@ TEST_F(OutputFaultsTest, FullDiskKeepsTheOlderFile)
     }
 }
 
-TEST_F(OutputFaultsTest, FullDiskFailsAFileOfAnOutputFolder)
+class OutputFolderFaultsTest : public OutputFaultsTest
 {
-    Options options;
-    options.outputFolder = m_folder.filePath("out");
-    options.dataFolderUse = DataFolderUse::None;
-    const QString source = writeFile(m_folder.filePath("a.vrx"), samples::oneColourVrxBytes(1));
-    const ListedFile file = listFiles({source}, false).at(0);
-    const QString output = options.outputFolder + "/a.vrx.png";
-    FileTask task(options);
+protected:
+    void SetUp() override
     {
-        const InjectedFault fault({SystemCall::Write, QFile::encodeName(options.outputFolder), ENOSPC, 0, -1, 20});
-        const FileResult result = task.run(file);
-        EXPECT_TRUE(result.hasThumbnail());
-        EXPECT_EQ(result.picture, output);
-        EXPECT_EQ(result.writeFault, "No space left on device");
-        EXPECT_EQ(QDir(options.outputFolder).entryList(QDir::Files | QDir::Hidden), QStringList());
+        m_options.outputFolder = m_folder.filePath("out");
+        m_options.dataFolderUse = DataFolderUse::None;
     }
-    EXPECT_EQ(task.run(file).writeFault, "");
-    const QByteArray older = readFile(output);
-    moveTimeStamp(output, -1000);
-    const InjectedFault fault({SystemCall::Write, QFile::encodeName(options.outputFolder), ENOSPC, 0, -1, 20});
-    EXPECT_EQ(task.run(file).writeFault, "No space left on device");
-    EXPECT_EQ(readFile(output), older);
-    EXPECT_EQ(QDir(options.outputFolder).entryList(QDir::Files | QDir::Hidden), QStringList("a.vrx.png"));
+
+    FileResult run() const { return FileTask(m_options).run(listFiles({m_source}, false).at(0)); }
+
+    // All names in the outputs' folder.
+    QStringList outputs() const { return QDir(m_options.outputFolder).entryList(QDir::Files | QDir::Hidden); }
+
+    Options m_options;
+    const QString m_source = writeFile(m_folder.filePath("a.vrx"), samples::oneColourVrxBytes(1));
+    const QString m_output = m_folder.filePath("out/a.vrx.png");
+};
+
+TEST_F(OutputFolderFaultsTest, FullDiskFailsAFileOfAnOutputFolder)
+{
+    const Fault full{SystemCall::Write, QFile::encodeName(m_options.outputFolder), ENOSPC, 0, -1, 20};
+    {
+        const InjectedFault fault(full);
+        const FileResult result = run();
+        EXPECT_TRUE(result.hasThumbnail());
+        EXPECT_EQ(result.picture, m_output);
+        EXPECT_EQ(result.writeFault, "No space left on device");
+        EXPECT_EQ(outputs(), QStringList());
+    }
+    EXPECT_EQ(run().writeFault, "");
+    const QByteArray older = readFile(m_output);
+    moveTimeStamp(m_output, -1000);
+    const InjectedFault fault(full);
+    EXPECT_EQ(run().writeFault, "No space left on device");
+    EXPECT_EQ(readFile(m_output), older);
+    EXPECT_EQ(outputs(), QStringList("a.vrx.png"));
+}
+
+// It would be newer than what it does not show, and be kept.
+TEST_F(OutputFolderFaultsTest, PictureOfAFileThatChangesMeanwhileIsNotWritten)
+{
+    {
+        const InjectedFault change(
+            {SystemCall::Read, QFile::encodeName(m_source), 0, 0, 1, -1, 0, [this] { moveTimeStamp(m_source, -60); }});
+        EXPECT_EQ(run().writeFault, "its file changed meanwhile; try again");
+        EXPECT_EQ(change.hits(), 1);
+        EXPECT_EQ(outputs(), QStringList());
+    }
+    EXPECT_EQ(run().writeFault, "");
+    EXPECT_EQ(outputs(), QStringList("a.vrx.png"));
 }
 
 TEST_F(OutputFaultsTest, FullDiskLeavesNoPartOfANewFile)
