@@ -3,8 +3,6 @@
 
 #include "host/failure_keys.h"
 
-#include <QTimer>
-
 #include <algorithm>
 #include <utility>
 
@@ -37,6 +35,8 @@ Batch::Batch(const Options& options, int jobs, const FileList& files, OnResult o
       m_jobs(std::min(static_cast<std::size_t>(jobs), files.size())),
       m_maxAhead(options.sheet.isEmpty() ? kMaxAhead : kMaxAheadWithCells)
 {
+    m_end.setSingleShot(true);
+    QObject::connect(&m_end, &QTimer::timeout, &m_loop, [this] { goOn(); });
 }
 
 Batch::~Batch() = default;
@@ -112,10 +112,7 @@ void Batch::startWorkers()
         if (isDone())
             m_loop.quit();
     };
-    listener.onEnded = [this] {
-        QMetaObject::invokeMethod(
-            &m_loop, [this] { goOn(); }, Qt::QueuedConnection);
-    };
+    listener.onEnded = [this] { m_end.start(0); };
     while (!m_isStopping && left > 0 && m_workers.size() < m_jobs)
         m_workers.push_back(std::make_unique<WorkerProcess>(m_options, listener));
 }

@@ -7,6 +7,7 @@
 #include "host/worker_process.h"
 
 #include <QEventLoop>
+#include <QTimer>
 
 #include <functional>
 #include <map>
@@ -59,6 +60,7 @@ private:
     int m_startFailures = 0;                     ///< in succession
     bool m_isStopping = false;
     QEventLoop m_loop;
+    QTimer m_end; ///< goes on after what a worker that ends has called
 };
 
 } // namespace zr
