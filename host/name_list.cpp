@@ -9,6 +9,8 @@
 #include <QFile>
 #include <QFileInfo>
 
+#include <cstdio>
+
 namespace zr
 {
 namespace
@@ -60,10 +62,16 @@ private:
     QByteArray m_name;
 };
 
+// Qt on Windows takes the end of a pipe for an error.
+QByteArray readStdin()
+{
+    QByteArray block(static_cast<int>(kBlockBytes), Qt::Uninitialized);
+    block.truncate(static_cast<int>(std::fread(block.data(), 1, static_cast<std::size_t>(kBlockBytes), stdin)));
+    return block;
+}
+
 QString opened(QFile& file, const QString& path)
 {
-    if (path == QLatin1String(kStdoutName))
-        return file.open(stdin, QIODevice::ReadOnly) ? QString() : file.errorString();
     if (QFileInfo(path).isDir())
         return QStringLiteral("it is a folder");
     file.setFileName(path);
@@ -86,13 +94,17 @@ QString readNames(const QString& path, char separator, const std::function<void(
     const auto fault = [&path](const QString& reason) {
         return QLatin1String("--files-from ") + printable(path) + QLatin1String(": ") + reason;
     };
+    const bool isStdin = path == QLatin1String(kStdoutName);
+    if (isStdin)
+        makeStdinBinary();
     QFile file;
-    const QString reason = opened(file, path);
+    const QString reason = isStdin ? QString() : opened(file, path);
     if (!reason.isEmpty())
         return fault(reason);
+    const auto readBlock = [&] { return isStdin ? readStdin() : file.read(kBlockBytes); };
     NameSplitter names(separator, onName);
     bool isFirst = true;
-    for (QByteArray block = file.read(kBlockBytes); !block.isEmpty(); block = file.read(kBlockBytes)) {
+    for (QByteArray block = readBlock(); !block.isEmpty(); block = readBlock()) {
         if (isFirst && separator == '\n' && !takeMark(block))
             return fault(QStringLiteral("its names are in UTF-16; save them as UTF-8"));
         isFirst = false;
@@ -103,6 +115,8 @@ QString readNames(const QString& path, char separator, const std::function<void(
     }
     if (file.error() != QFileDevice::NoError)
         return fault(file.errorString());
+    if (isStdin && std::ferror(stdin) != 0)
+        return fault(QStringLiteral("it cannot be read"));
     names.endName();
     return {};
 }

@@ -45,6 +45,9 @@ bool writeText(std::FILE* stream, const QString& text);
 /// From now on, what is written to stdout is not translated.
 void makeStdoutBinary();
 
+/// The same for what is read from stdin.
+void makeStdinBinary();
+
 /// Makes this process one that is led by another: stdin and stdout are not translated, and what asks a terminal's
 /// programs to end, such as Ctrl+C, leaves it alone. What libraries print to stdout goes nowhere. Returns the stream to
 /// what was stdout; null when there is none.

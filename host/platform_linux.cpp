@@ -94,6 +94,8 @@ bool writeText(std::FILE* stream, const QString& text)
 
 void makeStdoutBinary() {}
 
+void makeStdinBinary() {}
+
 std::FILE* followParent()
 {
     for (const int signal : {SIGINT, SIGTERM, SIGHUP})

@@ -106,10 +106,15 @@ void makeStdoutBinary()
     _setmode(_fileno(stdout), _O_BINARY);
 }
 
+void makeStdinBinary()
+{
+    _setmode(_fileno(stdin), _O_BINARY);
+}
+
 std::FILE* followParent()
 {
     SetConsoleCtrlHandler(nullptr, TRUE);
-    _setmode(_fileno(stdin), _O_BINARY);
+    makeStdinBinary();
     const int channel = _dup(_fileno(stdout));
     if (channel == -1 || !std::freopen("NUL", "w", stdout))
         return nullptr;

@@ -6,7 +6,7 @@
 namespace zr
 {
 
-/// The request's reader alone, in this process. It touches no data folder: what it logs stays in memory.
+/// The request's reader alone, in this process. It touches no data folder: what it logs stays in memory. Linux only.
 class ReaderClient final : public ThumbnailClient
 {
 public:

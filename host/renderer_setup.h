@@ -10,7 +10,7 @@ namespace zr
 /// first request and before any thread starts, after the message handler is set.
 void setUpRenderer(const Options& options);
 
-/// Makes the application object that a reader in this process needs, if any.
+/// Makes the application object that a reader in this process needs, if any. Linux only.
 void startQtForReader();
 
 } // namespace zr

@@ -2,7 +2,6 @@
 #include "host/renderer_setup.h"
 
 #include "host/qt_platform.h"
-#include "request/qt_bootstrap.h"
 
 namespace zr
 {
@@ -11,11 +10,6 @@ namespace zr
 void setUpRenderer(const Options&)
 {
     chooseQtPlatform();
-}
-
-void startQtForReader()
-{
-    startQt();
 }
 
 } // namespace zr

@@ -1,12 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "host/thumbnail_client.h"
 
-#include "cache/thumbnail_database.h"
-#include "core/job/thumbnail_job.h"
-#include "core/request_log.h"
 #include "host/bitmap_to_image.h"
 #include "host/log_tail.h"
-#include "host/reader_client.h"
+#include "host/log_turn.h"
 #include "request/server_class.h"
 
 #include <QDir>
@@ -83,28 +80,6 @@ ComPtr<IPersistFile> makeObject(const QString& serverPath)
 
 bool othersLog = false;
 
-// Of the job that the reader serves.
-QStringList jobsLines(const QString& path, const QStringList& messages)
-{
-    QStringList lines;
-    for (const FailureLine& line : FailureLines{kNoPicture, kDatabaseNotOpen, kTableNotMade, kNotSaved, kJobFailed}) {
-        if (RequestLog(asLogged(path), messages).has(line))
-            lines += QStringLiteral("%1 ").arg(line.number) + textOf(line, path);
-    }
-    return lines;
-}
-
-// What the reader logs for the file when it reads it again, here. Empty when it makes a picture.
-QStringList readersLines(const QString& path)
-{
-    ReaderClient reader;
-    try {
-        return reader.load(path) ? QStringList() : reader.messages(path);
-    } catch (const std::exception&) {
-        return reader.messages(path);
-    }
-}
-
 class ComClient final : public ThumbnailClient
 {
 public:
@@ -112,7 +87,19 @@ public:
 
     bool load(const QString& path) override
     {
-        return m_object->Load(reinterpret_cast<LPCOLESTR>(path.utf16()), STGM_READ) == S_OK;
+        const auto turn = othersLog ? std::make_unique<LogTurn>(LogTurn::Company::Any) : nullptr;
+        return request(path);
+    }
+
+    // Between other processes' lines, those of this request cannot be told from theirs, so it is made once more, alone.
+    QStringList messages(const QString& path) const override
+    {
+        if (!othersLog)
+            return m_log.messagesOf(path);
+        const LogTurn turn(LogTurn::Company::None);
+        const LogTail log;
+        request(path);
+        return log.messagesOf(path);
     }
 
     QImage extract() override
@@ -133,17 +120,12 @@ public:
         return image;
     }
 
-    // Between other processes' lines, those of the reader cannot be told from theirs.
-    QStringList messages(const QString& path) const override
+private:
+    bool request(const QString& path) const
     {
-        const QStringList logged = m_log.messagesOf(path);
-        if (!othersLog)
-            return logged;
-        const QStringList readers = readersLines(path);
-        return readers.isEmpty() ? jobsLines(path, logged) : readers;
+        return m_object->Load(reinterpret_cast<LPCOLESTR>(path.utf16()), STGM_READ) == S_OK;
     }
 
-private:
     LogTail m_log;
     ComPtr<IPersistFile> m_object;
 };

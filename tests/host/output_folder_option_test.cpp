@@ -91,7 +91,8 @@ TEST_F(OutputFolderOptionTest, EqualNamesHaveTheirOwnPictures)
         oldSource(QStringLiteral("m/%1/part.vrx").arg(i), words[i]);
     // With an empty cache, with a full one, and in processes that work side by side.
     for (const QStringList& more : {QStringList{}, QStringList{}, QStringList{"-j", "3"}}) {
-        ASSERT_EQ(run(QStringList{"-r", "--refresh", "--output-dir", "out", "m"} + more).status, 0);
+        const ProgramRun outcome = run(QStringList{"-r", "--refresh", "--output-dir", "out", "m"} + more);
+        ASSERT_EQ(outcome.status, 0) << outcome.err.join('\n').toStdString();
         EXPECT_EQ(picture("out/0/part.vrx.png"), pictureOf(kRed));
         EXPECT_EQ(picture("out/1/part.vrx.png"), pictureOf(kGreen));
         EXPECT_EQ(picture("out/2/part.vrx.png"), pictureOf(kBlue));
