@@ -118,6 +118,8 @@ std::FILE* followParent()
     const int channel = _dup(_fileno(stdout));
     if (channel == -1 || !std::freopen("NUL", "w", stdout))
         return nullptr;
+    // The stream's mode does not count, only the descriptor's.
+    _setmode(channel, _O_BINARY);
     return _fdopen(channel, "wb");
 }
 
