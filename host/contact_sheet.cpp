@@ -24,6 +24,7 @@ constexpr int kNamePx = 22;
 constexpr int kFontPx = 13;
 constexpr int kReasonMarginPx = 12;
 constexpr int kMaxColumns = 10;
+constexpr int kDotsPerMetre = 3780; // 96 per inch
 
 // A full page is 11,712 pixels high and takes 100 MB in memory. Qt paints up to 32,767 pixels, and viewers that draw
 // with the graphics card show up to 16,384.
@@ -120,6 +121,9 @@ QRect ContactSheet::nextCell()
     if (m_page.isNull()) {
         m_page = QImage(pageSize(columns, (cells + columns - 1) / columns), QImage::Format_RGB32);
         m_page.fill(QColor(250, 250, 250));
+        // Qt's own value depends on whether there is an application object yet.
+        m_page.setDotsPerMeterX(kDotsPerMetre);
+        m_page.setDotsPerMeterY(kDotsPerMetre);
     }
     return {kGapPx + onPage % columns * kStep.width(), kGapPx + onPage / columns * kStep.height(), kPicturePx,
             kPicturePx};
