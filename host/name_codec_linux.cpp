@@ -90,9 +90,11 @@ void keepNamesThatAreNotText()
     const char* const codeset = nl_langinfo(CODESET);
     // "C" has this one, and Qt would lose all of its names that are more than ASCII.
     const bool isAscii = std::strcmp(codeset, "ANSI_X3.4-1968") == 0;
+    if (!isAscii && std::strcmp(codeset, "UTF-8") != 0)
+        return;
     // Qt owns it.
-    if (isAscii || std::strcmp(codeset, "UTF-8") == 0)
-        QTextCodec::setCodecForLocale(new NameCodec);
+    static auto* const codec = new NameCodec;
+    QTextCodec::setCodecForLocale(codec);
 }
 
 } // namespace zr
