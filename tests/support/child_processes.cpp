@@ -53,6 +53,8 @@ void killProcess(qint64 process)
 
 #else
 
+#include <QString>
+
 #include <windows.h>
 
 #include <tlhelp32.h>
@@ -67,7 +69,9 @@ std::set<qint64> childrenOf(qint64 parent)
     PROCESSENTRY32W entry = {};
     entry.dwSize = sizeof entry;
     for (BOOL more = Process32FirstW(snapshot, &entry); more; more = Process32NextW(snapshot, &entry)) {
-        if (entry.th32ParentProcessID == static_cast<DWORD>(parent))
+        // Who has no console gets one, which is a process.
+        const bool isConsole = QString::fromWCharArray(entry.szExeFile).startsWith(QLatin1String("conhost"));
+        if (entry.th32ParentProcessID == static_cast<DWORD>(parent) && !isConsole)
             children.insert(entry.th32ProcessID);
     }
     CloseHandle(snapshot);
