@@ -21,7 +21,7 @@ namespace zr
 namespace
 {
 
-const QString kConnection = QStringLiteral("all rows");
+constexpr char kConnection[] = "all rows";
 
 constexpr std::size_t kRowsInPiece = 1000;
 
