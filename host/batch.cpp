@@ -136,7 +136,8 @@ void Batch::assignTo(WorkerProcess& worker)
     if (m_isStopping || index >= m_files.size() || index >= m_reported + m_maxAhead)
         return;
     const ListedFile file = m_files.at(index);
-    const WorkerProcess* const reader = file.isShared ? readerOfSameName(index) : nullptr;
+    const bool sharesPng = file.isShared && m_options.dataFolderUse == DataFolderUse::Usual;
+    const WorkerProcess* const reader = sharesPng ? readerOfSameName(index) : nullptr;
     if (!reader || reader == &worker)
         worker.send(begin(), file);
 }

@@ -70,9 +70,9 @@ void runInWorkers(const Options& options, int jobs, const FileList& list, const 
         if (index + 1 < list.size())
             showReading(progress, list.at(index + 1), report);
     };
-    // The system ends programs whose output nobody reads, but not those that lead others.
     if (list.size() > 0)
         showReading(progress, list.at(0), report);
+    // The system ends programs whose output nobody reads, but not those that lead others.
     Batch(options, jobs, list, onResult).run([&interruption] { return interruption.isRequested() || stdoutIsGone(); });
 }
 
