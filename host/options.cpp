@@ -215,7 +215,7 @@ QString valueError(const CommandLine& line)
          QStringLiteral("--size needs a number from 1 to %1").arg(kMaxSizePx)},
         {!isBetween(line, line.jobs, 0, kMaxJobs), QStringLiteral("--jobs needs a number from 0 to %1").arg(kMaxJobs)},
         {!isBetween(line, line.workerMemory, kMinWorkerMegabytes, std::numeric_limits<int>::max()),
-         QStringLiteral("--worker-memory needs a number of megabytes from %1 on").arg(kMinWorkerMegabytes)},
+         QStringLiteral("--worker-memory needs a number of at least %1 megabytes").arg(kMinWorkerMegabytes)},
         {!talksToServer() && !rendererOf(line.parser.value(line.renderer)),
          QStringLiteral("--renderer needs auto, opengl or software")},
         {!talksToServer() && !objReadingOf(line.parser.value(line.obj)),
@@ -231,7 +231,7 @@ QString usageError(const CommandLine& line, const Options& options)
     const QString error = firstOf({
         {options.files.isEmpty() && !isSet(line.filesFrom), QStringLiteral("no FILE given")},
         {!options.files.isEmpty() && isSet(line.filesFrom),
-         QStringLiteral("--files-from stands in place of FILE; put all names into the list")},
+         QStringLiteral("--files-from and FILE exclude each other; put all names into the list")},
         {isSet(line.output) && isSet(line.outputFolder),
          QStringLiteral("--output and --output-dir exclude each other")},
         {isSet(line.output) && !isOfOneFile, QStringLiteral("--output needs a single FILE")},

@@ -68,7 +68,8 @@ int runAsWorker()
     keepToOwnMessages();
     const int status = zr::runWorker();
     if (status == kWrongUsage)
-        zr::printLine(stderr, QStringLiteral("zrthumb: %1 is for what -j starts").arg(zr::kWorkerArgument));
+        zr::printLine(stderr,
+                      QStringLiteral("zrthumb: %1 is for the processes that -j starts").arg(zr::kWorkerArgument));
     return status;
 }
 

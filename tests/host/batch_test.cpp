@@ -137,7 +137,7 @@ TEST_F(BatchTest, WorkerOnItsOwnDoesNothing)
         ASSERT_TRUE(worker.waitForFinished(kTimeoutMs));
         EXPECT_EQ(worker.exitCode(), 2);
         EXPECT_EQ(worker.readAllStandardOutput(), "");
-        EXPECT_EQ(worker.readAllStandardError().trimmed(), "zrthumb: --worker is for what -j starts");
+        EXPECT_EQ(worker.readAllStandardError().trimmed(), "zrthumb: --worker is for the processes that -j starts");
     }
 }
 

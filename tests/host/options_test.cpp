@@ -122,7 +122,7 @@ TEST(OptionsTest, WrongUsageIsRejectedWithAReason)
         {{"--refresh=yes", "--output-dir", "d", "a"}, "refresh"},
 
         {{"--files-from", "", "-q"}, "--files-from needs a file name"},
-        {{"--files-from", "l", "a"}, "--files-from stands in place of FILE"},
+        {{"--files-from", "l", "a"}, "--files-from and FILE exclude each other"},
         {{"--files-from", "l", "-o", "x.png"}, "--output needs a single FILE"},
         {{"-q", "--files-from"}, "Missing value"},
         {{"-0"}, "no FILE given"},
@@ -140,7 +140,7 @@ TEST(OptionsTest, WrongUsageIsRejectedWithAReason)
         {{"-j", "99999999999", "a"}, "--jobs needs a number"},
         {{"a", "-j"}, "Missing value"},
         {{"-j", "2", "-o", "x.png", "a"}, "--jobs is for many files; leave out --output"},
-        {{"--worker-memory", "99", "a"}, "--worker-memory needs a number of megabytes from 100 on"},
+        {{"--worker-memory", "99", "a"}, "--worker-memory needs a number of at least 100 megabytes"},
         {{"--worker-memory", "-400", "a"}, "--worker-memory needs a number of megabytes"},
         {{"--worker-memory", "400M", "a"}, "--worker-memory needs a number of megabytes"},
         {{"--worker-memory", "2147483648", "a"}, "--worker-memory needs a number of megabytes"},
