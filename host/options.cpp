@@ -215,7 +215,7 @@ QString valueError(const CommandLine& line)
          QStringLiteral("--size needs a number from 1 to %1").arg(kMaxSizePx)},
         {!isBetween(line, line.jobs, 0, kMaxJobs), QStringLiteral("--jobs needs a number from 0 to %1").arg(kMaxJobs)},
         {!isBetween(line, line.workerMemory, kMinWorkerMegabytes, std::numeric_limits<int>::max()),
-         QStringLiteral("--worker-memory needs a number of at least %1 megabytes").arg(kMinWorkerMegabytes)},
+         QStringLiteral("--worker-memory needs a number of megabytes, at least %1").arg(kMinWorkerMegabytes)},
         {!talksToServer() && !rendererOf(line.parser.value(line.renderer)),
          QStringLiteral("--renderer needs auto, opengl or software")},
         {!talksToServer() && !objReadingOf(line.parser.value(line.obj)),

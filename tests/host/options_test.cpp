@@ -140,7 +140,7 @@ TEST(OptionsTest, WrongUsageIsRejectedWithAReason)
         {{"-j", "99999999999", "a"}, "--jobs needs a number"},
         {{"a", "-j"}, "Missing value"},
         {{"-j", "2", "-o", "x.png", "a"}, "--jobs is for many files; leave out --output"},
-        {{"--worker-memory", "99", "a"}, "--worker-memory needs a number of at least 100 megabytes"},
+        {{"--worker-memory", "99", "a"}, "--worker-memory needs a number of megabytes, at least 100"},
         {{"--worker-memory", "-400", "a"}, "--worker-memory needs a number of megabytes"},
         {{"--worker-memory", "400M", "a"}, "--worker-memory needs a number of megabytes"},
         {{"--worker-memory", "2147483648", "a"}, "--worker-memory needs a number of megabytes"},
