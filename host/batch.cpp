@@ -60,7 +60,8 @@ void Batch::run(const std::function<bool()>& mustStop)
 bool Batch::isDone() const
 {
     const auto isBusy = [](const auto& worker) { return !worker->tasks().empty(); };
-    return m_reported == m_files.size() || (m_isStopping && std::none_of(m_workers.begin(), m_workers.end(), isBusy));
+    return m_reported == m_files.size() ||
+           (m_isStopping && m_results.empty() && std::none_of(m_workers.begin(), m_workers.end(), isBusy));
 }
 
 // What there is to do after any event. Not called from within a worker's calls, since it destroys those that ended.
@@ -100,7 +101,6 @@ void Batch::giveUp(const QString& fault)
 
 void Batch::startWorkers()
 {
-    const std::size_t left = m_files.size() - m_next + m_returned.size();
     WorkerProcess::Listener listener;
     listener.onReady = [this] {
         m_startFailures = 0;
@@ -113,7 +113,7 @@ void Batch::startWorkers()
             m_loop.quit();
     };
     listener.onEnded = [this] { m_end.start(0); };
-    while (!m_isStopping && left > 0 && m_workers.size() < m_jobs)
+    while (mayBegin(next()) && m_workers.size() < m_jobs)
         m_workers.push_back(std::make_unique<WorkerProcess>(m_options, listener));
 }
 
@@ -133,13 +133,19 @@ void Batch::assign()
 void Batch::assignTo(WorkerProcess& worker)
 {
     const std::size_t index = next();
-    if (m_isStopping || index >= m_files.size() || index >= m_reported + m_maxAhead)
+    if (!mayBegin(index) || index >= m_reported + m_maxAhead)
         return;
     const ListedFile file = m_files.at(index);
     const bool sharesPng = file.isShared && m_options.dataFolderUse == DataFolderUse::Usual;
     const WorkerProcess* const reader = sharesPng ? readerOfSameName(index) : nullptr;
     if (!reader || reader == &worker)
         worker.send(begin(), file);
+}
+
+// A run that stops still reads the files before one that is done: results are reported in order.
+bool Batch::mayBegin(std::size_t index) const
+{
+    return index < m_files.size() && (!m_isStopping || (!m_results.empty() && index < m_results.rbegin()->first));
 }
 
 const WorkerProcess* Batch::readerOfSameName(std::size_t index) const

@@ -31,7 +31,7 @@ public:
     ~Batch();
     Q_DISABLE_COPY(Batch)
 
-    /// Returns when all files are done, or, once `mustStop` says so, those that had been begun.
+    /// Returns when all files are done, or, once `mustStop` says so, those up to the last one that is done.
     void run(const std::function<bool()>& mustStop);
 
 private:
@@ -43,6 +43,7 @@ private:
     void assign();
     void assignTo(WorkerProcess& worker);
     const WorkerProcess* readerOfSameName(std::size_t index) const;
+    bool mayBegin(std::size_t index) const;
     std::size_t next() const; ///< the file to begin next; the number of files when there is none
     std::size_t begin();      ///< the same, from now on begun
     void finish(std::size_t index, FileResult&& result);

@@ -15,6 +15,7 @@
 #include <QJsonObject>
 #include <QMap>
 #include <QTemporaryDir>
+#include <QThread>
 
 #include <algorithm>
 #include <csignal>
@@ -179,6 +180,31 @@ TEST_F(BatchFaultsTest, InterruptedRunIsGoneOnWith)
     for (const QString& file : second.keys())
         EXPECT_TRUE(failed(second[file]) || second[file]["cached"].toBool() == first.contains(file))
             << file.toStdString();
+}
+
+// One of two workers stands still, and dies after the interruption: the other has gone on with later files.
+TEST_F(BatchFaultsTest, InterruptedRunReportsAllThatIsDone)
+{
+    makeFiles(400);
+    QProcess program;
+    start(program, {"-r", "--json", "--no-cache", "--output-dir", "out", "-j", "2", "Models"});
+    ASSERT_TRUE(program.waitForReadyRead(kTimeoutMs));
+    const auto workers = childrenOf(program.processId());
+    ASSERT_EQ(workers.size(), 2U);
+    ASSERT_EQ(::kill(static_cast<pid_t>(*workers.begin()), SIGSTOP), 0);
+    QThread::msleep(500);
+    ASSERT_EQ(::kill(static_cast<pid_t>(program.processId()), SIGINT), 0);
+    QThread::msleep(500);
+    killProcess(*workers.begin());
+    ASSERT_TRUE(program.waitForFinished(kTimeoutMs));
+    EXPECT_EQ(program.exitCode(), 128 + SIGINT);
+    const auto results = resultsOf(program.readAllStandardOutput());
+    EXPECT_LT(results.size(), 400);
+    EXPECT_EQ(count(results, hasCrashed), 1);
+    for (const QString& name : m_names) {
+        const bool isDone = QFile::exists(m_folder.filePath("out/" + name + ".png"));
+        EXPECT_TRUE(!isDone || results.contains("Models/" + name)) << name.toStdString();
+    }
 }
 
 TEST_F(BatchFaultsTest, WorkersEndWithTheirRun)
