@@ -53,6 +53,9 @@ void makeStdinBinary();
 /// what was stdout; null when there is none.
 std::FILE* followParent();
 
+/// What starts this very program once more, even after an update has put another file in the place of its own.
+QString ownProgram();
+
 /// The memory that this process has at the moment, in bytes; 0 when the system does not tell.
 qint64 ownMemory();
 

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
-#include "host/name_codec.h"
 #include "host/platform.h"
+
+#include "host/name_codec.h"
+#include "request/module_path.h"
 
 #include <QFile>
 
@@ -104,6 +106,12 @@ std::FILE* followParent()
     if (channel == -1 || !std::freopen("/dev/null", "w", stdout))
         return nullptr;
     return fdopen(channel, "w");
+}
+
+QString ownProgram()
+{
+    const QString path = modulePath();
+    return QFile::exists(path) ? path : QStringLiteral("/proc/self/exe");
 }
 
 qint64 ownMemory()

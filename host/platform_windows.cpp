@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "host/platform.h"
 
+#include "request/module_path.h"
+
 #include <cerrno>
 #include <cstdio>
 #include <cstdlib>
@@ -121,6 +123,12 @@ std::FILE* followParent()
     // The stream's mode does not count, only the descriptor's.
     _setmode(channel, _O_BINARY);
     return _fdopen(channel, "wb");
+}
+
+// The system keeps the file of a program that runs.
+QString ownProgram()
+{
+    return modulePath();
 }
 
 qint64 ownMemory()

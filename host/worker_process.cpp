@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "host/worker_process.h"
 
-#include "request/module_path.h"
+#include "host/platform.h"
 
 #include <QDataStream>
 
@@ -40,7 +40,7 @@ WorkerProcess::WorkerProcess(const Options& options, Listener listener) : m_list
     m_process.setProcessChannelMode(QProcess::ForwardedErrorChannel);
     // What this process has set for itself is not for others.
     m_process.setProcessEnvironment(options.environment);
-    m_process.start(modulePath(), {QLatin1String(kWorkerArgument)});
+    m_process.start(ownProgram(), {QLatin1String(kWorkerArgument)});
     write(m_process, toBytes(WorkerStart{QStringLiteral(ZRTHUMB_VERSION), options}));
 }
 
@@ -58,6 +58,13 @@ void WorkerProcess::send(std::size_t index, const ListedFile& file)
 {
     m_tasks.push_back(index);
     write(m_process, toBytes(WorkerTask{index, file}));
+}
+
+QString WorkerProcess::startFault() const
+{
+    if (m_process.error() == QProcess::FailedToStart || m_process.exitStatus() == QProcess::CrashExit)
+        return m_process.errorString();
+    return QStringLiteral("it ended at once, with status %1").arg(m_process.exitCode());
 }
 
 void WorkerProcess::read()

@@ -47,8 +47,8 @@ public:
 
     bool hasNotStarted() const { return m_state == State::NotStarted; }
 
-    /// Why it could not be started, in the system's words.
-    QString startFault() const { return m_process.errorString(); }
+    /// Why it could not be started.
+    QString startFault() const;
 
 private:
     enum class State { Starting, Ready, Left, Crashed, NotStarted };

@@ -239,29 +239,71 @@ TEST_F(BatchFaultsTest, RunEndsWithWhatReadsItsOutput)
     EXPECT_LT(QDir(m_folder.filePath("out")).entryList(QDir::Dirs | QDir::NoDotAndDotDot).size(), 20);
 }
 
-// The program is gone when the names arrive, and with it what workers are made of.
-TEST_F(BatchFaultsTest, EveryFileIsReportedWhenNoWorkerStarts)
+// A copy of the program, which waits for the names of its files.
+class BatchProgramTest : public BatchFaultsTest
 {
-    makeFiles(30);
-    const QString copy = m_folder.filePath("zrthumb");
-    ASSERT_TRUE(QFile::copy(QStringLiteral(ZRTHUMB_PROGRAM), copy));
-    QProcess program;
-    program.setWorkingDirectory(m_folder.path());
-    startProgram(program, copy, {"--json", "-j", "2", "--files-from", "-"});
-    ASSERT_TRUE(
-        awaited([&] { return QFile::symLinkTarget(QString("/proc/%1/exe").arg(program.processId())) == copy; }));
-    ASSERT_TRUE(QFile::remove(copy));
-    for (const QString& name : m_names)
-        program.write("Models/" + name.toUtf8() + '\n');
-    program.closeWriteChannel();
-    ASSERT_TRUE(program.waitForFinished(kTimeoutMs));
-    EXPECT_EQ(program.exitCode(), 1);
-    const auto results = resultsOf(program.readAllStandardOutput());
-    EXPECT_EQ(results.size(), 30);
-    for (const QJsonObject& result : results) {
-        EXPECT_EQ(result["error"].toString(), "noWorker");
-        EXPECT_TRUE(result["reason"].toString().startsWith("no process to read it could be started: "));
+protected:
+    void SetUp() override
+    {
+        BatchFaultsTest::SetUp();
+        makeFiles(30);
+        ASSERT_TRUE(QFile::copy(QStringLiteral(ZRTHUMB_PROGRAM), m_copy));
+        m_program.setWorkingDirectory(m_folder.path());
+        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+        environment.insert("LD_LIBRARY_PATH", m_folder.filePath("lib"));
+        m_program.setProcessEnvironment(environment);
+        startProgram(m_program, m_copy, {"--json", "-j", "2", "--renderer", "software", "--files-from", "-"});
+        ASSERT_TRUE(awaited(
+            [this] { return readFile(QString("/proc/%1/maps").arg(m_program.processId())).contains("libQt5Core"); }));
     }
+
+    QMap<QString, QJsonObject> giveNames()
+    {
+        for (const QString& name : m_names)
+            m_program.write("Models/" + name.toUtf8() + '\n');
+        m_program.closeWriteChannel();
+        EXPECT_TRUE(m_program.waitForFinished(kTimeoutMs));
+        const auto results = resultsOf(m_program.readAllStandardOutput());
+        EXPECT_EQ(results.size(), 30);
+        return results;
+    }
+
+    // Whatever keeps workers from starting.
+    void expectNoWorker(const QString& reason)
+    {
+        for (const QJsonObject& result : giveNames()) {
+            EXPECT_EQ(result["error"].toString(), "noWorker");
+            EXPECT_EQ(result["reason"].toString(), "no process to read it could be started: " + reason);
+        }
+        EXPECT_EQ(m_program.exitCode(), 1);
+    }
+
+    const QString m_copy = m_folder.filePath("zrthumb");
+    QProcess m_program;
+};
+
+TEST_F(BatchProgramTest, EveryFileIsReportedWhenTheProgramMayNotBeRun)
+{
+    ASSERT_TRUE(QFile::setPermissions(m_copy, QFile::ReadOwner));
+    expectNoWorker("execve: Permission denied");
+}
+
+// As they do while the system's libraries are updated.
+TEST_F(BatchProgramTest, EveryFileIsReportedWhenWorkersEndAtOnce)
+{
+    ASSERT_TRUE(QDir(m_folder.path()).mkdir("lib"));
+    writeFile(m_folder.filePath("lib/libQt5Core.so.5"), "half of it");
+    expectNoWorker("it ended at once, with status 127");
+}
+
+// Packages are updated in this way: what runs keeps its file, which has no name any more.
+TEST_F(BatchProgramTest, RunGoesOnAfterAnUpdateOfItsProgram)
+{
+    ASSERT_TRUE(QFile::remove(m_copy));
+    writeFile(m_copy, "#!/bin/sh\nexit 1\n");
+    ASSERT_TRUE(QFile::setPermissions(m_copy, QFile::ReadOwner | QFile::ExeOwner));
+    // Hostile ones.
+    EXPECT_LE(count(giveNames(), failed), 3);
 }
 
 } // namespace
