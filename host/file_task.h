@@ -30,6 +30,10 @@ struct FileResult {
     bool hasThumbnail() const { return failure.reason.isEmpty(); }
 };
 
+/// The memory, in bytes, that reading and drawing the file takes, of which much stays in the process: an estimate by
+/// the file's size.
+qint64 memoryFor(const QString& path);
+
 /// What a run does for each of its files: the request, and the outputs of the file's own.
 class FileTask
 {

@@ -129,7 +129,7 @@ struct CommandLine {
     const QCommandLineOption jobs{
         {"j", "jobs"},
         "Read files in <N> processes at a time; 0 is one for each core. A file that makes one "
-        "crash fails alone. More than 100 files are read in 1 process at least.",
+        "crash fails alone. More than 100 files, or several large ones, are read in 1 process at least.",
         "N"};
     const QCommandLineOption workerMemory{
         "worker-memory", "With -j, replace a process before it takes more than <MB> megabytes (the default is 400).",

@@ -40,6 +40,9 @@ struct Options {
 
     static constexpr int kNoJobs = -1;
 
+    /// The memory at which a worker process is replaced.
+    qint64 workerBytes() const { return workerMegabytes * qint64(1000000); }
+
     /// Whether pictures are handed out anywhere but in the cache.
     bool hasOutputs() const { return !output.isEmpty() || !outputFolder.isEmpty() || !sheet.isEmpty(); }
 

@@ -23,7 +23,6 @@ constexpr int kAllSucceeded = 0;
 constexpr int kSomeFailed = 1;
 constexpr int kWrongUsage = 2;
 
-// What models leave in memory is nothing to worry about for so many files, and starting a process would take longer.
 constexpr std::size_t kMaxFilesInThisProcess = 100;
 
 FileList listed(const Options& options, QString& fault, const std::function<void(std::size_t)>& onFound)
@@ -33,11 +32,23 @@ FileList listed(const Options& options, QString& fault, const std::function<void
     return listNamedFiles(options.filesFrom, options.endsWithZero ? '\0' : '\n', options.recursive, fault, onFound);
 }
 
+// Whether what models leave in memory is nothing to worry about. Starting a process would take longer than few files
+// do.
+bool areFew(const FileList& files, qint64 maxBytes)
+{
+    if (files.size() > kMaxFilesInThisProcess)
+        return false;
+    qint64 bytes = 0;
+    for (std::size_t i = 0; i < files.size(); ++i)
+        bytes += memoryFor(files.at(i).path);
+    return files.size() <= 1 || bytes <= maxBytes;
+}
+
 // The number of worker processes; 0 to work in this process.
-int jobsFor(const Options& options, std::size_t files)
+int jobsFor(const Options& options, const FileList& files)
 {
     if (options.jobs == Options::kNoJobs)
-        return files > kMaxFilesInThisProcess ? 1 : 0;
+        return areFew(files, options.workerBytes()) ? 0 : 1;
     return options.jobs == 0 ? QThread::idealThreadCount() : options.jobs;
 }
 
@@ -80,7 +91,7 @@ int run(const Options& options, const FileList& list, Progress& progress)
 {
     Report report(options, list, progress);
     const Interruption interruption;
-    const int jobs = jobsFor(options, list.size());
+    const int jobs = jobsFor(options, list);
     if (jobs == 0)
         runHere(options, list, interruption, progress, report);
     else

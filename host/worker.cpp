@@ -6,9 +6,7 @@
 #include "host/renderer_setup.h"
 #include "host/worker_messages.h"
 #include "readers/mesh/obj_reading.h"
-#include "readers/reader_table.h"
 
-#include <QFileInfo>
 #include <QtEndian>
 
 #include <cstdio>
@@ -26,10 +24,6 @@ constexpr int kMaxFiles = 1000;
 
 // No run sends more; what says otherwise is not a run.
 constexpr quint32 kMaxMessageBytes = 1 << 24;
-
-// What a model takes while it is read and drawn, by its file's size: with OpenGL, 72 bytes a triangle for the mesh, and
-// twice as much again in the driver, for 50 bytes of an STL file.
-constexpr qint64 kMemoryPerFileByte = 5;
 
 /// The next message; nothing at the end of stdin.
 std::optional<QByteArray> readMessage()
@@ -81,11 +75,8 @@ private:
     {
         if (m_done == 0)
             return false;
-        const QFileInfo file(path);
-        const qint64 needed = isModel(file.suffix()) ? file.size() * kMemoryPerFileByte : 0;
-        const qint64 limit = m_options.workerMegabytes * qint64(1000000);
         // The rest is for what is not counted here.
-        return m_done == kMaxFiles || ownMemory() + needed > limit / 4 * 3;
+        return m_done == kMaxFiles || ownMemory() + memoryFor(path) > m_options.workerBytes() / 4 * 3;
     }
 
     const Options& m_options;

@@ -8,7 +8,9 @@
 #include "tests/support/mixed_files.h"
 #include "tests/support/program_run.h"
 #include "tests/support/qt_printers.h"
+#include "tools/samples/stl_bytes.h"
 
+#include <QDir>
 #include <QFile>
 #include <QProcess>
 #include <QTemporaryDir>
@@ -16,6 +18,9 @@
 #include <algorithm>
 #include <cstdio>
 #include <map>
+#include <vector>
+
+#include <unistd.h>
 
 namespace zr::test
 {
@@ -89,6 +94,28 @@ TEST_F(BatchMemoryTest, RunAndWorkersStayWithinTheirLimits)
         // With OpenGL, what models leave makes more than two necessary.
         EXPECT_GT(m_workerPeaks.size(), renderer == "opengl" ? 2U : 1U);
     }
+}
+
+// Without -j, and too few files for it otherwise. In one process, a dozen takes all there is.
+TEST_F(BatchMemoryTest, ManyLargeModelsFitIntoLittleMemory)
+{
+    constexpr int kModels = 40;
+    constexpr std::size_t kTriangles = 100000;
+    const auto gear = samples::gear();
+    std::vector<samples::ModelTriangle> triangles;
+    while (triangles.size() < kTriangles)
+        triangles.insert(triangles.end(), gear.begin(), gear.end());
+    ASSERT_TRUE(QDir(m_folder.path()).mkdir("Models"));
+    const QString model = writeFile(m_folder.filePath("Models/model.stl"), samples::binaryStlBytes(triangles));
+    for (int i = 1; i < kModels; ++i)
+        ASSERT_EQ(::link(qPrintable(model), qPrintable(m_folder.filePath(QString("Models/model%1.stl").arg(i)))), 0);
+    QProcess shell;
+    shell.setWorkingDirectory(m_folder.path());
+    startProgram(shell, "sh", {"-c", "ulimit -v 1200000; exec \"$0\" -r --renderer opengl Models", ZRTHUMB_PROGRAM});
+    ASSERT_TRUE(shell.waitForFinished(300000));
+    EXPECT_EQ(shell.exitStatus(), QProcess::NormalExit);
+    EXPECT_EQ(shell.exitCode(), 0) << shell.readAllStandardError().constData();
+    EXPECT_EQ(shell.readAllStandardOutput().count('\n'), kModels);
 }
 
 } // namespace
