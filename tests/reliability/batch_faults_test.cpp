@@ -96,6 +96,18 @@ bool awaited(const std::function<bool()>& happens)
     return true;
 }
 
+// Enough of what a run prints that all its workers are at work.
+QByteArray firstLines(QProcess& program)
+{
+    QByteArray lines;
+    EXPECT_TRUE(awaited([&] {
+        program.waitForReadyRead(10);
+        lines += program.readAllStandardOutput();
+        return lines.count('\n') >= 20;
+    }));
+    return lines;
+}
+
 bool hasCrashed(const QJsonObject& result)
 {
     return result["error"].toString() == "readerCrashed";
@@ -155,12 +167,7 @@ TEST_F(BatchFaultsTest, InterruptedRunIsGoneOnWith)
     const QStringList arguments{"-r", "--json", "--no-cache", "--output-dir", "out", "-j", "2", "Models"};
     GroupLeader program;
     start(program, arguments);
-    QByteArray lines;
-    ASSERT_TRUE(awaited([&] {
-        program.waitForReadyRead(10);
-        lines += program.readAllStandardOutput();
-        return lines.count('\n') >= 20;
-    }));
+    QByteArray lines = firstLines(program);
     // As Ctrl+C does it: to the run and its workers.
     ASSERT_EQ(::kill(-program.id(), SIGINT), 0);
     ASSERT_TRUE(program.waitForFinished(kTimeoutMs));
@@ -186,25 +193,30 @@ TEST_F(BatchFaultsTest, InterruptedRunIsGoneOnWith)
 TEST_F(BatchFaultsTest, InterruptedRunReportsAllThatIsDone)
 {
     makeFiles(400);
+    const auto hasPicture = [this](const QString& name) {
+        return QFile::exists(m_folder.filePath("out/" + name + ".png"));
+    };
+    const auto countPictures = [&] {
+        return static_cast<int>(std::count_if(m_names.cbegin(), m_names.cend(), hasPicture));
+    };
     QProcess program;
     start(program, {"-r", "--json", "--no-cache", "--output-dir", "out", "-j", "2", "Models"});
-    ASSERT_TRUE(program.waitForReadyRead(kTimeoutMs));
+    const QByteArray lines = firstLines(program);
     const auto workers = childrenOf(program.processId());
     ASSERT_EQ(workers.size(), 2U);
     ASSERT_EQ(::kill(static_cast<pid_t>(*workers.begin()), SIGSTOP), 0);
-    QThread::msleep(500);
+    const int done = countPictures();
+    ASSERT_TRUE(awaited([&] { return countPictures() >= done + 10; }));
     ASSERT_EQ(::kill(static_cast<pid_t>(program.processId()), SIGINT), 0);
     QThread::msleep(500);
     killProcess(*workers.begin());
     ASSERT_TRUE(program.waitForFinished(kTimeoutMs));
     EXPECT_EQ(program.exitCode(), 128 + SIGINT);
-    const auto results = resultsOf(program.readAllStandardOutput());
+    const auto results = resultsOf(lines + program.readAllStandardOutput());
     EXPECT_LT(results.size(), 400);
     EXPECT_EQ(count(results, hasCrashed), 1);
-    for (const QString& name : m_names) {
-        const bool isDone = QFile::exists(m_folder.filePath("out/" + name + ".png"));
-        EXPECT_TRUE(!isDone || results.contains("Models/" + name)) << name.toStdString();
-    }
+    for (const QString& name : m_names)
+        EXPECT_TRUE(!hasPicture(name) || results.contains("Models/" + name)) << name.toStdString();
 }
 
 TEST_F(BatchFaultsTest, WorkersEndWithTheirRun)
