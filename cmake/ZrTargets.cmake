@@ -68,21 +68,14 @@ function(zr_set_up name)
 endfunction()
 
 # zr_add_library(NAME SOURCES... [PLATFORM NAMES...] [HEADERS FILES...] LINK LIBS...): one static library of the product.
-# PLATFORM names what has a source of its own for each system. Each source's header belongs to the library; HEADERS are
-# those without a source.
+# PLATFORM names what has a source of its own for each system. HEADERS are those without a source: that they compile
+# without another one before them is verified; each other one is the first that its source includes.
 function(zr_add_library name)
     cmake_parse_arguments(ARG "" "" "SOURCES;PLATFORM;HEADERS;LINK" ${ARGN})
-    set(headers ${ARG_HEADERS})
-    foreach(source IN LISTS ARG_SOURCES ARG_PLATFORM)
-        string(REGEX REPLACE "\\.cpp$" "" stem "${source}")
-        if(EXISTS "${CMAKE_CURRENT_SOURCE_DIR}/${stem}.h")
-            list(APPEND headers "${stem}.h")
-        endif()
-    endforeach()
     list(TRANSFORM ARG_PLATFORM APPEND "_${ZR_PLATFORM}.cpp")
     add_library(${name} STATIC ${ARG_SOURCES} ${ARG_PLATFORM})
     set_target_properties(${name} PROPERTIES VERIFY_INTERFACE_HEADER_SETS ON)
-    target_sources(${name} PUBLIC FILE_SET HEADERS BASE_DIRS "${PROJECT_SOURCE_DIR}" FILES ${headers})
+    target_sources(${name} PUBLIC FILE_SET HEADERS BASE_DIRS "${PROJECT_SOURCE_DIR}" FILES ${ARG_HEADERS})
     zr_set_up(${name})
     target_link_libraries(${name} PUBLIC zr_options ${ARG_LINK})
 endfunction()

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
-#include "host/platform.h"
 #include "host/terminal.h"
+
+#include "host/platform.h"
 
 #include <QByteArray>
 

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
-#include "render/offscreen_renderer.h"
 #include "render/renderer_choice.h"
+
+#include "render/offscreen_renderer.h"
 
 namespace zr
 {
