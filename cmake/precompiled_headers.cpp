@@ -1,2 +1,2 @@
 // SPDX-License-Identifier: MIT
-// For the precompiled headers of the tests.
+// Belongs to the targets whose headers are compiled once for all.

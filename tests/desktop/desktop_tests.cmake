@@ -25,6 +25,8 @@ foreach(check reproducible contents lintian satisfiable installed)
     zr_add_packages_test(${check}_packages_test "${CMAKE_CURRENT_SOURCE_DIR}/package_test.sh"
         "${CMAKE_BINARY_DIR}" "${packages}" ${check})
 endforeach()
+# Compiles all of the product once more.
+set_property(TEST reproducible_packages_test PROPERTY LABELS release)
 foreach(client gnome xfce kde check)
     zr_add_packages_test(${client}_client_test "${CMAKE_CURRENT_SOURCE_DIR}/clients_test.sh"
         "${CMAKE_BINARY_DIR}" "${packages}" ${client})
