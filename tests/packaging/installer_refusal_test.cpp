@@ -22,6 +22,16 @@ class InstallerRefusalTest : public InstallerFixture
 protected:
     // An installer whose server cannot be registered.
     static QString unfitSetup() { return package("unfit-setup.exe"); }
+
+    // Unlike the machine's state, with volatile keys.
+    static RegistryLines registryOf(const std::wstring& path)
+    {
+        HKEY key = nullptr;
+        EXPECT_EQ(RegOpenKeyExW(HKEY_LOCAL_MACHINE, path.c_str(), 0, KEY_READ, &key), ERROR_SUCCESS);
+        const RegistryLines lines = registryBelow(key);
+        RegCloseKey(key);
+        return lines;
+    }
 };
 
 TEST_F(InstallerRefusalTest, InvalidOptions)
@@ -110,8 +120,10 @@ TEST_F(InstallerRefusalTest, RegistrationThatFailsHalfWayLeavesNothing)
     RegCloseKey(key);
     writeString(HKEY_LOCAL_MACHINE, L"Software\\Classes\\.obj", L"", L"Their.Document");
     const MachineState before = MachineState::now();
+    const RegistryLines volatileBefore = registryOf(L"Software\\Classes\\.obj");
     EXPECT_TRUE(refuses(runRaw(setup(), "/S"), "cannot be registered, so nothing is installed"));
     expectSame(before, MachineState::now());
+    EXPECT_EQ(registryOf(L"Software\\Classes\\.obj"), volatileBefore);
     removeTree(HKEY_LOCAL_MACHINE, L"Software\\Classes\\.obj");
     removeTree(HKEY_LOCAL_MACHINE, L"Software\\Classes\\.stl");
     removeTree(HKEY_LOCAL_MACHINE, other);

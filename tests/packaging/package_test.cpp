@@ -49,9 +49,14 @@ QImage readPicture(const QString& path)
     return picture;
 }
 
-// Keys that Wine itself creates when a program first shows a window or requests a handler.
+// Keys that Wine itself creates when a program first shows a window or requests a handler, and the view of 32-bit
+// programs.
 bool isMadeBySystem(const std::wstring& line)
 {
+    for (const wchar_t* const view : {L"Wow6432Node", L"Classes\\Wow6432Node"}) {
+        if (line.rfind(view, 0) == 0)
+            return true;
+    }
     return line.find(L"\\CurrentVersion\\Shell Extensions") != std::wstring::npos || line.rfind(L"Wine\\", 0) == 0;
 }
 
@@ -239,21 +244,15 @@ QStringList filesBelow(const QString& folder)
 MachineState MachineState::now()
 {
     MachineState state;
-    // The classes are listed separately, since Wow6432Node, the view of 32-bit programs, contains itself.
-    const std::pair<HKEY, std::wstring> parts[] = {{HKEY_LOCAL_MACHINE, L"Software"},
-                                                   {HKEY_LOCAL_MACHINE, L"Software\\Classes"},
-                                                   {HKEY_CURRENT_USER, L"Software"},
-                                                   {HKEY_CURRENT_USER, L"Software\\Classes"}};
-    for (const auto& [root, path] : parts) {
-        HKEY key = nullptr;
-        if (RegOpenKeyExW(root, path.c_str(), 0, KEY_READ, &key) != ERROR_SUCCESS)
-            continue;
-        const std::wstring prefix = (root == HKEY_LOCAL_MACHINE ? L"HKLM\\" : L"HKCU\\") + path + L'\\';
-        for (const std::wstring& line : registryBelow(key, {L"Wow6432Node", L"Classes"})) {
+    const std::pair<HKEY, std::wstring> parts[] = {{HKEY_LOCAL_MACHINE, L"HKLM\\Software\\"},
+                                                   {HKEY_CURRENT_USER, L"HKCU\\Software\\"}};
+    for (const auto& [root, prefix] : parts) {
+        const RegistryLines lines = savedRegistryBelow(root, L"Software");
+        EXPECT_FALSE(lines.empty());
+        for (const std::wstring& line : lines) {
             if (!isMadeBySystem(line))
                 state.registry.push_back(prefix + line);
         }
-        RegCloseKey(key);
     }
     std::sort(state.registry.begin(), state.registry.end());
     state.files = filesBelow("C:/");

@@ -2,7 +2,10 @@
 #include "tests/shell/registry_dump.h"
 
 #include <algorithm>
+#include <filesystem>
+#include <fstream>
 #include <iterator>
+#include <set>
 
 #include <gtest/gtest.h>
 
@@ -74,6 +77,58 @@ void listSubkeys(HKEY key, const std::wstring& path, const std::vector<std::wstr
     }
 }
 
+void allowSaving()
+{
+    HANDLE token = nullptr;
+    ASSERT_TRUE(OpenProcessToken(GetCurrentProcess(), TOKEN_ADJUST_PRIVILEGES, &token));
+    TOKEN_PRIVILEGES wanted = {1, {{{}, SE_PRIVILEGE_ENABLED}}};
+    EXPECT_TRUE(LookupPrivilegeValueW(nullptr, L"SeBackupPrivilege", &wanted.Privileges[0].Luid));
+    EXPECT_TRUE(AdjustTokenPrivileges(token, FALSE, &wanted, 0, nullptr, nullptr));
+    CloseHandle(token);
+}
+
+// The name of the key in a line such as "[Software\\\\Classes] 1795427110".
+std::wstring savedKey(const std::string& line)
+{
+    std::wstring path;
+    const std::size_t end = line.rfind(']');
+    for (std::size_t i = 1; i < end; ++i) {
+        if (line[i] == '\\' && line[i + 1] == '\\')
+            ++i;
+        path += static_cast<wchar_t>(line[i]);
+    }
+    return path;
+}
+
+// A key and those above it, which have no lines of their own in the file if they have no values.
+void addKeys(std::wstring path, std::set<std::wstring>& keys)
+{
+    while (!path.empty() && keys.insert(path).second)
+        path.resize(path.find(L'\\') == std::wstring::npos ? 0 : path.rfind(L'\\'));
+}
+
+// Without the times of changes. Long data go on in the next line, which is indented.
+RegistryLines linesOfSaved(std::istream& file)
+{
+    RegistryLines lines;
+    std::set<std::wstring> keys;
+    std::wstring path;
+    bool isInKeys = false;
+    for (std::string line; std::getline(file, line);) {
+        if (line.rfind('[', 0) == 0) {
+            path = savedKey(line);
+            addKeys(path, keys);
+            isInKeys = true;
+        } else if (isInKeys && line.rfind("  ", 0) == 0) {
+            lines.back().append(line.begin(), line.end());
+        } else if (isInKeys && !line.empty() && line.rfind("#time=", 0) != 0) {
+            lines.push_back(path + L' ' + std::wstring(line.begin(), line.end()));
+        }
+    }
+    lines.insert(lines.end(), keys.begin(), keys.end());
+    return lines;
+}
+
 } // namespace
 
 RegistryLines registryBelow(HKEY key, const std::vector<std::wstring>& except)
@@ -81,6 +136,24 @@ RegistryLines registryBelow(HKEY key, const std::vector<std::wstring>& except)
     RegistryLines lines;
     listValues(key, {}, lines);
     listSubkeys(key, {}, except, lines);
+    std::sort(lines.begin(), lines.end());
+    return lines;
+}
+
+RegistryLines savedRegistryBelow(HKEY root, const std::wstring& path)
+{
+    allowSaving();
+    wchar_t folder[MAX_PATH + 1] = {};
+    GetTempPathW(MAX_PATH, folder);
+    const std::filesystem::path file = folder + (L"registry-" + std::to_wstring(GetCurrentProcessId()));
+    HKEY key = nullptr;
+    EXPECT_EQ(RegOpenKeyExW(root, path.c_str(), 0, KEY_READ, &key), ERROR_SUCCESS);
+    EXPECT_EQ(RegSaveKeyW(key, file.c_str(), nullptr), ERROR_SUCCESS);
+    RegCloseKey(key);
+    std::ifstream saved(file);
+    RegistryLines lines = linesOfSaved(saved);
+    saved.close();
+    EXPECT_TRUE(std::filesystem::remove(file));
     std::sort(lines.begin(), lines.end());
     return lines;
 }

@@ -16,6 +16,10 @@ using RegistryLines = std::vector<std::wstring>;
 /// What is below `key`, without a line for the key itself and without the subkeys of these names.
 RegistryLines registryBelow(HKEY key, const std::vector<std::wstring>& except = {});
 
+/// The same of the key `path` below `root` from the file that Wine saves, which is many times faster: the data are as
+/// written there, and volatile keys are missing.
+RegistryLines savedRegistryBelow(HKEY root, const std::wstring& path);
+
 bool keyExists(HKEY root, const std::wstring& path);
 
 /// The default value as a string; a note if there is none.
