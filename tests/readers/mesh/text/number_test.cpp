@@ -8,9 +8,12 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <array>
 #include <cmath>
 #include <cstring>
+#include <iterator>
+#include <vector>
 
 namespace zr::test
 {
@@ -119,8 +122,12 @@ TEST(NumberTest, OddNumbersAreWhatQtMakesOfThem)
 TEST(NumberTest, EachFloatIsReadFromItsShortestAndItsLongTexts)
 {
     std::mt19937 random(2);
-    for (int i = 0; i < 100000; ++i) {
-        const auto bits = static_cast<quint32>(random());
+    // Zero, the smallest and the largest numbers of each kind, and others of all exponents.
+    std::vector<quint32> patterns = {0, 1, 0x007FFFFF, 0x00800000, 0x3F7FFFFF, 0x3F800001, 0x4B7FFFFF, 0x7F7FFFFF};
+    for (std::size_t i = 0, edges = patterns.size(); i < edges; ++i)
+        patterns.push_back(patterns[i] | 0x80000000U);
+    std::generate_n(std::back_inserter(patterns), 25000, [&random] { return static_cast<quint32>(random()); });
+    for (const quint32 bits : patterns) {
         float value = 0;
         std::memcpy(&value, &bits, sizeof(value));
         if (!std::isfinite(value))
