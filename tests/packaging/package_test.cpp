@@ -63,7 +63,9 @@ bool isMadeBySystem(const std::wstring& line)
 void forgetServer()
 {
     for (const wchar_t* const key :
-         {L"Software\\Classes\\ZRThumbnail.ZReExtract.1", L"Software\\Classes\\ZRThumbnail.ZReExtract"})
+         {L"Software\\Classes\\ZRThumbnail.ZReExtract.1", L"Software\\Classes\\ZRThumbnail.ZReExtract",
+          L"Software\\Classes\\TypeLib\\{F473925C-FDEE-42AD-9FC2-C843DB7BA2B2}",
+          L"Software\\Classes\\Interface\\{9EFBFC7F-30FC-40F7-A73A-EC5036F339B9}"})
         removeTree(HKEY_LOCAL_MACHINE, key);
     removeTree(HKEY_CLASSES_ROOT, kClassKey);
     removeTree(HKEY_LOCAL_MACHINE, kUninstallKey);
