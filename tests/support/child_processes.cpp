@@ -61,6 +61,18 @@ void killProcess(qint64 process)
 
 namespace zr::test
 {
+namespace
+{
+
+// Who has no console or no desktop gets one, which is a process, and ends with it. Under Wine a process that is just
+// starting has no name yet.
+bool isMadeBySystem(const wchar_t* name)
+{
+    const QString file = QString::fromWCharArray(name);
+    return file.isEmpty() || file == QLatin1String("conhost.exe") || file == QLatin1String("explorer.exe");
+}
+
+} // namespace
 
 std::set<qint64> childrenOf(qint64 parent)
 {
@@ -69,9 +81,7 @@ std::set<qint64> childrenOf(qint64 parent)
     PROCESSENTRY32W entry = {};
     entry.dwSize = sizeof entry;
     for (BOOL more = Process32FirstW(snapshot, &entry); more; more = Process32NextW(snapshot, &entry)) {
-        // Who has no console gets one, which is a process.
-        const bool isConsole = QString::fromWCharArray(entry.szExeFile).startsWith(QLatin1String("conhost"));
-        if (entry.th32ParentProcessID == static_cast<DWORD>(parent) && !isConsole)
+        if (entry.th32ParentProcessID == static_cast<DWORD>(parent) && !isMadeBySystem(entry.szExeFile))
             children.insert(entry.th32ProcessID);
     }
     CloseHandle(snapshot);
