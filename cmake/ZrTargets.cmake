@@ -73,6 +73,8 @@ endfunction()
 function(zr_add_library name)
     cmake_parse_arguments(ARG "" "" "SOURCES;PLATFORM;HEADERS;LINK" ${ARGN})
     list(TRANSFORM ARG_PLATFORM APPEND "_${ZR_PLATFORM}.cpp")
+    # No other system's build would find out which #include is missing.
+    set_source_files_properties(${ARG_PLATFORM} PROPERTIES SKIP_PRECOMPILE_HEADERS ON)
     add_library(${name} STATIC ${ARG_SOURCES} ${ARG_PLATFORM})
     set_target_properties(${name} PROPERTIES VERIFY_INTERFACE_HEADER_SETS ON)
     target_sources(${name} PUBLIC FILE_SET HEADERS BASE_DIRS "${PROJECT_SOURCE_DIR}" FILES ${ARG_HEADERS})
