@@ -64,9 +64,9 @@ namespace zr::test
 namespace
 {
 
-// Who has no console or no desktop gets one, which is a process, and ends with it. Under Wine a process that is just
-// starting has no name yet.
-bool isMadeBySystem(const wchar_t* name)
+// A program without a console or a desktop gets one, which is a process of its own; when the console ends, so does the
+// program. Under Wine a process that is just starting has no name, so it may be either.
+bool mayBeMadeBySystem(const wchar_t* name)
 {
     const QString file = QString::fromWCharArray(name);
     return file.isEmpty() || file == QLatin1String("conhost.exe") || file == QLatin1String("explorer.exe");
@@ -81,7 +81,7 @@ std::set<qint64> childrenOf(qint64 parent)
     PROCESSENTRY32W entry = {};
     entry.dwSize = sizeof entry;
     for (BOOL more = Process32FirstW(snapshot, &entry); more; more = Process32NextW(snapshot, &entry)) {
-        if (entry.th32ParentProcessID == static_cast<DWORD>(parent) && !isMadeBySystem(entry.szExeFile))
+        if (entry.th32ParentProcessID == static_cast<DWORD>(parent) && !mayBeMadeBySystem(entry.szExeFile))
             children.insert(entry.th32ProcessID);
     }
     CloseHandle(snapshot);

@@ -8,7 +8,7 @@
 namespace zr::test
 {
 
-/// The processes that the process `parent` has started and that still run.
+/// The processes that the process `parent` has started and that still run, without those that the system starts for it.
 std::set<qint64> childrenOf(qint64 parent);
 
 /// Whether there is such a process.
