@@ -92,7 +92,8 @@ check_pictures() {
 
 count_calls() { wc -l <"$work/calls"; }
 count_pieces() { find "$RUN/pieces" -type f | wc -l; }
-list_pictures() { find "$PICTURES" -name '*.png' -printf '%i %T@ %p\0' | sort -z; }
+# Without those that are just being written, which have hidden names.
+list_pictures() { find "$PICTURES" -name '[!.]*.png' -printf '%i %T@ %p\0' | sort -z; }
 list_all() { find "$PICTURES" "$RUN" -printf '%i %T@ %s %p\0' | sort -z; }
 hosts_of_run() { tail -n +2 "$RUN/jobs" | cut -f 2 | sort -u | paste -sd ' '; }
 
@@ -184,7 +185,9 @@ test_lost_host() {
     run_all hosts
     expect_kept "$work/half" "when the run was resumed"
     check_pictures "resumed"
-    [ "$(cat results/*.jsonl | grep -c '"cached":true')" -ge 4 ] || complain "pictures that were there were not left"
+    # Not each of the files that were done has a picture.
+    [ "$(cat results/*.jsonl | grep -c '"cached":true')" -ge "$(tr -dc '\0' <"$work/half" | wc -c)" ] ||
+        complain "pictures that were there were not left"
     check_nothing_to_do hosts
 }
 
