@@ -100,6 +100,12 @@ constexpr int kDeadly[] = {
     SCMP_SYS(io_uring_setup),
 };
 
+// libseccomp's macros for conditions are C, with which clang does not agree.
+scmp_arg_cmp argument(unsigned int number, scmp_compare comparison, scmp_datum_t first, scmp_datum_t second = 0)
+{
+    return {number, comparison, first, second};
+}
+
 bool addRules(scmp_filter_ctx filter)
 {
     bool isDone = true;
@@ -111,11 +117,11 @@ bool addRules(scmp_filter_ctx filter)
     for (const int call : kDeadly)
         add(SCMP_ACT_KILL_PROCESS, call);
     // The C library's fstat() and Qt's.
-    add(SCMP_ACT_ALLOW, SCMP_SYS(newfstatat), SCMP_A3(SCMP_CMP_MASKED_EQ, AT_EMPTY_PATH, AT_EMPTY_PATH));
-    add(SCMP_ACT_ALLOW, SCMP_SYS(statx), SCMP_A2(SCMP_CMP_MASKED_EQ, AT_EMPTY_PATH, AT_EMPTY_PATH));
+    add(SCMP_ACT_ALLOW, SCMP_SYS(newfstatat), argument(3, SCMP_CMP_MASKED_EQ, AT_EMPTY_PATH, AT_EMPTY_PATH));
+    add(SCMP_ACT_ALLOW, SCMP_SYS(statx), argument(2, SCMP_CMP_MASKED_EQ, AT_EMPTY_PATH, AT_EMPTY_PATH));
     // abort() and raise().
-    add(SCMP_ACT_ALLOW, SCMP_SYS(tgkill), SCMP_A0(SCMP_CMP_EQ, static_cast<scmp_datum_t>(getpid())));
-    add(SCMP_ACT_ALLOW, SCMP_SYS(fcntl), SCMP_A1(SCMP_CMP_EQ, F_GETFL));
+    add(SCMP_ACT_ALLOW, SCMP_SYS(tgkill), argument(0, SCMP_CMP_EQ, static_cast<scmp_datum_t>(getpid())));
+    add(SCMP_ACT_ALLOW, SCMP_SYS(fcntl), argument(1, SCMP_CMP_EQ, F_GETFL));
     return isDone;
 }
 
