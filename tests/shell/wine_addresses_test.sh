@@ -21,13 +21,13 @@ programs() {
 # The outer program waits for the inner one, which answers and then waits for input.
 coproc outer { exec "$1" cmd /c cmd /q /k echo ready; }
 # shellcheck disable=SC2154 # the coprocess sets it
-until read -r answer <&"${outer[0]}" && [[ $answer == ready* ]]; do :; done
+outer_pid=$outer_PID
+while read -r answer <&"${outer[0]}" && [[ $answer != ready* ]]; do :; done
 mapfile -t folders < <(programs)
 personalities=()
 for folder in "${folders[@]}"; do personalities+=("$(<"$folder/personality")"); done
 echo exit >&"${outer[1]}"
-# shellcheck disable=SC2154 # the coprocess sets it
-wait "$outer_PID"
+wait "$outer_pid"
 
 (( ${#personalities[@]} == 2 )) || { echo "${#personalities[@]} programs found" >&2; exit 1; }
 setarch -R true || exit 0
