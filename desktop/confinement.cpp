@@ -100,7 +100,7 @@ constexpr int kDeadly[] = {
     SCMP_SYS(io_uring_setup),
 };
 
-// libseccomp's macros for conditions are C, with which clang does not agree.
+// libseccomp's macros for this use compound literals, which clang refuses in C++.
 scmp_arg_cmp argument(unsigned int number, scmp_compare comparison, scmp_datum_t first, scmp_datum_t second = 0)
 {
     return {number, comparison, first, second};
